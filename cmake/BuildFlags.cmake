@@ -1,0 +1,35 @@
+# How everything of this project is compiled and linked. Targets take it from kestraboot_flags.
+add_library(kestraboot_flags INTERFACE)
+target_compile_definitions(kestraboot_flags INTERFACE
+    UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX
+    _WIN32_WINNT=0x0601 # K32EnumProcessModules
+    PSAPI_VERSION=2)
+target_include_directories(kestraboot_flags INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+
+if(MSVC) # never tried: there is no such compiler where this is built
+    target_compile_options(kestraboot_flags INTERFACE /W4 /WX /permissive- /utf-8)
+    target_compile_definitions(kestraboot_flags INTERFACE _CRT_SECURE_NO_WARNINGS)
+    target_link_options(kestraboot_flags INTERFACE /DYNAMICBASE /NXCOMPAT /HIGHENTROPYVA)
+else()
+    target_compile_options(kestraboot_flags INTERFACE
+        -Wall -Wextra -Wpedantic -Werror -Wconversion -Wsign-conversion -Wshadow -Wcast-qual
+        -Wnon-virtual-dtor -Wold-style-cast -Wundef -Wmissing-declarations -Wimplicit-fallthrough)
+    # GCC 12 sees overlaps in the concatenation of strings that are none (GCC bug 105329).
+    target_compile_options(kestraboot_flags INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+    target_link_options(kestraboot_flags INTERFACE
+        -Wl,--dynamicbase,--nxcompat,--high-entropy-va -Wl,--fatal-warnings)
+endif()
+
+option(KESTRABOOT_COVERAGE "Count which lines the tests reach" OFF)
+if(KESTRABOOT_COVERAGE)
+    target_compile_options(kestraboot_flags INTERFACE --coverage -fprofile-update=atomic)
+    target_link_options(kestraboot_flags INTERFACE --coverage)
+endif()
+
+option(KESTRABOOT_HARDENED "Trap undefined behaviour, misuse of the standard library and overruns" OFF)
+if(KESTRABOOT_HARDENED)
+    target_compile_options(kestraboot_flags INTERFACE
+        -fsanitize=undefined -fsanitize-undefined-trap-on-error -fno-sanitize=vptr -fstack-protector-strong)
+    target_compile_definitions(kestraboot_flags INTERFACE _GLIBCXX_ASSERTIONS _FORTIFY_SOURCE=2)
+    target_link_libraries(kestraboot_flags INTERFACE ssp)
+endif()

@@ -1,0 +1,32 @@
+// The little that is done to text in more than one place.
+#pragma once
+
+#include <cstddef>
+#include <cwchar>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kestraboot
+{
+
+inline constexpr std::size_t kFieldCapacity = 260; ///< characters of a fixed field, terminator included
+
+/// Fills a fixed field with `text`, cut so that a terminating zero always fits; the rest is zeroed.
+template <std::size_t Capacity>
+void CopyToField(wchar_t (&field)[Capacity], std::wstring_view text) noexcept
+{
+    const std::size_t copied = text.copy(field, Capacity - 1);
+    std::wmemset(field + copied, L'\0', Capacity - copied);
+}
+
+/// Whole strings, as the C runtime's _wcsicmp compares them.
+[[nodiscard]] bool EqualIgnoringCase(const std::wstring& left, const std::wstring& right) noexcept;
+
+/// Cuts at every single blank; empty pieces are left out.
+[[nodiscard]] std::vector<std::wstring> SplitAtBlanks(std::wstring_view text);
+
+/// `text` as it stands when it begins with a double quote, otherwise between double quotes.
+[[nodiscard]] std::wstring QuoteUnlessQuoted(const std::wstring& text);
+
+} // namespace kestraboot

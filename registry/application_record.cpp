@@ -1,0 +1,113 @@
+#include "registry/application_record.h"
+
+#include "foundation/file_formats.h"
+#include "foundation/registry_key.h"
+#include "registry/registry_layout.h"
+
+namespace kestraboot
+{
+namespace
+{
+
+constexpr const wchar_t* kDefaultFlag = L"DefaultFlag";
+constexpr const wchar_t* kAutoLaunch = L"AutoLaunchOnDeviceConnect";
+
+void ReadText(RegistryKey& key, const wchar_t* valueName, std::wstring& member)
+{
+    if (const wchar_t* const text = key.QueryString(valueName)) {
+        member = text;
+    }
+}
+
+void ReadTexts(const std::wstring& keyPath, appInfo_tag& record)
+{
+    RegistryKey key = RegistryKey::OpenLocalMachine(keyPath, KEY_READ);
+    if (!key.IsOpen()) {
+        return;
+    }
+    record.KeyPath = keyPath;
+    ReadText(key, L"Name", record.Name);
+    ReadText(key, L"ProxyPath", record.ProxyPath);
+    ReadText(key, L"Desc", record.Desc);
+    ReadText(key, L"CmdLine", record.CmdLine);
+    ReadText(key, L"Icon", record.Icon);
+}
+
+std::vector<formatInfo_tag> ReadFileFormats(const std::wstring& keyPath)
+{
+    std::vector<formatInfo_tag> formats;
+    for (const wchar_t* const mediaType : {L"Image", L"Audio", L"Video"}) {
+        RegistryKey key = RegistryKey::OpenLocalMachine(keyPath + L"\\File Formats", KEY_READ);
+        if (const wchar_t* const extensions = key.QueryString(mediaType)) {
+            AppendFormats(formats, extensions, mediaType);
+        }
+    }
+    return formats;
+}
+
+void CreateUserPreferences(const std::wstring& prefsPath)
+{
+    // Takes off every leading character that occurs in the root's path, not the path itself. A product
+    // whose name begins with such letters loses them too and so never gets its key; kept on purpose.
+    const std::size_t rest = prefsPath.find_first_not_of(std::wstring(kCorvaneRoot) + L'\\');
+    if (rest == std::wstring::npos) {
+        return;
+    }
+    {
+        RegistryKey root = RegistryKey::OpenCurrentUser(kCorvaneRoot, KEY_WRITE);
+        const UniqueRegistryHandle created =
+            root.CreateSubkeyWithString(prefsPath.substr(rest), nullptr, nullptr);
+        if (!created) {
+            return;
+        }
+    }
+    RegistryKey prefs = RegistryKey::OpenCurrentUser(prefsPath, KEY_WRITE);
+    prefs.SetDword(kDefaultFlag, 0);
+}
+
+std::uint32_t ReadDefaultFlag(const std::wstring& prefsPath)
+{
+    {
+        RegistryKey user = RegistryKey::OpenCurrentUser(prefsPath, KEY_READ);
+        if (user.IsOpen()) {
+            const std::int32_t flag = user.QueryDword(kDefaultFlag);
+            return flag != -1 ? static_cast<std::uint32_t>(flag) : 0;
+        }
+    }
+    CreateUserPreferences(prefsPath);
+    RegistryKey machine = RegistryKey::OpenLocalMachine(prefsPath, KEY_READ);
+    const std::int32_t flag = machine.QueryDword(kDefaultFlag);
+    return flag != -1 ? static_cast<std::uint32_t>(flag) : 0;
+}
+
+} // namespace
+
+std::wstring PreferencesPath(const std::wstring& keyPath)
+{
+    return keyPath + L"\\Preferences";
+}
+
+void ReadApplicationRecord(const std::wstring& keyPath, appInfo_tag& record)
+{
+    ReadTexts(keyPath, record);
+    record.FileFormats = ReadFileFormats(keyPath);
+    record.DefaultFlag = ReadDefaultFlag(PreferencesPath(keyPath));
+}
+
+bool IsAutoLaunchAllowed(const std::wstring& keyPath)
+{
+    const std::wstring prefsPath = PreferencesPath(keyPath);
+    std::int32_t kept = RegistryKey::OpenCurrentUser(prefsPath, KEY_READ).QueryDword(kAutoLaunch);
+    if (kept == -1) {
+        kept = RegistryKey::OpenLocalMachine(prefsPath, KEY_READ).QueryDword(kAutoLaunch);
+    }
+    return kept != 1;
+}
+
+void WriteDefaultFlag(const std::wstring& prefsPath, std::uint32_t value)
+{
+    RegistryKey::OpenCurrentUser(prefsPath, KEY_WRITE).SetDword(kDefaultFlag, value);
+    RegistryKey::OpenLocalMachine(prefsPath, KEY_WRITE).SetDword(kDefaultFlag, value);
+}
+
+} // namespace kestraboot

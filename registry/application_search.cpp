@@ -1,0 +1,42 @@
+// A breadth-first search: a queue of open keys, each with its path. The key at the head lists its
+// subkeys; an application key becomes a record, any other one that opens goes to the tail.
+#include "registry/application_search.h"
+
+#include "foundation/registry_key.h"
+#include "registry/application_record.h"
+#include "registry/registry_layout.h"
+
+#include <cstdint>
+#include <deque>
+#include <utility>
+
+namespace kestraboot
+{
+
+std::vector<appInfo_tag> CollectApplicationKeys()
+{
+    std::vector<appInfo_tag> found;
+    std::deque<RegistryKey> pending;
+    pending.push_back(RegistryKey::OpenLocalMachine(kCorvaneRoot, KEY_READ));
+
+    while (!pending.empty()) {
+        RegistryKey parent = std::move(pending.front());
+        pending.pop_front();
+
+        // The first name that cannot be had ends this key, be it the last one or one too long.
+        for (std::uint32_t index = 0; const wchar_t* const name = parent.EnumSubkey(index); ++index) {
+            const std::wstring childPath = parent.Path() + L'\\' + name;
+            if (std::wcscmp(name, kApplicationKeyName) == 0) {
+                ReadApplicationRecord(childPath, found.emplace_back());
+                continue;
+            }
+            RegistryKey child = RegistryKey::OpenLocalMachine(childPath, KEY_READ);
+            if (child.IsOpen()) {
+                pending.push_back(std::move(child));
+            }
+        }
+    }
+    return found;
+}
+
+} // namespace kestraboot

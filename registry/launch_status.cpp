@@ -1,0 +1,78 @@
+// What an application's proxy asks for itself: may it launch, and in which language does it speak.
+#include "foundation/registry_key.h"
+#include "kestraboot/information_handler.h"
+#include "registry/own_application.h"
+#include "registry/registry_layout.h"
+
+#include <optional>
+
+using namespace kestraboot;
+
+namespace
+{
+
+constexpr const wchar_t* kLaunchStatus = L"kestralaunchstatus";
+
+/// The key of the running application above its "Corvane Kestrafetch" key; the same path under both
+/// hives.
+std::optional<std::wstring> FindOwnKey(CKestraBootInformationHandler& handler)
+{
+    appInfo_tag own; // stays empty when the running program is no application's proxy
+    static_cast<void>(FindOwnApplication(handler, own));
+    const std::size_t end = own.KeyPath.find(std::wstring(L"\\") + kApplicationKeyName);
+    if (end == std::wstring::npos) {
+        return std::nullopt;
+    }
+    return own.KeyPath.substr(0, end);
+}
+
+} // namespace
+
+bool CKestraBootInformationHandler::GetKestraLaunchStatus()
+{
+    const std::optional<std::wstring> ownKey = FindOwnKey(*this);
+    if (!ownKey) {
+        return true;
+    }
+    RegistryKey key = RegistryKey::OpenCurrentUser(*ownKey, KEY_READ);
+    if (!key.IsOpen()) {
+        return true;
+    }
+    const std::int32_t launchStatus = key.QueryDword(kLaunchStatus);
+    if (launchStatus == -1) {
+        // Refused, since the key is open for reading only: asking never creates the value. Kept.
+        key.SetDword(kLaunchStatus, 1);
+        return true;
+    }
+    return launchStatus != 0;
+}
+
+bool CKestraBootInformationHandler::SetKestraLaunchStatus(std::int32_t status)
+{
+    const std::optional<std::wstring> ownKey = FindOwnKey(*this);
+    if (!ownKey) {
+        return false;
+    }
+    RegistryKey key = RegistryKey::OpenCurrentUser(*ownKey, KEY_WRITE);
+    if (!key.IsOpen()) {
+        return false;
+    }
+    key.SetDword(kLaunchStatus, static_cast<std::uint32_t>(status));
+    return key.Status() == ERROR_SUCCESS;
+}
+
+bool CKestraBootInformationHandler::GetKestraLocaleString(std::wstring& locale)
+{
+    locale = L"en_us";
+    const std::optional<std::wstring> ownKey = FindOwnKey(*this);
+    if (!ownKey) {
+        return false;
+    }
+    RegistryKey key = RegistryKey::OpenLocalMachine(*ownKey, KEY_READ);
+    const wchar_t* const stored = key.QueryString(L"locale");
+    if (stored == nullptr || *stored == L'\0') {
+        return false;
+    }
+    locale = stored;
+    return true;
+}

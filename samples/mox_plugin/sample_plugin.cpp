@@ -1,0 +1,207 @@
+// The smallest complete device plugin, to start your own from.
+//
+// It needs the kit's one header and Windows. A real plugin talks to its devices; this one takes the
+// named event "KestrabootSampleDevice" for one: each time somebody sets it, a camera has arrived.
+//
+// Three things make a plugin: an object that says what it is (SampleDescriptor), a source manager that
+// tells of devices (SampleSource), and FxPluginMain, which hands out the first.
+#include "kestraboot/mox_plugin.h"
+
+#include <windows.h>
+#include <cwchar>
+#include <new>
+
+namespace mox = kestraboot::mox;
+
+namespace
+{
+
+// Make one of your own for each plugin: the host refuses a second plugin with the same one.
+constexpr mox::Identifier kSampleIdentifier = {
+    0x6F1B0E52, 0x9A37, 0x4C0D, {0x8E, 0x21, 0x53, 0xB4, 0x07, 0xD9, 0x6A, 0xC8}};
+
+// The source manager: interface 13.
+class SampleSource final : public mox::ISourceManager
+{
+public:
+    // The host asks the manager for interface 13 once more before it reads the category.
+    bool Query(mox::InterfaceNumber number, void** object) override
+    {
+        *object = nullptr;
+        if (number != mox::kSourceManagerNumber) {
+            return false;
+        }
+        AddReference(); // every object that is handed out comes with a reference
+        *object = static_cast<mox::ISourceManager*>(this);
+        return true;
+    }
+
+    std::uint32_t AddReference() override
+    {
+        return static_cast<std::uint32_t>(::InterlockedIncrement(&references));
+    }
+
+    std::uint32_t Release() override
+    {
+        const LONG remaining = ::InterlockedDecrement(&references);
+        if (remaining == 0) {
+            delete this;
+        }
+        return static_cast<std::uint32_t>(remaining);
+    }
+
+    // A source with any other category is not tracked.
+    mox::Status GetCategory(std::uint32_t* category) override
+    {
+        *category = mox::kDeviceSourceCategory;
+        return mox::kSuccess;
+    }
+
+    // From here on the plugin tells of devices, from a thread of its own: it must not keep the host
+    // waiting.
+    mox::Status RegisterCallback(mox::ICallbackInterface* given) override
+    {
+        if (given == nullptr || thread != nullptr) {
+            return mox::kBadArgument;
+        }
+        given->AddReference(); // it is only lent for this call: the reference is what keeps it alive
+        callback = given;
+        deviceArrived = ::CreateEventW(nullptr, FALSE, FALSE, L"KestrabootSampleDevice");
+        ending = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+        if (deviceArrived != nullptr && ending != nullptr) {
+            thread = ::CreateThread(nullptr, 0, WatchThread, this, 0, nullptr);
+        }
+        if (thread == nullptr) {
+            StopWatching();
+            return mox::kFailure;
+        }
+        return mox::kSuccess;
+    }
+
+    mox::Status UnregisterCallback(mox::ICallbackInterface* given) override
+    {
+        if (given == nullptr || given != callback) {
+            return mox::kBadArgument;
+        }
+        StopWatching(); // after this no call of the callback begins, and its reference is given back
+        return mox::kSuccess;
+    }
+
+private:
+    ~SampleSource() { StopWatching(); }
+
+    static DWORD WINAPI WatchThread(LPVOID self)
+    {
+        static_cast<SampleSource*>(self)->Watch();
+        return 0;
+    }
+
+    void Watch()
+    {
+        const HANDLE awaited[] = {ending, deviceArrived};
+        while (::WaitForMultipleObjects(2, awaited, FALSE, INFINITE) == WAIT_OBJECT_0 + 1) {
+            mox::DeviceRecord device = {}; // cleared: what is not filled must be zero
+            device.eventCode = mox::kDeviceArrived;
+            device.size = mox::kDeviceRecordSize;
+            device.deviceKind = mox::kKindCamera;
+            std::wcscpy(device.deviceId, L"Sample camera");
+            // Returns when the application has been told. Nothing can be done about a failure here.
+            static_cast<void>(callback->Notify(0, &device));
+        }
+    }
+
+    void StopWatching()
+    {
+        if (thread != nullptr) {
+            ::SetEvent(ending);
+            ::WaitForSingleObject(thread, INFINITE);
+        }
+        HANDLE* const handles[] = {&thread, &ending, &deviceArrived};
+        for (HANDLE* const handle : handles) {
+            if (*handle != nullptr) {
+                ::CloseHandle(*handle);
+                *handle = nullptr;
+            }
+        }
+        if (callback != nullptr) {
+            callback->Release();
+            callback = nullptr;
+        }
+    }
+
+    volatile LONG references = 1; // whoever made it
+    mox::ICallbackInterface* callback = nullptr;
+    HANDLE deviceArrived = nullptr;
+    HANDLE ending = nullptr;
+    HANDLE thread = nullptr;
+};
+
+// What the plugin is: interface 1. It also makes the source manager when it is asked for interface 13.
+class SampleDescriptor final : public mox::IPluginDescriptor
+{
+public:
+    bool Query(mox::InterfaceNumber number, void** object) override
+    {
+        *object = nullptr;
+        if (number == mox::kPluginDescriptorNumber) {
+            AddReference();
+            *object = static_cast<mox::IPluginDescriptor*>(this);
+        } else if (number == mox::kSourceManagerNumber) {
+            *object = static_cast<mox::ISourceManager*>(new (std::nothrow) SampleSource);
+        }
+        return *object != nullptr;
+    }
+
+    std::uint32_t AddReference() override
+    {
+        return static_cast<std::uint32_t>(::InterlockedIncrement(&references));
+    }
+
+    std::uint32_t Release() override
+    {
+        const LONG remaining = ::InterlockedDecrement(&references);
+        if (remaining == 0) {
+            delete this;
+        }
+        return static_cast<std::uint32_t>(remaining);
+    }
+
+    mox::Status GetName(wchar_t* name, std::uint32_t capacity) override
+    {
+        std::wcsncpy(name, L"Sample devices", capacity - 1);
+        name[capacity - 1] = L'\0';
+        return mox::kSuccess;
+    }
+
+    mox::Status GetValue(std::uint32_t* value) override
+    {
+        *value = 1; // the plugin's own; the host only keeps it
+        return mox::kSuccess;
+    }
+
+    mox::Status GetIdentifier(mox::Identifier* identifier) override
+    {
+        *identifier = kSampleIdentifier;
+        return mox::kSuccess;
+    }
+
+    // The host's record of this plugin, valid until ShutDown. This one has no use for it.
+    mox::Status SetListEntry(const mox::PluginDescriptor*) override { return mox::kSuccess; }
+
+    // The library goes next. The only thread belongs to the source manager, which is gone by now.
+    mox::Status ShutDown() override { return mox::kSuccess; }
+
+private:
+    ~SampleDescriptor() = default;
+
+    volatile LONG references = 1;
+};
+
+} // namespace
+
+// Called often: for what the plugin is, for its source manager, for its end.
+mox::Status FxPluginMain(mox::IFxBase** object)
+{
+    *object = new (std::nothrow) SampleDescriptor;
+    return *object != nullptr ? mox::kSuccess : mox::kOutOfMemory;
+}

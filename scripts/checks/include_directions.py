@@ -1,0 +1,64 @@
+#!/usr/bin/env python3
+"""Checks that no room includes one that it must not know: the road runs one way."""
+import pathlib
+import re
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+
+# What each room may include besides itself. A file of service/ that is named here may include trackers too.
+MAY_INCLUDE = {
+    "include": set(),
+    "foundation": {"include"},
+    "legacy": {"foundation", "include"},
+    "registry": {"legacy", "foundation", "include"},
+    "service": {"registry", "foundation", "include"},
+    "trackers/volume": {"service", "foundation", "include"},
+    "trackers/wia": {"service", "foundation", "include"},
+    "trackers/still_image": {"trackers/wia", "service", "foundation", "include"},
+    "trackers/mox": {"service", "foundation", "include"},
+    "launcher": {"registry", "service", "legacy", "foundation", "include"},
+    "boot": {"include"},
+    "samples": {"include"},
+    "tools": {"include"},
+}
+STARTS_TRACKERS = "service/service_start.cpp"
+# What trackers may know of the service.
+SERVICE_FOR_TRACKERS = {"dispatch", "device_kind", "media_sniffer", "volume_file_system", "windows_version"}
+
+INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
+
+
+def room_of(path: str) -> str:
+    if path.startswith("kestraboot/"):
+        return "include"
+    parts = path.split("/")
+    return "/".join(parts[:2]) if parts[0] == "trackers" else parts[0]
+
+
+def main() -> int:
+    wrong = []
+    checked = 0
+    for room, allowed in MAY_INCLUDE.items():
+        for file in sorted((ROOT / room).rglob("*")):
+            if file.suffix not in {".h", ".cpp"}:
+                continue
+            checked += 1
+            name = file.relative_to(ROOT).as_posix()
+            for included in INCLUDE.findall(file.read_text(encoding="utf-8")):
+                target = room_of(included)
+                if target == room_of(name) or target in allowed or (target == "include" and room == "include"):
+                    if not (room.startswith("trackers") and target == "service"):
+                        continue
+                    if pathlib.PurePath(included).stem in SERVICE_FOR_TRACKERS:
+                        continue
+                if name == STARTS_TRACKERS and target.startswith("trackers/"):
+                    continue
+                wrong.append(f"{name} must not include {included}")
+    print(f"include directions: {checked} files, {len(wrong)} wrong")
+    print("\n".join(wrong))
+    return 1 if wrong or checked == 0 else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

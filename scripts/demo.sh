@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# The main job, end to end, on real input: builds, makes a Wine prefix of its own, and shows the live trace
+# (seconds, process, line) while devices come and go. Ends with a table; fails where it differs from what is expected.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+. scripts/wine.sh
+. scripts/demo/stage.sh
+. scripts/demo/cards.sh
+. scripts/demo/applications.sh
+. scripts/demo/imaging.sh
+. scripts/demo/phones.sh
+
+demo=$PWD/build/demo
+bin=$PWD/build/release/bin
+package=$demo/package
+prefix=$demo/wine
+
+scripts/setup.sh
+
+title "Build"
+rm -rf "$demo"
+mkdir -p "$demo"
+cmake --preset release >"$demo/configure.log"
+cmake --build --preset release
+cmake --install build/release --prefix "$package" >/dev/null
+
+title "A Wine prefix of its own"
+wine_prefix_make "$prefix"
+trap 'trace_end; wine_prefix_end "$prefix"' EXIT
+wine_prefix_start "$prefix"
+in_wine 30 reg add 'HKCU\Software\Wine\AppDefaults\kestraboot.exe' /v Version /d vista /f >/dev/null
+install_viewer
+install_still_imaging
+install_wia_service
+make_cards
+trace_start
+
+act_cards
+act_applications
+act_imaging
+act_phone
+
+trace_end
+print_table

@@ -1,0 +1,88 @@
+# Sourced by scripts/demo.sh: the stage on which its acts are played, and the table at the end.
+# Uses $prefix (the Wine prefix), $bin (the built programs) and $demo (a folder for what the demo makes).
+
+rows=()
+failures=0
+mark=0 # how many trace lines were there before the current step
+
+title() { printf '\n\033[1m== %s\033[0m\n' "$*"; }
+
+# step TEXT: says what happens next; expect_line looks at the trace from here on.
+step() {
+    printf '\033[36m-- %s\033[0m\n' "$*"
+    mark=$(wc -l <"$demo/trace.log")
+}
+
+# expect WHAT EXPECTED SEEN: one row of the table.
+expect() {
+    local verdict=ok
+    [ "$2" = "$3" ] || { verdict=DIFFERS; failures=$((failures + 1)); }
+    rows+=("$1"$'\x1f'"$2"$'\x1f'"$3"$'\x1f'"$verdict")
+}
+
+# expect_line WHAT LINE SECONDS: the trace line, whole, within that time.
+expect_line() {
+    local seen='(no such line)' end=$((SECONDS + $3))
+    while [ $SECONDS -le $end ]; do
+        if trace_since_mark | grep -qxF -- "$2"; then
+            seen=$2
+            break
+        fi
+        sleep 0.1
+    done
+    expect "$1" "$2" "$seen"
+}
+
+# The lines of the current step without time and process.
+trace_since_mark() { tail -n +$((mark + 1)) "$demo/trace.log" | tr -d '\r' | cut -c18-; }
+
+# expect_report WHAT PROGRAM LINE SECONDS: a line that the started application wrote down since the step began.
+expect_report() {
+    local file="$prefix/drive_c/users/$(id -un)/AppData/Local/Corvane Sample Viewer/$2.txt"
+    local seen='(not started)' end=$((SECONDS + $4))
+    while [ $SECONDS -le $end ]; do
+        if [ -f "$file" ] && grep -qxF -- "$3" "$file"; then
+            seen=$3
+            break
+        fi
+        sleep 0.1
+    done
+    expect "$1" "$3" "$seen"
+}
+
+# forget_report PROGRAM: so that the next start is seen for itself.
+forget_report() { rm -f "$prefix/drive_c/users/$(id -un)/AppData/Local/Corvane Sample Viewer/$1.txt"; }
+
+# in_wine SECONDS PROGRAM ...: a program of the demo, waited for.
+in_wine() { wine_run "$prefix" "$@"; }
+
+# boot FOLDER [ARGUMENT ...]: kestraboot.exe of an installed application, in the background, as at log-on.
+boot() {
+    (cd "$1" && WINEPREFIX=$prefix timeout 300 wine kestraboot.exe "${@:2}" </dev/null >/dev/null 2>&1) &
+}
+
+# The trace of every process of the prefix, with times, shown as it comes.
+trace_start() {
+    : >"$demo/trace.log"
+    WINEPREFIX=$prefix timeout 600 wine "$bin/kestratrace.exe" </dev/null >"$demo/trace.log" 2>&1 &
+    tail --pid=$$ -n +1 -f "$demo/trace.log" 2>/dev/null | sed -u 's/^/     /' &
+    trace_shown=$!
+}
+
+trace_end() { kill "$trace_shown" 2>/dev/null || true; }
+
+# The table; false where a row differs.
+print_table() {
+    local row what expected seen verdict
+    title "Expected against seen"
+    for row in "${rows[@]}"; do
+        IFS=$'\x1f' read -r what expected seen verdict <<<"$row"
+        if [ "$verdict" = ok ]; then
+            printf '  ok       %-46s %s\n' "$what" "$seen"
+        else
+            printf '  DIFFERS  %-46s expected: %s\n%58s seen: %s\n' "$what" "$expected" '' "$seen"
+        fi
+    done
+    printf '\n%d of %d as expected\n' $((${#rows[@]} - failures)) ${#rows[@]}
+    [ $failures -eq 0 ]
+}

@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# Everything that must pass: format, include directions, the build, every test, the second compiler, the linter.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/setup.sh
+
+stage() { printf '\n== %s (%d s)\n' "$*" $SECONDS; }
+
+stage "Format"
+mapfile -t sources < <(find boot foundation include launcher legacy registry samples service tests tools trackers \
+    -name '*.h' -o -name '*.cpp')
+clang-format-14 --dry-run -Werror "${sources[@]}"
+echo "${#sources[@]} files"
+
+stage "Include directions"
+scripts/checks/include_directions.py
+
+stage "Build"
+cmake --preset release >/dev/null
+cmake --build --preset release
+
+stage "Tests"
+ctest --preset release --parallel 2
+
+stage "The second compiler"
+cmake --preset clang >/dev/null
+cmake --build --preset clang
+
+stage "Linter"
+scripts/checks/lint.py build/clang
+
+stage "All passed"

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace kestraboot
+{
+
+/// Whether a volume is of a kind that can hold camera media: a removable drive, or a fixed disk whose
+/// file system carries the maker's name "kodak". The volume's label plays no part.
+[[nodiscard]] bool IsCandidateVolume(const wchar_t* rootPath) noexcept;
+
+} // namespace kestraboot

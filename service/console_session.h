@@ -1,0 +1,12 @@
+#pragma once
+
+#include <cstdint>
+
+namespace kestraboot
+{
+
+/// Whether a process runs in the session that is attached to the physical console. False when this
+/// cannot be found out.
+[[nodiscard]] bool IsProcessInActiveConsoleSession(std::uint32_t processId) noexcept;
+
+} // namespace kestraboot

@@ -1,0 +1,51 @@
+#include "service/dispatch.h"
+
+#include "kestraboot/device_connect.h"
+
+#include <windows.h>
+#include <atomic>
+
+namespace kestraboot
+{
+namespace
+{
+
+CRITICAL_SECTION dispatchLock;
+
+// A plain store and load, made well-defined: the latest value counts, whichever thread stored it.
+std::atomic<DeviceConnectCallback> registeredCallback = nullptr;
+
+class DispatchLockScope
+{
+public:
+    DispatchLockScope() noexcept { ::EnterCriticalSection(&dispatchLock); }
+    DispatchLockScope(const DispatchLockScope&) = delete;
+    DispatchLockScope& operator=(const DispatchLockScope&) = delete;
+    ~DispatchLockScope() { ::LeaveCriticalSection(&dispatchLock); }
+};
+
+} // namespace
+
+void InitializeDispatch() noexcept
+{
+    ::InitializeCriticalSection(&dispatchLock);
+}
+
+void NotifyDeviceConnect(std::wstring& kind, std::wstring& deviceId) noexcept
+{
+    try {
+        const DispatchLockScope lock;
+        if (const auto callback = registeredCallback.load(std::memory_order_relaxed)) {
+            callback(kind, deviceId);
+        }
+    } catch (...) {
+        // The host's affair: the tracker that reports carries on.
+    }
+}
+
+} // namespace kestraboot
+
+void RegisterDeviceConnectCallback(DeviceConnectCallback callback)
+{
+    kestraboot::registeredCallback.store(callback, std::memory_order_relaxed);
+}

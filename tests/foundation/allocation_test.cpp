@@ -1,0 +1,70 @@
+// Memory that runs out in the foundation: std::bad_alloc comes out, and no handle stays open.
+#include "foundation/process_identity.h"
+#include "foundation/registry_key.h"
+#include "tests/support/allocation_failure.h"
+#include "tests/support/registry_sandbox.h"
+
+#include <gtest/gtest.h>
+
+namespace kestraboot
+{
+namespace
+{
+
+using namespace kestraboot::tests;
+
+constexpr const wchar_t* kPath = L"a key with a name too long for a small string";
+constexpr const wchar_t* kText = L"a text too long for a small string";
+
+TEST(OutOfMemory, ComesOutOfARegistryReadAndLeavesNoKeyOpen)
+{
+    const RegistrySandbox sandbox;
+    PutText(HKEY_LOCAL_MACHINE, kPath, L"Text", kText);
+    MakeKey(HKEY_LOCAL_MACHINE, std::wstring(kPath) + L"\\Sub");
+    // The path given, its copy, the text, the name.
+    EXPECT_EQ(ForEveryAllocation(
+                  [] {
+                      RegistryKey key = RegistryKey::OpenLocalMachine(kPath, KEY_READ);
+                      static_cast<void>(key.QueryString(L"Text"));
+                      static_cast<void>(key.EnumSubkey(0));
+                  },
+                  [](bool threw) {
+                      EXPECT_TRUE(threw);
+                  }),
+              4);
+}
+
+TEST(OutOfMemory, InAReadLeavesTheKeyUsable)
+{
+    const RegistrySandbox sandbox;
+    PutText(HKEY_LOCAL_MACHINE, L"A", L"Short", L"short");
+    PutText(HKEY_LOCAL_MACHINE, L"A", L"Text", kText);
+    RegistryKey key = RegistryKey::OpenLocalMachine(L"A", KEY_READ);
+    ASSERT_STREQ(key.QueryString(L"Short"), L"short");
+    {
+        const AllocationFailure failure(0);
+        EXPECT_THROW(static_cast<void>(key.QueryString(L"Text")), std::bad_alloc);
+    }
+    EXPECT_STREQ(key.QueryString(L"Short"), L"short"); // though the buffer for it went
+    EXPECT_STREQ(key.QueryString(L"Text"), kText);
+}
+
+TEST(OutOfMemory, ComesOutOfTheProcessIdentityAndLeavesTheRecord)
+{
+    ProcessInfo info;
+    EXPECT_GE(ForEveryAllocation(
+                  [&] {
+                      info = {77, nullptr, L"before"};
+                      GetCurrentProcessInfo(info);
+                  },
+                  [&](bool threw) {
+                      EXPECT_TRUE(threw);
+                      EXPECT_EQ(info.processId, 77U);
+                      EXPECT_EQ(info.executablePath, L"before");
+                  }),
+              1);
+    EXPECT_EQ(info.processId, ::GetCurrentProcessId());
+}
+
+} // namespace
+} // namespace kestraboot

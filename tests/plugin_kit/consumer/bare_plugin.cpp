@@ -1,0 +1,8 @@
+// The least that is a plugin: it wants not to be loaded.
+#include <kestraboot/mox_plugin.h>
+
+kestraboot::mox::Status FxPluginMain(kestraboot::mox::IFxBase** object)
+{
+    *object = nullptr;
+    return kestraboot::mox::kFailure;
+}

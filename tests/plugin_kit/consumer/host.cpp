@@ -1,0 +1,6 @@
+#include <kestraboot/kestraboot.h>
+
+int main()
+{
+    StartDeviceConnectService();
+}

@@ -1,0 +1,128 @@
+// Memory that runs out in the registry of applications: it reaches the caller, and nothing stays open.
+#include "registry/own_application.h"
+#include "registry/supported_formats.h"
+#include "tests/registry/handler.h"
+#include "tests/support/allocation_failure.h"
+#include "tests/support/registry_sandbox.h"
+#include "tests/support/sample_application.h"
+#include "tests/support/temp_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+
+namespace kestraboot
+{
+namespace
+{
+
+using namespace kestraboot::tests;
+
+struct RegistryOutOfMemory : testing::Test {
+    RegistryOutOfMemory() : spawn("_wspawnlp", reinterpret_cast<void*>(&Refuse))
+    {
+        MakeKey(HKEY_LOCAL_MACHINE, kRunKey);
+        MakeKey(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane");
+        own = RegisterOwnSample(folder.Path(), L"Vellumry\\7.0");
+        RegisterSample(folder.Path(), L"Viewer");
+        PutText(HKEY_LOCAL_MACHINE, own.keyPath + L"\\File Formats", L"Image", L"jpg tif");
+        PutText(HKEY_LOCAL_MACHINE, own.OwnKey(), L"locale", L"a rather long name of a locale");
+        RegisterOrganiser(L"C:\\A folder with quite a long name");
+    }
+    static std::intptr_t Refuse(int, const wchar_t*, const wchar_t*, ...) { return -1; }
+    static void Reaches(bool threw) { EXPECT_TRUE(threw); }
+
+    RegistrySandbox sandbox;
+    TempFolder folder;
+    SampleApplication own;
+    ImportPatch spawn;
+    OpenHandler handler;
+};
+
+TEST_F(RegistryOutOfMemory, ReachesTheCallerOfLoading)
+{
+    EXPECT_GT(ForEveryAllocation(
+                  [&] {
+                      handler.LoadInformation();
+                  },
+                  Reaches),
+              20);
+    EXPECT_EQ(handler.applications.size(), 2U);
+}
+
+TEST_F(RegistryOutOfMemory, ReachesTheCallerOfMaintainingTheOrder)
+{
+    EXPECT_GT(ForEveryAllocation(
+                  [&] {
+                      handler.MaintainOrder();
+                  },
+                  Reaches),
+              20);
+}
+
+TEST_F(RegistryOutOfMemory, ReachesTheCallerOfTheFormatsAlthoughTheQueriesAnswerFalse)
+{
+    handler.LoadInformation();
+    int reached = 0;
+    std::size_t found = 0;
+    EXPECT_GT(ForEveryAllocation(
+                  [&] {
+                      std::vector<formatInfo_tag> formats;
+                      GetSupportedFormats(handler, formats);
+                      found = formats.size();
+                  },
+                  [&](bool threw) {
+                      reached += threw ? 1 : 0;
+                  }),
+              20);
+    EXPECT_GT(reached, 20);
+    EXPECT_EQ(found, 2U + 44U);
+}
+
+TEST_F(RegistryOutOfMemory, ReachesTheCallersOfStatusAndLocale)
+{
+    // Once the list itself cannot be copied, the running program counts as no application's proxy.
+    std::wstring locale;
+    const auto anyEnd = [](bool) {};
+    EXPECT_GT(ForEveryAllocation(
+                  [&] {
+                      static_cast<void>(handler.GetKestraLaunchStatus());
+                  },
+                  anyEnd),
+              20);
+    EXPECT_GT(ForEveryAllocation(
+                  [&] {
+                      static_cast<void>(handler.SetKestraLaunchStatus(1));
+                  },
+                  anyEnd),
+              20);
+    EXPECT_GT(ForEveryAllocation(
+                  [&] {
+                      static_cast<void>(handler.GetKestraLocaleString(locale));
+                  },
+                  [&](bool) {
+                      EXPECT_EQ(locale, L"en_us");
+                  }),
+              20);
+    EXPECT_EQ(locale, L"a rather long name of a locale");
+}
+
+TEST_F(RegistryOutOfMemory, LeavesTheCallersRecordOfTheOwnApplication)
+{
+    appInfo_tag out;
+    EXPECT_GT(ForEveryAllocation(
+                  [&] {
+                      out.Name = L"before";
+                      if (!FindOwnApplication(handler, out)) {
+                          EXPECT_EQ(out.Name, L"before");
+                      }
+                  },
+                  [&](bool) {
+                      EXPECT_EQ(out.Name, L"before");
+                  }),
+              20);
+    EXPECT_EQ(out.KeyPath, own.keyPath);
+}
+
+} // namespace
+} // namespace kestraboot

@@ -1,0 +1,10 @@
+// device_change.exe: tells every top-level window that the tree of devices changed, as Windows does when
+// one is plugged in or out (Wine tells nobody). No arguments.
+#include <windows.h>
+
+#include <dbt.h>
+
+int main()
+{
+    return ::PostMessageW(HWND_BROADCAST, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0) ? 0 : 1;
+}

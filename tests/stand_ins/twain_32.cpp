@@ -1,0 +1,162 @@
+// twain_32.dll: stands in for the TWAIN source manager.
+//
+// Put it beside the program together with a text file "twain_sources.txt"; see configuration.h for where
+// else that may lie. Each line is one installed data source:
+//   source PRODUCT NAME
+// The name goes out in the ANSI code page; one of 34 bytes or more fills its field without a terminator.
+// Lines that make it fail:
+//   fail-open     MSG_OPENDSM answers TWRC_FAILURE
+//   check-status  MSG_OPENDSM answers TWRC_CHECKSTATUS (2), which is no failure
+//   endless       the list starts over at its end
+// It is as strict as a real source manager: a parent that is no window's handle, or a question before it
+// is open, is a failure.
+// A file "twain_calls.txt" beside it, where it exists, receives a line for each call.
+#include "tests/stand_ins/configuration.h"
+#include "trackers/still_image/twain.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using namespace kestraboot::twain;
+using namespace kestraboot::stand_ins;
+
+constexpr TW_UINT16 kCheckStatus = 2; // TWRC_CHECKSTATUS
+constexpr TW_UINT16 kEndOfList = 7;   // TWRC_ENDOFLIST
+
+bool isOpen = false;
+bool isEndless = false;
+std::size_t nextSource = 0;
+std::vector<std::wstring> sourceNames;
+
+std::vector<Entry> Configuration()
+{
+    return ReadEntries(L"twain_sources.txt");
+}
+
+void FillSource(const std::wstring& name, TW_IDENTITY& source)
+{
+    char ansi[256] = {};
+    ::WideCharToMultiByte(CP_ACP, 0, name.c_str(), -1, ansi, sizeof ansi - 1, nullptr, nullptr);
+    // What is not said in the field is not zero, as with a real source.
+    std::memset(source.ProductName, '~', sizeof source.ProductName);
+    std::memcpy(source.ProductName, ansi, std::min(std::strlen(ansi) + 1, sizeof source.ProductName));
+    source.Id = static_cast<TW_UINT32>(nextSource);
+}
+
+/// The list is looked at when it is begun.
+void StartList()
+{
+    sourceNames.clear();
+    const std::vector<Entry> entries = Configuration();
+    for (const Entry& entry : entries) {
+        if (entry.word == "source") {
+            sourceNames.push_back(entry.rest);
+        }
+    }
+    isEndless = Says(entries, "endless") && !sourceNames.empty();
+    nextSource = 0;
+}
+
+TW_UINT16 Next(TW_IDENTITY& source)
+{
+    if (nextSource >= sourceNames.size() && isEndless) {
+        nextSource = 0;
+    }
+    if (nextSource >= sourceNames.size()) {
+        return kEndOfList;
+    }
+    FillSource(sourceNames[nextSource++], source);
+    return TWRC_SUCCESS;
+}
+
+TW_UINT16 Open(const HWND* parent)
+{
+    const std::vector<Entry> entries = Configuration();
+    if (isOpen || parent == nullptr || !::IsWindow(*parent) || Says(entries, "fail-open")) {
+        return TWRC_FAILURE;
+    }
+    isOpen = true;
+    return Says(entries, "check-status") ? kCheckStatus : TWRC_SUCCESS;
+}
+
+TW_UINT16 Close(const HWND* parent)
+{
+    if (!isOpen || parent == nullptr || !::IsWindow(*parent)) {
+        return TWRC_FAILURE;
+    }
+    isOpen = false;
+    return TWRC_SUCCESS;
+}
+
+TW_UINT16 Answer(TW_UINT32 group, TW_UINT16 argumentType, TW_UINT16 message, void* data)
+{
+    if (group == DG_CONTROL && argumentType == DAT_PARENT && message == MSG_OPENDSM) {
+        return Open(static_cast<const HWND*>(data));
+    }
+    if (group == DG_CONTROL && argumentType == DAT_PARENT && message == MSG_CLOSEDSM) {
+        return Close(static_cast<const HWND*>(data));
+    }
+    if (group != DG_CONTROL || argumentType != DAT_IDENTITY || !isOpen || data == nullptr) {
+        return TWRC_FAILURE;
+    }
+    if (message == MSG_GETFIRST) {
+        StartList();
+    }
+    return message == MSG_GETFIRST || message == MSG_GETNEXT ? Next(*static_cast<TW_IDENTITY*>(data))
+                                                             : TWRC_FAILURE;
+}
+
+std::string Hex(const void* bytes, std::size_t count)
+{
+    constexpr char kDigits[] = "0123456789abcdef";
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i) {
+        const unsigned byte = static_cast<const unsigned char*>(bytes)[i];
+        text += kDigits[byte >> 4];
+        text += kDigits[byte & 15];
+    }
+    return text;
+}
+
+/// Title, class and style of the window, where the data is a pointer to its handle.
+std::string Parent(TW_UINT16 argumentType, const void* data)
+{
+    if (argumentType != DAT_PARENT || data == nullptr) {
+        return {};
+    }
+    const HWND window = *static_cast<const HWND*>(data);
+    wchar_t title[64] = {};
+    wchar_t windowClass[64] = {};
+    RECT place = {};
+    ::GetWindowTextW(window, title, 64);
+    ::GetClassNameW(window, windowClass, 64);
+    ::GetWindowRect(window, &place);
+    const auto style = static_cast<DWORD>(::GetWindowLongW(window, GWL_STYLE));
+    return " parent=" + ToUtf8(title) + "," + ToUtf8(windowClass) + (style & WS_POPUP ? ",popup" : "") +
+           "," + std::to_string(place.left) + "," + std::to_string(place.top) + "," +
+           std::to_string(place.right - place.left) + "," + std::to_string(place.bottom - place.top);
+}
+
+} // namespace
+
+extern "C" TW_UINT16 WINAPI StandInEntry(TW_IDENTITY*, TW_IDENTITY*, TW_UINT32, TW_UINT16, TW_UINT16,
+                                         void*);
+
+// Exported as ordinal 1.
+TW_UINT16 WINAPI StandInEntry(TW_IDENTITY* origin, TW_IDENTITY* destination, TW_UINT32 group,
+                              TW_UINT16 argumentType, TW_UINT16 message, void* data)
+{
+    const TW_UINT16 result = Answer(group, argumentType, message, data);
+    AddToLog(L"twain_calls.txt", std::to_string(message) +
+                                     " destination=" + std::to_string(destination != nullptr) +
+                                     " result=" + std::to_string(result) + Parent(argumentType, data) +
+                                     " origin=" + Hex(origin, sizeof *origin));
+    return result;
+}

@@ -1,0 +1,90 @@
+#include "tests/support/allocation_failure.h"
+
+#include "tests/support/handle_count.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+#include <new>
+
+namespace kestraboot::tests
+{
+namespace
+{
+
+DWORD failingThread = 0;
+int successesLeft = 0;
+Shortage kind = Shortage::FromThenOn;
+bool happened = false;
+
+// Stands in the import table of the runtime's DLL; memory of the C runtime itself is not touched.
+void* Allocate(std::size_t size)
+{
+    if (::GetCurrentThreadId() == failingThread && successesLeft-- <= 0 &&
+        !(happened && kind == Shortage::Once)) {
+        happened = true;
+        return nullptr;
+    }
+    return std::malloc(size);
+}
+
+/// Patched once and for good: a patch itself needs memory.
+void PatchRuntime()
+{
+    static const std::unique_ptr<ImportPatch> patch = [] {
+        const HMODULE before = ModuleUnderTest();
+        SetModuleUnderTest(::GetModuleHandleW(L"libstdc++-6.dll"));
+        auto made = std::make_unique<ImportPatch>("malloc", reinterpret_cast<void*>(&Allocate));
+        SetModuleUnderTest(before);
+        return made;
+    }();
+}
+
+} // namespace
+
+AllocationFailure::AllocationFailure(int successes, Shortage shortage)
+{
+    PatchRuntime();
+    successesLeft = successes;
+    happened = false;
+    kind = shortage;
+    failingThread = ::GetCurrentThreadId();
+}
+
+AllocationFailure::~AllocationFailure()
+{
+    failingThread = 0;
+}
+
+bool AllocationFailure::Happened() noexcept
+{
+    return happened;
+}
+
+int ForEveryAllocation(const std::function<void()>& operation,
+                       const std::function<void(bool threw)>& afterFailure, Shortage shortage)
+{
+    const auto runWith = [&](int successes) {
+        try {
+            const AllocationFailure failure(successes, shortage);
+            operation();
+        } catch (const std::bad_alloc&) {
+            return true;
+        }
+        return false;
+    };
+    operation();
+    runWith(0); // the runtime opens a handle or two at the first exception without memory
+    const int handlesBefore = OpenHandles();
+    for (int successes = 0;; ++successes) {
+        const bool threw = runWith(successes);
+        if (!AllocationFailure::Happened()) {
+            return successes;
+        }
+        EXPECT_EQ(OpenHandles(), handlesBefore) << "with " << successes << " allocations";
+        afterFailure(threw);
+    }
+}
+
+} // namespace kestraboot::tests

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "tests/support/temp_folder.h"
+
+#include <windows.h>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kestraboot::tests
+{
+
+/// Waits for a program that the code under test starts, a copy of the echo program, and reads with
+/// which command line it was started.
+class EchoChild
+{
+public:
+    /// Copies the echo program to `relative` (folders included) below a folder of its own.
+    explicit EchoChild(const std::filesystem::path& relative = L"echo.exe");
+    EchoChild(const EchoChild&) = delete;
+    EchoChild& operator=(const EchoChild&) = delete;
+    ~EchoChild();
+
+    /// The program to start.
+    [[nodiscard]] const std::wstring& Program() const noexcept { return program; }
+    [[nodiscard]] const std::filesystem::path& Folder() const noexcept { return folder.Path(); }
+
+    /// What a started program saw; nothing when none was started within half a minute. Each call waits
+    /// for one start.
+    [[nodiscard]] std::optional<std::wstring> CommandLine() const;
+
+private:
+    TempFolder folder;
+    std::wstring program;
+    std::wstring file;
+    HANDLE done;
+};
+
+/// A command line as a program's main function sees it.
+[[nodiscard]] std::vector<std::wstring> SplitCommandLine(const std::wstring& line);
+
+} // namespace kestraboot::tests

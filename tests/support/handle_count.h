@@ -1,0 +1,16 @@
+#pragma once
+
+#include <functional>
+
+namespace kestraboot::tests
+{
+
+/// How many registry keys, files, processes and mutexes this process has open. Threads, events and the
+/// like do not count: Windows and the C++ runtime make some of their own in the background.
+[[nodiscard]] int OpenHandles();
+
+/// How many handles `operation` leaves open each time it runs. It runs once before, so that what Windows
+/// opens once in a process is not counted, and then often enough to tell a leak from chance.
+[[nodiscard]] int HandlesLeftBy(const std::function<void()>& operation);
+
+} // namespace kestraboot::tests

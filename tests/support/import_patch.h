@@ -1,0 +1,110 @@
+// Changes what Windows answers, by patching the import table of the module under test. The shipped code
+// runs as it is; what it calls is the test's.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace kestraboot::tests
+{
+
+/// Whose imports are patched: the test executable itself unless set otherwise.
+HMODULE ModuleUnderTest() noexcept;
+void SetModuleUnderTest(HMODULE module) noexcept;
+
+/// Points every import slot of that name at `replacement` while it lives.
+class ImportPatch
+{
+public:
+    ImportPatch(const char* function, void* replacement);
+    ImportPatch(const ImportPatch&) = delete;
+    ImportPatch& operator=(const ImportPatch&) = delete;
+    ~ImportPatch();
+
+    [[nodiscard]] void* Original() const noexcept { return original; }
+
+private:
+    std::vector<void**> slots;
+    void* replacement;
+    void* original = nullptr;
+};
+
+template <std::size_t Length>
+struct ImportName {
+    constexpr ImportName(const char (&name)[Length])
+    {
+        for (std::size_t i = 0; i < Length; ++i) {
+            text[i] = name[i];
+        }
+    }
+    char text[Length] = {};
+};
+
+/// A function of Windows or of the C runtime that answers what the test's callable says. Use it as
+///   FAKE_IMPORT(GetDriveTypeW) drives([&](const wchar_t*) -> UINT { return DRIVE_FIXED; });
+/// `drives.CallOriginal(...)` reaches the real function; `drives.Calls()` counts.
+template <ImportName name, typename Signature>
+class FakeImport;
+
+template <ImportName name, typename Result, typename... Arguments>
+class FakeImport<name, Result(Arguments...)>
+{
+public:
+    explicit FakeImport(std::function<Result(Arguments...)> answer)
+        : before(std::exchange(body, std::move(answer))), callsBefore(std::exchange(calls, 0)),
+          patch(name.text, Entry())
+    {
+        if (patch.Original() != Entry()) {
+            original = patch.Original();
+        }
+    }
+    FakeImport(const FakeImport&) = delete;
+    FakeImport& operator=(const FakeImport&) = delete;
+    ~FakeImport()
+    {
+        body = std::move(before);
+        calls = callsBefore;
+    }
+
+    Result CallOriginal(Arguments... arguments) const
+    {
+        return reinterpret_cast<Result (*)(Arguments...)>(original)(arguments...);
+    }
+
+    [[nodiscard]] long Calls() const noexcept { return calls; }
+
+private:
+    static void* Entry() noexcept { return reinterpret_cast<void*>(&Call); }
+    static Result Call(Arguments... arguments)
+    {
+        ::InterlockedIncrement(&calls);
+        return body(arguments...);
+    }
+
+    static inline std::function<Result(Arguments...)> body;
+    static inline long calls = 0;
+    static inline void* original = nullptr; ///< the real function, below every fake of it
+
+    std::function<Result(Arguments...)> before; ///< a fake inside the scope of another hides that one
+    long callsBefore;
+    ImportPatch patch;
+};
+
+/// The type of a function without the attributes that some headers give it.
+template <typename Result, typename... Arguments>
+struct PlainFunction {
+    using Type = Result(Arguments...);
+};
+template <typename Result, typename... Arguments>
+PlainFunction<Result, Arguments...> PlainFunctionOf(Result (*)(Arguments...));
+
+#define FAKE_IMPORT(function)                                                                           \
+    ::kestraboot::tests::FakeImport<#function,                                                          \
+                                    decltype(::kestraboot::tests::PlainFunctionOf(&::function))::Type>
+
+} // namespace kestraboot::tests

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace kestraboot::tests
+{
+
+/// What the host is told while this lives: it is the registered callback. One at a time; any thread
+/// that reports must have stopped before it ends.
+class RecordedEvents
+{
+public:
+    using Event = std::pair<std::wstring, std::wstring>; ///< kind and identifier
+
+    RecordedEvents();
+    RecordedEvents(const RecordedEvents&) = delete;
+    RecordedEvents& operator=(const RecordedEvents&) = delete;
+    ~RecordedEvents();
+
+    [[nodiscard]] const std::vector<Event>& All() const noexcept { return events; }
+
+private:
+    static void Record(std::wstring& kind, std::wstring& deviceId);
+    static inline RecordedEvents* active = nullptr;
+    std::vector<Event> events;
+};
+
+} // namespace kestraboot::tests

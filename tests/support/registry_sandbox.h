@@ -1,0 +1,50 @@
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kestraboot::tests
+{
+
+/// Puts empty keys of the test's own in the place of HKEY_LOCAL_MACHINE and HKEY_CURRENT_USER for this
+/// process while it lives, and removes them afterwards.
+class RegistrySandbox
+{
+public:
+    RegistrySandbox();
+    RegistrySandbox(const RegistrySandbox&) = delete;
+    RegistrySandbox& operator=(const RegistrySandbox&) = delete;
+    ~RegistrySandbox();
+
+private:
+    std::wstring home; ///< below the real HKEY_CURRENT_USER
+};
+
+/// Removes what the sandboxes of a process left that ended without warning.
+void RemoveSandboxesOf(unsigned long processId);
+
+/// Creates a key (and those above it) under a root.
+void MakeKey(HKEY root, const std::wstring& path);
+
+void RemoveKey(HKEY root, const std::wstring& path);
+
+[[nodiscard]] bool KeyExists(HKEY root, const std::wstring& path);
+
+/// Each creates the key where it is missing. Text is stored with its terminator, as most programs do.
+void PutText(HKEY root, const std::wstring& path, const wchar_t* name, std::wstring_view text);
+void PutDword(HKEY root, const std::wstring& path, const wchar_t* name, std::uint32_t value);
+void PutBytes(HKEY root, const std::wstring& path, const wchar_t* name, DWORD type, const void* bytes,
+              std::size_t size);
+
+/// What is stored; nothing where key or value is missing.
+[[nodiscard]] std::optional<std::uint32_t> StoredDword(HKEY root, const std::wstring& path,
+                                                       const wchar_t* name);
+[[nodiscard]] std::optional<std::wstring> StoredText(HKEY root, const std::wstring& path,
+                                                     const wchar_t* name);
+
+} // namespace kestraboot::tests

@@ -1,0 +1,80 @@
+// The main program of every test executable: no error boxes, a watchdog for a test that hangs, and no
+// end of the process before the end of the tests.
+#include "tests/support/child_test.h"
+#include "tests/support/import_patch.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <stdexcept>
+
+namespace
+{
+
+constexpr DWORD kLongestTest = 60'000; // milliseconds
+
+class Watchdog : public testing::EmptyTestEventListener
+{
+public:
+    void OnTestStart(const testing::TestInfo& test) override
+    {
+        // GoogleTest sets the process error mode, which would hide a product that does not.
+        ::SetErrorMode(0);
+        std::snprintf(name, sizeof name, "%s.%s", test.test_suite_name(), test.name());
+        ::CreateTimerQueueTimer(&timer, nullptr, Bark, this, kLongestTest, 0, WT_EXECUTEONLYONCE);
+    }
+
+    void OnTestEnd(const testing::TestInfo&) override
+    {
+        ::DeleteTimerQueueTimer(nullptr, timer, INVALID_HANDLE_VALUE);
+        timer = nullptr;
+    }
+
+private:
+    static void CALLBACK Bark(void* self, BOOLEAN)
+    {
+        std::printf("%s hangs: ended by the watchdog\n", static_cast<Watchdog*>(self)->name);
+        std::fflush(stdout);
+        ::TerminateProcess(::GetCurrentProcess(), 99);
+    }
+
+    HANDLE timer = nullptr;
+    char name[256] = {};
+};
+
+void EndedByTheProduct(UINT exitCode)
+{
+    std::printf("the code under test ended the process with exit code %u\n", exitCode);
+    std::fflush(stdout);
+    ::TerminateProcess(::GetCurrentProcess(), 98);
+}
+
+/// The product ends a process with exit code 0, which would look as if every test had passed.
+std::unique_ptr<kestraboot::tests::ImportPatch> KeepRunning()
+{
+    if (kestraboot::tests::IsChildTest()) {
+        return nullptr; // made to be ended
+    }
+    try {
+        return std::make_unique<kestraboot::tests::ImportPatch>(
+            "ExitProcess", reinterpret_cast<void*>(&EndedByTheProduct));
+    } catch (const std::logic_error&) {
+        return nullptr; // nothing in this executable can do that
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    testing::InitGoogleTest(&argc, argv);
+    const auto kept = KeepRunning();
+    testing::UnitTest::GetInstance()->listeners().Append(new Watchdog); // GoogleTest owns it
+    const int result = RUN_ALL_TESTS();
+    std::fflush(stdout);
+    return result;
+}

@@ -1,0 +1,93 @@
+#include "tests/system/child_process.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <vector>
+
+namespace kestraboot::tests
+{
+
+ChildProcess::ChildProcess(const std::filesystem::path& program, const std::wstring& arguments,
+                           bool withOutput)
+{
+    wchar_t name[MAX_PATH] = {};
+    ::GetTempFileNameW(std::filesystem::temp_directory_path().c_str(), L"out", 0, name);
+    outputFile = name;
+
+    SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+    const HANDLE output =
+        ::CreateFileW(name, GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr);
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof startup;
+    if (withOutput) {
+        startup.dwFlags = STARTF_USESTDHANDLES;
+        startup.hStdOutput = output;
+        startup.hStdError = output;
+    }
+    std::wstring line = L"\"" + program.wstring() + L"\"" + (arguments.empty() ? L"" : L" ") + arguments;
+    const std::wstring folder = program.parent_path().wstring();
+    const BOOL started = ::CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, withOutput,
+                                          withOutput ? 0 : DETACHED_PROCESS, nullptr, folder.c_str(),
+                                          &startup, &information);
+    ::CloseHandle(output);
+    if (!started) {
+        throw std::runtime_error("cannot start " + program.string());
+    }
+    ::CloseHandle(information.hThread);
+}
+
+ChildProcess::~ChildProcess()
+{
+    if (Running()) {
+        ::TerminateProcess(information.hProcess, 0xDEAD);
+        ::WaitForSingleObject(information.hProcess, 30'000);
+    }
+    ::CloseHandle(information.hProcess);
+    std::error_code ignored;
+    std::filesystem::remove(outputFile, ignored);
+}
+
+bool ChildProcess::Running() const noexcept
+{
+    return ::WaitForSingleObject(information.hProcess, 0) == WAIT_TIMEOUT;
+}
+
+DWORD ChildProcess::ExitCode(DWORD milliseconds)
+{
+    DWORD code = 0xDEAD;
+    if (::WaitForSingleObject(information.hProcess, milliseconds) != WAIT_OBJECT_0) {
+        ADD_FAILURE() << "the process does not end";
+        return code;
+    }
+    ::GetExitCodeProcess(information.hProcess, &code);
+    return code;
+}
+
+std::string ChildProcess::Output()
+{
+    std::ifstream in(outputFile, std::ios::binary);
+    std::string text(std::istreambuf_iterator<char>(in), {});
+    std::erase(text, '\r');
+    return text;
+}
+
+HWND AwaitWindow(DWORD processId, const std::wstring& title, DWORD milliseconds)
+{
+    for (const ULONGLONG end = ::GetTickCount64() + milliseconds; ::GetTickCount64() <= end;
+         ::Sleep(5)) {
+        HWND window = nullptr;
+        while ((window = ::FindWindowExW(nullptr, window, nullptr, title.c_str())) != nullptr) {
+            DWORD owner = 0;
+            ::GetWindowThreadProcessId(window, &owner);
+            if (owner == processId) {
+                return window;
+            }
+        }
+    }
+    return nullptr;
+}
+
+} // namespace kestraboot::tests

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <windows.h>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace kestraboot::tests
+{
+
+/// Receives the trace lines of every other process of this session while it lives. One in a session.
+class DebugReader
+{
+public:
+    struct Line {
+        DWORD processId;
+        std::string text;
+    };
+
+    DebugReader();
+    DebugReader(const DebugReader&) = delete;
+    DebugReader& operator=(const DebugReader&) = delete;
+    ~DebugReader();
+
+    /// The lines of one process so far, in order. What was written before this call is among them.
+    [[nodiscard]] std::vector<std::string> LinesOf(DWORD processId) const;
+
+    /// Waits until some process has written the line; false after `milliseconds`.
+    [[nodiscard]] bool Await(const std::string& line, DWORD milliseconds = 30'000) const;
+
+    /// How often the line was written before this call.
+    [[nodiscard]] int Count(const std::string& line) const;
+
+    void Clear();
+
+private:
+    void Read();
+    void CatchUp() const;
+    [[nodiscard]] int CountSoFar(const std::string& line) const;
+
+    mutable std::mutex mutex;
+    std::vector<Line> lines;
+    HANDLE bufferReady;
+    HANDLE dataReady;
+    HANDLE section;
+    HANDLE stop;
+    std::thread reader;
+};
+
+} // namespace kestraboot::tests

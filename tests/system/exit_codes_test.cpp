@@ -1,0 +1,57 @@
+// The exit codes of kestraboot.exe, each seen in a real process; README's table is what comes out of
+// here.
+#include "tests/system/system_test.h"
+
+#include <fstream>
+#include <iterator>
+
+namespace kestraboot::tests
+{
+namespace
+{
+
+class ExitCodes : public SystemTest
+{
+protected:
+    void Row(const std::string& situation, DWORD code)
+    {
+        table += "| " + std::to_string(code) + " | " + situation + " |\n";
+    }
+
+    DWORD Run(const wchar_t* arguments) { return ChildProcess(app.Proxy(), arguments).ExitCode(); }
+
+    Installation app{L"Maker"};
+    std::string table = "| exit code | when |\n|---|---|\n";
+};
+
+TEST_F(ExitCodes, AreThoseOfTheReadme)
+{
+    {
+        ChildProcess boot(app.Proxy());
+        const HWND window = AwaitWindow(boot.Id(), kBootTitle);
+        ASSERT_NE(window, nullptr);
+        const DWORD refused = Run(L"-install");
+        ::SendMessageW(window, WM_QUIT, 0, 0);
+        Row("it was in control and was asked to quit", boot.ExitCode());
+        Row("`-uninstall` did what there was to do", Run(L"-uninstall"));
+        Row("`-default \"Maker\" yes`: the flag is set", Run(L"-default Maker yes"));
+        Row("`-default \"Maker\" maybe`: neither yes nor no", Run(L"-default Maker maybe"));
+        Row("`-default` with too few or too many words", Run(L"-default Maker"));
+        Row("any other argument, such as `/install`", Run(L"/install"));
+        Row("another instance is in control", refused);
+    }
+    app.AddOemFile("[KestraProxyStopInstall]\r\n1\r\n");
+    Row("the OEM file stops the install", Run(L""));
+    Row("`-default \"Nobody\" yes`: no compatible application has that name",
+        Run(L"-default Nobody yes"));
+    app.Unregister();
+    Row("no compatible application is installed any more, whatever the argument",
+        Run(L"-default Maker yes"));
+
+    std::ifstream file(KESTRABOOT_README, std::ios::binary);
+    const std::string readme(std::istreambuf_iterator<char>(file), {});
+    EXPECT_NE(readme.find(table), std::string::npos) << "README should hold this table:\n\n" << table;
+}
+
+} // namespace
+} // namespace kestraboot::tests

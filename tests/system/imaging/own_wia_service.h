@@ -1,0 +1,11 @@
+#pragma once
+
+#include "tests/support/stand_in_folder.h"
+
+namespace kestraboot::tests
+{
+
+/// The stand-ins' folder of the whole run: the WIA service keeps to the one of whoever started it.
+[[nodiscard]] const StandInFolder& WiaStandIns();
+
+} // namespace kestraboot::tests

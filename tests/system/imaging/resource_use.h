@@ -1,0 +1,23 @@
+#pragma once
+
+#include <windows.h>
+
+#include <ostream>
+
+namespace kestraboot::tests
+{
+
+/// What a process holds at one moment.
+struct ResourceUse {
+    long handles = 0;
+    long windows = 0;     ///< top-level ones
+    long gdiObjects = 0;  ///< as Windows counts them; Wine answers 0
+    long userObjects = 0; ///< the same
+    long long privateBytes = 0;
+};
+
+[[nodiscard]] ResourceUse ResourceUseOf(HANDLE process);
+
+std::ostream& operator<<(std::ostream& out, const ResourceUse& use);
+
+} // namespace kestraboot::tests

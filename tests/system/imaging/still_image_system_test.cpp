@@ -1,0 +1,178 @@
+// The shipped library in a real host process, with still imaging and a TWAIN source manager beside it.
+#include "tests/support/registry_sandbox.h"
+#include "tests/support/stand_in_folder.h"
+#include "tests/system/imaging/host_process.h"
+
+#include <gmock/gmock.h>
+
+namespace kestraboot::tests
+{
+namespace
+{
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* kDetected =
+    "trace <***DeviceConnect***><StiTracker><STI Devices will be detected.>";
+constexpr const char* kNotDetected =
+    "trace <***DeviceConnect***><StiTracker><STI Devices will not be detected.>";
+
+const std::wstring kClassKey = L"SYSTEM\\CurrentControlSet\\Control\\Class\\";
+
+/// Device names of this process's own: the registry is everyone's here.
+class StillImageSystem : public testing::Test
+{
+protected:
+    StillImageSystem()
+    {
+        standIns.Write("twain_sources.txt", {"source Fine Scan", "source WIA-Bridge", "source Gerät"});
+    }
+
+    ~StillImageSystem() override { ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, (kClassKey + home).c_str()); }
+
+    /// The internal name of a device with that TWAIN source, or with none.
+    std::string Device(const char* name, const wchar_t* twainSource = nullptr) const
+    {
+        const std::wstring whole =
+            home + L"\\" + std::wstring(name, name + std::char_traits<char>::length(name));
+        if (twainSource != nullptr) {
+            PutText(HKEY_LOCAL_MACHINE, kClassKey + whole + L"\\DeviceData", L"TwainDS", twainSource);
+        }
+        return std::string(whole.begin(), whole.end());
+    }
+
+    void Plug(const std::vector<std::string>& lines) const { standIns.Write("sti_devices.txt", lines); }
+
+    StandInFolder standIns;
+    std::wstring home = L"{Kestraboot-Test-" + std::to_wstring(::GetCurrentProcessId()) + L"}";
+};
+
+TEST_F(StillImageSystem, ReportsATwainScannerThatIsPluggedIn)
+{
+    const std::string scanner = "scanner " + Device("0001", L"Fine Scan");
+    HostProcess host(L"imaging_host_6_0.exe");
+    ASSERT_TRUE(host.WaitFor(kDetected));
+    Plug({scanner});
+    ASSERT_TRUE(host.NotifyDeviceChange());
+    EXPECT_TRUE(host.WaitFor("event scanner|\"Fine Scan\""));
+    EXPECT_THAT(host.Lines("trace <***DeviceConnect***><StiTracker>"),
+                ElementsAre(kDetected,
+                            "trace <***DeviceConnect***><StiTracker><TWAIN DEVICE><S|\"Fine Scan\">"));
+}
+
+TEST_F(StillImageSystem, ReportsOneOfTwoDevicesOfAChangeAndNoneThatWasThere)
+{
+    const std::string old = "camera " + Device("0000", L"Fine Scan");
+    const std::string first = "camera " + Device("0001", L"Fine Scan");
+    const std::string second = "scanner " + Device("0002", L"Fine Scan");
+    const std::string last = "scanner " + Device("0003", L"Ger\u00E4t");
+    Plug({old});
+    HostProcess host(L"imaging_host_6_0.exe");
+    ASSERT_TRUE(host.WaitFor(kDetected));
+    ASSERT_TRUE(host.NotifyDeviceChange());
+    Plug({old, first, second});
+    ASSERT_TRUE(host.NotifyDeviceChange());
+    ASSERT_TRUE(host.NotifyDeviceChange());
+    EXPECT_TRUE(host.WaitFor("event camera|\"Fine Scan\""));
+    Plug({old, first, second, last});
+    ASSERT_TRUE(host.NotifyDeviceChange());
+    EXPECT_TRUE(host.WaitFor("event scanner|\"Ger\u00E4t\""));
+    EXPECT_THAT(host.Lines("event"),
+                ElementsAre("event camera|\"Fine Scan\"", "event scanner|\"Ger\u00E4t\""));
+}
+
+TEST_F(StillImageSystem, TellsNothingOfSourcesThatAreNotListedOrComeFromWia)
+{
+    const std::string bridge = "camera " + Device("0001", L"WIA-Bridge");
+    const std::string missing = "camera " + Device("0002", L"Not Installed");
+    const std::string plain = "camera " + Device("0003");
+    const std::string good = "camera " + Device("0004", L"FINE SCAN");
+    HostProcess host(L"imaging_host_6_0.exe");
+    ASSERT_TRUE(host.WaitFor(kDetected));
+    std::vector<std::string> plugged;
+    for (const std::string& device : {bridge, missing, plain, good}) {
+        plugged.push_back(device);
+        standIns.StartLog("sti_calls.txt");
+        Plug(plugged);
+        ASSERT_TRUE(host.NotifyDeviceChange());
+        for (int tries = 0; standIns.Log("sti_calls.txt").empty() && tries < 500; ++tries) {
+            ::Sleep(10); // each change is looked at for itself
+        }
+    }
+    EXPECT_TRUE(host.WaitFor("event camera|\"FINE SCAN\""));
+    EXPECT_THAT(host.Lines("event"), ElementsAre("event camera|\"FINE SCAN\""));
+}
+
+TEST_F(StillImageSystem, ReportsTheFirstDeviceAfterAListThatFailed)
+{
+    const std::string scanner = "scanner " + Device("0001", L"Fine Scan");
+    Plug({scanner});
+    HostProcess host(L"imaging_host_6_0.exe");
+    ASSERT_TRUE(host.WaitFor(kDetected));
+    standIns.StartLog("sti_calls.txt");
+    Plug({"fail"});
+    ASSERT_TRUE(host.NotifyDeviceChange());
+    for (int tries = 0; standIns.Log("sti_calls.txt").empty() && tries < 500; ++tries) {
+        ::Sleep(10);
+    }
+    Plug({scanner});
+    ASSERT_TRUE(host.NotifyDeviceChange());
+    EXPECT_TRUE(host.WaitFor("event scanner|\"Fine Scan\""));
+}
+
+TEST_F(StillImageSystem, WithoutStillImagingSaysSoAndStaysQuiet)
+{
+    Plug({"refuse-create"});
+    HostProcess host(L"imaging_host_6_0.exe");
+    EXPECT_TRUE(host.WaitFor(kNotDetected));
+    Plug({"scanner " + Device("0001", L"Fine Scan")});
+    EXPECT_TRUE(host.NotifyDeviceChange());
+    EXPECT_THAT(host.Lines("event"), IsEmpty());
+}
+
+struct OfWindows {
+    const wchar_t* program;
+    int threads; ///< of volume, WIA, still image and device plugins
+    bool wia;
+    bool stillImage;
+};
+
+class WindowsVersions : public StillImageSystem, public testing::WithParamInterface<OfWindows>
+{
+};
+
+// Without a WIA service of ours: what starts, and that Wine's own service is taken as it is.
+TEST_P(WindowsVersions, StartsTheTrackersThatSuit)
+{
+    const OfWindows& expected = GetParam();
+    const std::string scanner = "scanner " + Device("0001", L"Fine Scan");
+    HostProcess host(expected.program);
+    if (expected.stillImage) {
+        EXPECT_TRUE(host.WaitFor(kDetected));
+        Plug({scanner});
+        EXPECT_TRUE(host.NotifyDeviceChange());
+        EXPECT_TRUE(host.WaitFor("event scanner|\"Fine Scan\""));
+    } else {
+        EXPECT_THAT(host.Lines("trace <***DeviceConnect***><StiTracker>"), IsEmpty());
+        EXPECT_FALSE(host.NotifyDeviceChange());
+    }
+    const std::string wia = "trace <***DeviceConnect***><WiaTracker><WIA devices will not be detected>.";
+    if (expected.wia) {
+        EXPECT_TRUE(host.WaitFor(wia));
+    } else {
+        EXPECT_THAT(host.Lines("trace <***DeviceConnect***><WiaTracker>"), IsEmpty());
+    }
+    EXPECT_EQ(host.Lines("threads").front(), "threads " + std::to_string(expected.threads));
+}
+
+INSTANTIATE_TEST_SUITE_P(, WindowsVersions,
+                         testing::Values(OfWindows{L"imaging_host_5_1.exe", 4, true, true},
+                                         OfWindows{L"imaging_host_5_0.exe", 3, false, true},
+                                         OfWindows{L"imaging_host_6_0.exe", 4, true, true},
+                                         OfWindows{L"imaging_host_5_2.exe", 1, false, false},
+                                         OfWindows{L"imaging_host_6_0_server.exe", 1, false, false},
+                                         OfWindows{L"imaging_host_6_1.exe", 1, false, false}));
+
+} // namespace
+} // namespace kestraboot::tests

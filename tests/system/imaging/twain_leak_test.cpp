@@ -1,0 +1,57 @@
+// 10,000 look-ups of a TWAIN source in a real host process, and what it holds before and after.
+#include "tests/support/registry_sandbox.h"
+#include "tests/support/stand_in_folder.h"
+#include "tests/system/imaging/host_process.h"
+#include "tests/system/imaging/resource_use.h"
+
+#include <gtest/gtest.h>
+
+#include <iostream>
+
+namespace kestraboot::tests
+{
+namespace
+{
+
+constexpr int kLookUps = 10'000;
+constexpr long long kBytesOfNoise =
+    1 << 20; // of heaps and stacks that grew once; a tenth of a KB a look-up
+
+TEST(TwainLookUps, LeaveNothingBehind)
+{
+    const StandInFolder standIns;
+    const std::wstring home = L"SYSTEM\\CurrentControlSet\\Control\\Class\\{Kestraboot-Leak-" +
+                              std::to_wstring(::GetCurrentProcessId()) + L"}";
+    PutText(HKEY_LOCAL_MACHINE, home + L"\\1\\DeviceData", L"TwainDS", L"Fine Scan");
+    standIns.Write("twain_sources.txt", {"source Other", "source Fine Scan"});
+    HostProcess host(L"imaging_host_6_0.exe");
+    ASSERT_TRUE(host.WaitFor("trace <***DeviceConnect***><StiTracker><STI Devices will be detected.>"));
+    // Every second look finds the device, so that it comes and goes all the time.
+    standIns.Write("sti_devices.txt",
+                   {"every-second",
+                    "scanner {Kestraboot-Leak-" + std::to_string(::GetCurrentProcessId()) + "}\\1"});
+    const auto lookUp = [&](int times) {
+        constexpr int kAtOnce = 500; // a queue of messages has an end
+        for (int done = 0; done < times; done += kAtOnce) {
+            host.Forget();
+            for (int i = 0; i < 2 * kAtOnce; ++i) {
+                ASSERT_TRUE(host.NotifyDeviceChange());
+            }
+            ASSERT_TRUE(host.WaitForCount("event scanner|\"Fine Scan\"", kAtOnce));
+        }
+    };
+    lookUp(500); // what is made once
+    const ResourceUse before = ResourceUseOf(host.Handle());
+    lookUp(kLookUps);
+    const ResourceUse after = ResourceUseOf(host.Handle());
+    std::cout << kLookUps << " TWAIN look-ups: " << before << " -> " << after << "\n";
+    EXPECT_LT(after.handles - before.handles, 10); // of 10,000 look-ups; a few come and go by themselves
+    EXPECT_EQ(after.windows, before.windows);
+    EXPECT_EQ(after.gdiObjects, before.gdiObjects);
+    EXPECT_EQ(after.userObjects, before.userObjects);
+    EXPECT_LT(after.privateBytes - before.privateBytes, kBytesOfNoise);
+    ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, home.c_str());
+}
+
+} // namespace
+} // namespace kestraboot::tests

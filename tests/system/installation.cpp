@@ -1,0 +1,111 @@
+#include "tests/system/installation.h"
+
+#include "tests/support/compatible_application.h"
+#include "tests/support/registry_sandbox.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+
+namespace kestraboot::tests
+{
+namespace
+{
+
+constexpr const wchar_t* kRunKey = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run";
+
+std::filesystem::path ReportFile(const std::wstring& program)
+{
+    return std::filesystem::path(::_wgetenv(L"LOCALAPPDATA")) / L"Corvane Sample Viewer" /
+           (program + L".txt");
+}
+
+void CopyProgram(const std::wstring& built, const std::filesystem::path& to)
+{
+    std::filesystem::copy_file(BuiltPrograms() / built, to,
+                               std::filesystem::copy_options::overwrite_existing);
+}
+
+} // namespace
+
+std::filesystem::path BuiltPrograms()
+{
+    return std::filesystem::path(RunningExecutable()).parent_path();
+}
+
+Installation::Installation(const std::wstring& product, const std::wstring& bootProgram,
+                           const std::wstring& bootName)
+    : name(product), proxyName(bootName)
+{
+    CopyProgram(bootProgram, Proxy());
+    CopyProgram(L"viewer.exe", Application());
+    for (const wchar_t* const dll :
+         {L"kestraboot.dll", L"libstdc++-6.dll", L"libgcc_s_seh-1.dll", L"libwinpthread-1.dll"}) {
+        CopyProgram(dll, folder.Path() / dll);
+    }
+    RemoveReport(Application().stem().wstring());
+    Register({KeyPath(), name, Proxy().wstring(), Application().wstring(), L"jpg"});
+    MakeKey(HKEY_LOCAL_MACHINE, KeyPath() + L"\\Preferences");
+}
+
+std::filesystem::path Installation::Application() const
+{
+    // A name of its own, and so a report of its own.
+    return folder.Path() / (folder.Path().filename().wstring() + L".exe");
+}
+
+std::wstring Installation::KeyPath() const
+{
+    return L"SOFTWARE\\Corvane\\" + name + L"\\Corvane Kestrafetch";
+}
+
+void Installation::Unregister() const
+{
+    RemoveKey(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\" + name);
+}
+
+std::string Installation::Report() const
+{
+    return ReportOf(Application().stem().wstring());
+}
+
+std::string ReportOf(const std::wstring& program)
+{
+    std::ifstream in(ReportFile(program), std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+void RemoveReport(const std::wstring& program)
+{
+    std::filesystem::remove(ReportFile(program));
+}
+
+void ClearCorvaneRegistry()
+{
+    ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane");
+    ::RegDeleteTreeW(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane");
+    ::RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kRunKey, L"Corvane Kestrafetch");
+    // Installers of compatible applications make the user's root, or nobody does.
+    MakeKey(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane");
+}
+
+std::wstring AutoRunEntry()
+{
+    return StoredText(HKEY_LOCAL_MACHINE, kRunKey, L"Corvane Kestrafetch").value_or(L"(none)");
+}
+
+LegacyOrganiser::LegacyOrganiser()
+{
+    for (const wchar_t* const program : {L"VellumryDeviceConnect", L"VelProxy"}) {
+        CopyProgram(L"viewer.exe", folder.Path() / (std::wstring(program) + L".exe"));
+        RemoveReport(program);
+    }
+    for (const wchar_t* const dll :
+         {L"libstdc++-6.dll", L"libgcc_s_seh-1.dll", L"libwinpthread-1.dll"}) {
+        CopyProgram(dll, folder.Path() / dll);
+    }
+    PutText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\Vellumry\\3.0\\Organizer\\ApplicationPath", nullptr,
+            folder.Path().wstring());
+}
+
+} // namespace kestraboot::tests

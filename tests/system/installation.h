@@ -1,0 +1,63 @@
+#pragma once
+
+#include "tests/support/temp_folder.h"
+
+#include <filesystem>
+#include <string>
+
+namespace kestraboot::tests
+{
+
+/// An application as its installer lays it out: a folder of its own with kestraboot.exe, the library,
+/// the runtime and the sample viewer, and its keys in the real registry of this prefix.
+class Installation
+{
+public:
+    /// `product` is the application's name and the key below SOFTWARE\Corvane. `bootProgram` is the file
+    /// of this build that is installed, and under which name.
+    explicit Installation(const std::wstring& product,
+                          const std::wstring& bootProgram = L"kestraboot.exe",
+                          const std::wstring& bootName = L"kestraboot.exe");
+
+    void Unregister() const;
+
+    [[nodiscard]] std::filesystem::path Proxy() const { return folder.Path() / proxyName; }
+    [[nodiscard]] std::filesystem::path Application() const;
+    [[nodiscard]] std::wstring KeyPath() const;
+
+    /// What the started application wrote down; empty when it was not started.
+    [[nodiscard]] std::string Report() const;
+
+    /// Writes the OEM file beside the boot program.
+    void AddOemFile(std::string_view contents) const { folder.AddFile(L"OEM/album.ini", contents); }
+
+    const std::wstring name;
+    TempFolder folder;
+
+private:
+    std::wstring proxyName;
+};
+
+/// What viewer.exe under another name (without ".exe") wrote down.
+[[nodiscard]] std::string ReportOf(const std::wstring& program);
+void RemoveReport(const std::wstring& program);
+
+/// The folder with the programs of this build.
+[[nodiscard]] std::filesystem::path BuiltPrograms();
+
+/// An empty registry of applications, in both hives; no auto-run entry, no legacy organiser.
+void ClearCorvaneRegistry();
+
+[[nodiscard]] std::wstring AutoRunEntry();
+
+/// Installs the legacy organiser: both its programs record their command line as VellumryDeviceConnect
+/// and VelProxy.
+class LegacyOrganiser
+{
+public:
+    LegacyOrganiser();
+
+    TempFolder folder;
+};
+
+} // namespace kestraboot::tests

@@ -1,0 +1,21 @@
+#include "tests/system/system_test.h"
+
+#include "tests/support/registry_sandbox.h"
+
+namespace kestraboot::tests
+{
+
+void SystemTest::SetWindowsVersion(const std::wstring& program, const std::wstring& version)
+{
+    PutText(HKEY_CURRENT_USER, L"Software\\Wine\\AppDefaults\\" + program, L"Version", version);
+}
+
+void SystemTest::Quit(ChildProcess& boot)
+{
+    const HWND window = AwaitWindow(boot.Id(), kBootTitle);
+    ASSERT_NE(window, nullptr);
+    ::SendMessageW(window, WM_QUIT, 0, 0);
+    EXPECT_EQ(boot.ExitCode(), kDone);
+}
+
+} // namespace kestraboot::tests

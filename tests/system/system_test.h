@@ -1,0 +1,61 @@
+#pragma once
+
+#include "tests/system/child_process.h"
+#include "tests/system/debug_reader.h"
+#include "tests/system/installation.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace kestraboot::tests
+{
+
+inline const std::wstring kBootTitle = L"Corvane Kestrafetch Boot";
+
+inline const std::string kTookControl = "<KestraProxy><Took control of the situation>";
+inline const std::string kFolderSet = "<KestraProxy><Current working directory is set.>";
+inline const std::string kOtherRunning = "<KestraProxy><Any other KestraProxy is running.>";
+inline const std::string kOemFound = "<KestraProxy:OEM><OEM initialization file found.>";
+inline const std::string kOemNotFound = "<KestraProxy:OEM><OEM initialization file not found.>";
+inline const std::string kOemOption = "<KestraProxy:OEM><KestraProxyStopInstall option found.>";
+inline const std::string kOemStops = "<KestraProxy:OEM><Stopping KestraProxy install.>";
+inline const std::string kNoneFound =
+    "<KestraBoot><!!! No Kestra Compatible application found. This situation should be avoided.>";
+inline const std::string kDeletingRunKey =
+    "<KestraBoot><Deleting run key. Auto run is going to discontinue from now onwards.>";
+inline const std::string kVolumes = "<***DeviceConnect***><VolumeTracker><Volumes will be detected.>";
+
+/// The exit codes of kestraboot.exe.
+inline constexpr DWORD kDone = 0;
+inline constexpr DWORD kUsage = 2;
+inline constexpr DWORD kNotInControl = 3;
+inline constexpr DWORD kUnknownApplication = 4;
+
+/// Real programs in a prefix of their own: the registry is empty at the start of each test.
+class SystemTest : public testing::Test
+{
+protected:
+    SystemTest() { ClearCorvaneRegistry(); }
+
+    /// Sets the version of Windows that a program is told, by its file name, from its next start on.
+    static void SetWindowsVersion(const std::wstring& program, const std::wstring& version);
+
+    /// Asks a boot program to quit, as an uninstall does, and checks that it ends cleanly.
+    static void Quit(ChildProcess& boot);
+
+    template <typename Condition>
+    static bool Within(DWORD milliseconds, Condition reached)
+    {
+        for (const ULONGLONG end = ::GetTickCount64() + milliseconds; !reached(); ::Sleep(5)) {
+            if (::GetTickCount64() > end) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    DebugReader trace;
+};
+
+} // namespace kestraboot::tests

@@ -1,0 +1,208 @@
+// The shipped library in a host process of its own, with real plugin files.
+#include "tests/support/temp_folder.h"
+#include "tests/trackers/mox/host_process.h"
+#include "tests/trackers/mox/program_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+#include <algorithm>
+#include <map>
+#include <set>
+#include <string>
+
+namespace kestraboot
+{
+namespace
+{
+
+using tests::HostProcess;
+using tests::ProgramFolder;
+
+constexpr const char* kNotDetected = "trace <***DeviceConnect***><NOKIA Devices will not be detected.>";
+
+std::string Detecting(const std::string& name)
+{
+    return "trace <***DeviceConnect***><" + name + "><Devices will be detected.>";
+}
+
+class PluginsInAHost : public testing::Test
+{
+protected:
+    void Install(const char* built, const std::string& plugin) const
+    {
+        std::filesystem::create_directories(home.Path() / "moxplugins");
+        std::filesystem::copy_file(ProgramFolder() / built,
+                                   home.Path() / "moxplugins" / (plugin + ".mox"));
+    }
+    void InstallPhoneManager() const { Install("nokiamanager.mox", "nokiamanager"); }
+    void InstallPlugin(const std::string& plugin) const { Install("test_plugin.mox", plugin); }
+
+    tests::TempFolder home;
+};
+
+TEST_F(PluginsInAHost, AreLeftAloneWhileThePhoneManagerIsMissing)
+{
+    InstallPlugin("other");
+    HostProcess host(home.Path());
+    for (int minute = 0; minute < 3; ++minute) {
+        EXPECT_EQ(host.Read(), kNotDetected);
+        EXPECT_EQ(host.Read(), "sleep 60000");
+        EXPECT_FALSE(host.IsLoaded("other"));
+        host.Send("wake");
+    }
+    EXPECT_EQ(host.Read(), kNotDetected);
+}
+
+TEST_F(PluginsInAHost, AreLeftAloneWhileThereIsNoFolder)
+{
+    HostProcess host(home.Path());
+    EXPECT_EQ(host.Read(), kNotDetected);
+    EXPECT_EQ(host.Read(), "sleep 60000");
+    host.Send("wake");
+    EXPECT_EQ(host.Read(), kNotDetected);
+}
+
+TEST_F(PluginsInAHost, AreFoundAMinuteAfterThePhoneManagerWasInstalled)
+{
+    InstallPlugin("other");
+    HostProcess host(home.Path());
+    host.Await("sleep 60000");
+    InstallPhoneManager();
+    EXPECT_FALSE(host.IsLoaded("nokiamanager"));
+    host.Send("wake");
+    std::set<std::string> detecting = {host.Read(), host.Read()};
+    EXPECT_EQ(detecting, (std::set<std::string>{Detecting("Phones"), Detecting("other")}));
+    EXPECT_TRUE(host.IsLoaded("nokiamanager"));
+    EXPECT_TRUE(host.IsLoaded("other"));
+}
+
+TEST_F(PluginsInAHost, AreLeftAloneWhileThePhoneManagerIsNoPlugin)
+{
+    InstallPlugin("other");
+    home.AddFile("moxplugins/nokiamanager.mox", "a letter, not a library");
+    HostProcess host(home.Path());
+    EXPECT_EQ(host.Read(), kNotDetected);
+    host.Await("sleep 60000");
+    std::filesystem::remove(home.Path() / "moxplugins" / "nokiamanager.mox");
+    std::filesystem::create_directory(home.Path() / "moxplugins" / "nokiamanager.mox");
+    host.Send("wake");
+    EXPECT_EQ(host.Read(), kNotDetected);
+    EXPECT_FALSE(host.IsLoaded("other"));
+}
+
+TEST_F(PluginsInAHost, ReportAPhoneOnceItIsReady)
+{
+    InstallPhoneManager();
+    HostProcess host(home.Path());
+    host.Await(Detecting("Phones"));
+    EXPECT_EQ(tests::RunProgram(L"phone.exe not-ready \"Phone of Ada\""), 0U);
+    EXPECT_EQ(tests::RunProgram(L"phone.exe ready \"Phone of Ada\""), 0U);
+    EXPECT_EQ(host.Read(), "device mobile Phone of Ada") << "a phone that was not ready was reported";
+    EXPECT_EQ(tests::RunProgram(L"phone.exe ready \"Phone of Bob\""), 0U);
+    EXPECT_EQ(host.Read(), "device mobile Phone of Bob");
+}
+
+TEST_F(PluginsInAHost, GoOnAfterACallbackThatThrows)
+{
+    InstallPhoneManager();
+    HostProcess host(home.Path());
+    host.Await(Detecting("Phones"));
+    host.Ask("throw", "throws");
+    EXPECT_EQ(tests::RunProgram(L"phone.exe ready one"), 0U);
+    EXPECT_EQ(host.Read(), "device mobile one");
+    EXPECT_EQ(tests::RunProgram(L"phone.exe ready two"), 0U);
+    EXPECT_EQ(host.Read(), "device mobile two");
+}
+
+TEST_F(PluginsInAHost, AreBuiltFromTheSample)
+{
+    InstallPhoneManager();
+    Install("sample_plugin.mox", "sample");
+    HostProcess host(home.Path());
+    host.Await(Detecting("Sample devices"));
+    const HANDLE camera = ::OpenEventW(EVENT_MODIFY_STATE, FALSE, L"KestrabootSampleDevice");
+    ASSERT_NE(camera, nullptr);
+    for (int count = 0; count < 3; ++count) {
+        ::SetEvent(camera);
+        host.Await("device camera Sample camera");
+    }
+    ::CloseHandle(camera);
+}
+
+TEST_F(PluginsInAHost, AreTrackedThoughOthersAreBroken)
+{
+    InstallPhoneManager();
+    InstallPlugin("good");
+    InstallPlugin("refuses-to-load");
+    InstallPlugin("sourceless-1");
+    Install("libwinpthread-1.dll", "without-entry-point");
+    Install("phone.exe", "program");
+    home.AddFile("moxplugins/text.mox", "a letter, not a library");
+    home.AddFile("moxplugins/empty.mox");
+    home.AddFolder("moxplugins/something.mox");
+    HostProcess host(home.Path());
+    std::set<std::string> detecting = {host.Read(), host.Read()};
+    EXPECT_EQ(detecting, (std::set<std::string>{Detecting("Phones"), Detecting("good")}));
+    for (const char* plugin : {"refuses-to-load", "sourceless-1", "without-entry-point", "program",
+                               "text", "empty", "something"}) {
+        EXPECT_FALSE(host.IsLoaded(plugin)) << plugin;
+    }
+}
+
+TEST_F(PluginsInAHost, MayBeTwoHundred)
+{
+    InstallPhoneManager();
+    std::set<std::string> expected = {Detecting("Phones")};
+    for (int number = 0; number < 200; ++number) {
+        const std::string plugin = "plugin" + std::to_string(number);
+        InstallPlugin(plugin);
+        expected.insert(Detecting(plugin));
+    }
+    HostProcess host(home.Path());
+    std::set<std::string> detecting;
+    while (detecting.size() < expected.size()) {
+        const std::string line = host.Read();
+        EXPECT_TRUE(detecting.insert(line).second) << line << " came twice";
+    }
+    EXPECT_EQ(detecting, expected);
+    EXPECT_EQ(tests::RunProgram(L"phone.exe ready among many"), 2U) << "one word too many";
+    EXPECT_EQ(tests::RunProgram(L"phone.exe ready \"among many\""), 0U);
+    host.Await("device mobile among many");
+}
+
+TEST_F(PluginsInAHost, MayTellFromEightThreadsAtOnce)
+{
+    InstallPhoneManager();
+    InstallPlugin("storm-1");
+    InstallPlugin("storm-2");
+    HostProcess host(home.Path());
+    std::map<std::string, int> next; // of each thread of each plugin
+    for (int devices = 0; devices < 1600;) {
+        const std::string line = host.Read();
+        if (line.starts_with("device audio storm-")) {
+            ++devices;
+            const std::size_t blank = line.rfind(' ');
+            const std::string thread = line.substr(0, blank);
+            EXPECT_EQ(std::stoi(line.substr(blank)), next[thread]++) << thread;
+        }
+    }
+    EXPECT_EQ(next.size(), 16U);
+    for (const auto& [thread, count] : next) {
+        EXPECT_EQ(count, 100) << thread;
+    }
+}
+
+TEST_F(PluginsInAHost, MayTakeFiveSecondsWithoutHoldingUpTheOthers)
+{
+    InstallPhoneManager();
+    InstallPlugin("slow-1");
+    HostProcess host(home.Path());
+    EXPECT_EQ(host.Read(), Detecting("Phones"));
+    EXPECT_EQ(tests::RunProgram(L"phone.exe ready meanwhile"), 0U);
+    EXPECT_EQ(host.Read(), "device mobile meanwhile");
+    EXPECT_EQ(host.Read(), Detecting("slow-1"));
+}
+
+} // namespace
+} // namespace kestraboot

@@ -1,0 +1,68 @@
+// What the test plugin and the program that it is loaded into share. The program says how each copy of
+// the plugin behaves and is told of all that happens to it; a program without a stage gets plain
+// plugins.
+#pragma once
+
+#include "kestraboot/mox_plugin.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace kestraboot::tests
+{
+
+/// What the host does with a plugin. The number is the position in the interface where there is one.
+enum class Operation {
+    None,
+    Main,            ///< FxPluginMain
+    QueryDescriptor, ///< the first object is asked for interface 1
+    QuerySource,     ///< the first object is asked for interface 13
+    QueryOther,      ///< anything is asked for anything else
+    GetName,
+    GetValue,
+    GetIdentifier,
+    SetListEntry,
+    ShutDown,
+    QueryCategory, ///< the source manager is asked for interface 13
+    GetCategory,
+    Register,
+    Unregister,
+    ReleaseDescriptor, ///< a release of the first object, or of its interface 1
+    ReleaseSource,
+    Reserved, ///< an operation that the host never calls
+};
+
+/// How one copy of the plugin behaves.
+struct Behaviour {
+    Operation throws = Operation::None; ///< throws an exception of the plugin's own type
+    Operation fails = Operation::None;  ///< gives nothing: null, false, or kFailure
+    std::uint32_t category = 1;
+    std::uint32_t value = 7;
+    std::wstring name = {}; ///< as it is written, whatever its length; empty: the file's name
+    bool nameWithoutTerminator = false;          ///< 260 characters and no zero after them
+    const mox::Identifier* identifier = nullptr; ///< null: made from the file's name
+    /// Runs in the operation, on the host's thread.
+    std::function<void(Operation)> during = {};
+    /// Runs in Register, with the callback.
+    std::function<void(mox::ICallbackInterface*)> onRegister = {};
+};
+
+class PluginStage
+{
+public:
+    virtual Behaviour BehaviourOf(const std::wstring& plugin) = 0;
+    virtual void Happened(const std::wstring& plugin, Operation operation) = 0;
+    /// A reference to an object of the plugin was added (1) or given back (-1).
+    virtual void CountReference(const std::wstring& plugin, int change) = 0;
+    virtual void TakeEntry(const std::wstring& plugin, const mox::PluginDescriptor* entry) = 0;
+
+protected:
+    ~PluginStage() = default;
+};
+
+/// Under this name the program exports a function that answers its stage.
+inline constexpr const char* kStageFunction = "KestrabootPluginStage";
+using StageFunction = PluginStage* (*)();
+
+} // namespace kestraboot::tests

@@ -1,0 +1,131 @@
+// How the source manager is opened, asked and closed, as the source manager sees it.
+#include "tests/support/import_patch.h"
+#include "tests/support/stand_in_folder.h"
+#include "trackers/still_image/twain_session.h"
+#include "trackers/still_image/twain_source.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+namespace kestraboot::tests
+{
+namespace
+{
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+class TwainSessionTest : public testing::Test
+{
+protected:
+    TwainSessionTest()
+    {
+        standIns.Write("twain_sources.txt", {"source First", "source Second"});
+        standIns.StartLog("twain_calls.txt");
+    }
+
+    /// Nothing of a session is left once it is over.
+    ~TwainSessionTest() override
+    {
+        EXPECT_EQ(::GetModuleHandleW(L"twain_32.dll"), nullptr);
+        EXPECT_EQ(::FindWindowW(L"STATIC", L"TWAINTrackerWindow"), nullptr);
+    }
+
+    std::vector<std::string> Calls() const { return standIns.Log("twain_calls.txt"); }
+
+    StandInFolder standIns;
+};
+
+TEST_F(TwainSessionTest, OpensAsksForAllSourcesAndCloses)
+{
+    EXPECT_FALSE(TwainSourceListed(L"Third"));
+    EXPECT_THAT(Calls(), ElementsAre(StartsWith("769 destination=0 result=0"),
+                                     StartsWith("4 destination=0 result=0"),
+                                     StartsWith("5 destination=0 result=0"),
+                                     StartsWith("5 destination=0 result=7"),
+                                     StartsWith("770 destination=0 result=0")));
+}
+
+TEST_F(TwainSessionTest, StopsAskingOnceTheSourceIsFound)
+{
+    EXPECT_TRUE(TwainSourceListed(L"First"));
+    EXPECT_THAT(Calls(), ElementsAre(StartsWith("769 "), StartsWith("4 "), StartsWith("770 ")));
+}
+
+TEST_F(TwainSessionTest, SaysWhoAsksInTheStandardsLayout)
+{
+    EXPECT_TRUE(TwainSourceListed(L"First"));
+    const std::string noText(2 * 34, '0');
+    const std::string identity = "00000000"           // Id
+                                 "0100bf020d000100" + // 1.703, TWLG_USA, TWCY_USA
+                                 noText +             // Info
+                                 "01000700"
+                                 "03000000" + // protocol 1.7, DG_CONTROL and DG_IMAGE
+                                 noText +
+                                 noText + noText;
+    ASSERT_EQ(identity.size(), 2 * 156U);
+    ASSERT_EQ(Calls().size(), 3U);
+    for (const std::string& call : Calls()) {
+        EXPECT_THAT(call, testing::EndsWith(" origin=" + identity));
+    }
+}
+
+TEST_F(TwainSessionTest, HandsOverAPointerToTheHandleOfItsWindow)
+{
+    EXPECT_TRUE(TwainSourceListed(L"First"));
+    constexpr const char* kWindow = " parent=TWAINTrackerWindow,Static,popup,20,20,200,200 ";
+    ASSERT_EQ(Calls().size(), 3U);
+    EXPECT_THAT(Calls().front(), HasSubstr(kWindow));
+    EXPECT_THAT(Calls().back(), HasSubstr(kWindow));
+}
+
+TEST_F(TwainSessionTest, ThatDoesNotOpenIsClosedAndListsNothing)
+{
+    standIns.Write("twain_sources.txt", {"fail-open", "source First"});
+    EXPECT_FALSE(TwainSourceListed(L"First"));
+    EXPECT_THAT(Calls(), ElementsAre(StartsWith("769 destination=0 result=1"), StartsWith("770 ")));
+}
+
+TEST_F(TwainSessionTest, IsOpenWhateverElseOpeningAnswers)
+{
+    standIns.Write("twain_sources.txt", {"check-status", "source First"});
+    EXPECT_TRUE(TwainSourceListed(L"First"));
+}
+
+TEST_F(TwainSessionTest, WithoutASourceManagerListsNothing)
+{
+    const FAKE_IMPORT(LoadLibraryW) loads([](const wchar_t* name) -> HMODULE {
+        EXPECT_STREQ(name, L"twain_32.dll");
+        ::SetLastError(ERROR_MOD_NOT_FOUND);
+        return nullptr;
+    });
+    EXPECT_FALSE(TwainSourceListed(L"First"));
+    EXPECT_THAT(Calls(), IsEmpty());
+}
+
+TEST_F(TwainSessionTest, WithoutTheEntryPointListsNothing)
+{
+    const FAKE_IMPORT(GetProcAddress) finds([](HMODULE, const char* name) -> FARPROC {
+        EXPECT_EQ(name, MAKEINTRESOURCEA(1));
+        return nullptr;
+    });
+    EXPECT_FALSE(TwainSourceListed(L"First"));
+    EXPECT_EQ(finds.Calls(), 1);
+    EXPECT_THAT(Calls(), IsEmpty());
+}
+
+TEST_F(TwainSessionTest, WithoutAWindowIsRefusedByTheSourceManager)
+{
+    const FAKE_IMPORT(CreateWindowExW)
+        noWindow([](DWORD, const wchar_t*, const wchar_t*, DWORD, int, int, int, int, HWND, HMENU,
+                    HINSTANCE, void*) -> HWND {
+            return nullptr;
+        });
+    EXPECT_FALSE(TwainSourceListed(L"First"));
+}
+
+} // namespace
+} // namespace kestraboot::tests

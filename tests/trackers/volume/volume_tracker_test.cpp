@@ -1,0 +1,367 @@
+// The tracker's real thread, window and messages; the drives and the clock are the test's.
+#include "trackers/volume/volume_tracker.h"
+
+#include "tests/trackers/volume/card_scene.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <dbt.h>
+#include <thread>
+
+namespace kestraboot
+{
+namespace
+{
+
+using Events = std::vector<tests::CardScene::Event>;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+using tests::kEnteringPolling;
+using tests::kExitingPolling;
+
+const std::wstring kDetected = L"<***DeviceConnect***><VolumeTracker><Volumes will be detected.>";
+const std::wstring kArrived = L"<***DeviceConnect***><VolumeTracker><DEVICE ARRIVED>";
+const std::wstring kRemoved = L"<***DeviceConnect***><VolumeTracker><DEVICE REMOVED>";
+
+constexpr UINT kEndTracker = WM_APP + 1; // a message of the test's: its default procedure ends the loop
+constexpr UINT kGiveUp = 30'000;         // milliseconds until a test is lost
+
+class VolumeTracker : public testing::Test
+{
+protected:
+    ~VolumeTracker() override
+    {
+        if (thread.joinable()) {
+            End();
+        }
+        ::CloseHandle(tick);
+        ::CloseHandle(ticked);
+    }
+
+    void Start(const wchar_t* windowClass = L"DeviceDetectWin")
+    {
+        thread = std::thread([this] {
+            result = VolumeTrackerThread(nullptr);
+        });
+        while ((window = ::FindWindowW(windowClass, L"CardReaderLookupWindow")) == nullptr) {
+            ::SwitchToThread();
+        }
+        Send(WM_NULL);
+    }
+
+    /// Leaves the tracker's process-wide state as the next test expects it: not polling, only C: known.
+    void End()
+    {
+        for (const wchar_t letter : {L'E', L'F', L'K'}) {
+            scene.UnplugReader(letter);
+        }
+        Settle();
+        Send(kEndTracker);
+        thread.join();
+        ::UnregisterClassW(L"DeviceDetectWin", ::GetModuleHandleW(nullptr));
+    }
+
+    void Settle()
+    {
+        if (scene.trace.Count(kEnteringPolling) > scene.trace.Count(kExitingPolling)) {
+            Tick();
+        } else {
+            Send(WM_NULL);
+        }
+    }
+
+    LRESULT Send(UINT message, WPARAM wParam = 0)
+    {
+        DWORD_PTR answer = 0;
+        EXPECT_NE(::SendMessageTimeoutW(window, message, wParam, 0, SMTO_BLOCK, kGiveUp, &answer), 0);
+        return static_cast<LRESULT>(answer);
+    }
+
+    /// Half a second passes: the tracker scans, and waits again.
+    void Tick()
+    {
+        ::SetEvent(tick);
+        EXPECT_EQ(::WaitForSingleObject(ticked, kGiveUp), WAIT_OBJECT_0);
+        Send(WM_NULL); // answered only after the scan
+    }
+
+    /// Posted messages are handled after sent ones: their effect is waited for.
+    template <typename Condition>
+    void Until(Condition reached)
+    {
+        for (const ULONGLONG end = ::GetTickCount64() + kGiveUp; !reached();) {
+            ASSERT_LT(::GetTickCount64(), end);
+            ::SwitchToThread();
+        }
+    }
+
+    void UntilReported()
+    {
+        Until([this] {
+            return !scene.Events().empty();
+        });
+        EXPECT_EQ(scene.Events(), (Events{{L"volume", L"E:"}}));
+    }
+
+    tests::CardScene scene;
+    HWND window = nullptr;
+    std::thread thread;
+    DWORD result = 99;
+    std::atomic<DWORD> lastWait = 0; ///< as the tracker asked for it; a finite one ends with Tick alone
+    std::atomic<DWORD> longestPoll = 0;
+
+    std::atomic<int> failingWaits = 0;
+    HANDLE tick = ::CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    HANDLE ticked = ::CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    FAKE_IMPORT(MsgWaitForMultipleObjectsEx)
+    wait{[this](DWORD count, const HANDLE*, DWORD milliseconds, DWORD mask, DWORD flags) -> DWORD {
+        EXPECT_EQ(count, 0U);
+        if (failingWaits > 0) {
+            --failingWaits;
+            return WAIT_FAILED;
+        }
+        lastWait = milliseconds;
+        longestPoll = std::max<DWORD>(longestPoll, milliseconds == INFINITE ? 0 : milliseconds);
+        if (milliseconds == INFINITE) {
+            return wait.CallOriginal(0, nullptr, INFINITE, mask, flags);
+        }
+        if (wait.CallOriginal(1, &tick, INFINITE, mask, flags) == WAIT_OBJECT_0) {
+            ::SetEvent(ticked);
+            return WAIT_TIMEOUT;
+        }
+        return WAIT_OBJECT_0;
+    }};
+    FAKE_IMPORT(DefWindowProcW)
+    defaultProcedure{[this](HWND handle, UINT message, WPARAM wParam, LPARAM lParam) -> LRESULT {
+        if (message == kEndTracker) {
+            ::PostQuitMessage(0);
+            return 0;
+        }
+        return defaultProcedure.CallOriginal(handle, message, wParam, lParam);
+    }};
+};
+
+TEST_F(VolumeTracker, SaysThatItRunsAndMakesAHiddenWindow)
+{
+    Start();
+    EXPECT_EQ(scene.trace.Lines().front(), kDetected);
+    EXPECT_FALSE(::IsWindowVisible(window));
+    EXPECT_EQ(::GetParent(window), nullptr);
+    EXPECT_EQ(static_cast<DWORD>(::GetWindowLongW(window, GWL_STYLE)) & WS_POPUP, WS_POPUP);
+    RECT place = {};
+    ::GetWindowRect(window, &place);
+    EXPECT_EQ(place.left, 20);
+    EXPECT_EQ(place.top, 20);
+    EXPECT_EQ(place.right, 220);
+    EXPECT_EQ(place.bottom, 220);
+}
+
+TEST_F(VolumeTracker, ScansOnceBeforeItsWindowExists)
+{
+    scene.TakeCardOut(L'E');
+    Start();
+    EXPECT_THAT(scene.trace.Lines(), ElementsAre(kDetected, kEnteringPolling));
+}
+
+TEST_F(VolumeTracker, AnArrivalMakesItLook)
+{
+    Start();
+    scene.trace.Clear();
+    scene.InsertCard(L'E');
+    Send(WM_DEVICECHANGE, DBT_DEVICEARRIVAL);
+    EXPECT_EQ(scene.Events(), (Events{{L"volume", L"E:"}}));
+    EXPECT_EQ(scene.trace.Lines().front(), kArrived);
+    EXPECT_EQ(scene.trace.Lines().back(), kEnteringPolling);
+}
+
+TEST_F(VolumeTracker, ARemovalIsTraced)
+{
+    Start();
+    scene.trace.Clear();
+    Send(WM_DEVICECHANGE, DBT_DEVICEREMOVECOMPLETE);
+    EXPECT_THAT(scene.trace.Lines(), ElementsAre(kRemoved));
+}
+
+TEST_F(VolumeTracker, AnyMessageMakesItLook)
+{
+    Start();
+    for (const UINT message :
+         {static_cast<UINT>(WM_NULL), static_cast<UINT>(WM_SETTINGCHANGE), WM_APP + 7U}) {
+        const std::size_t before = scene.Events().size();
+        scene.machine.Remove(L'K');
+        Send(WM_NULL);
+        scene.InsertCard(L'K');
+        scene.machine.Put(L'K', {DRIVE_FIXED, true, L"kodak"});
+        Send(message);
+        EXPECT_EQ(scene.Events().size(), before + 1) << message;
+    }
+    EXPECT_THAT(scene.trace.Lines(), Not(Contains(kArrived)));
+}
+
+TEST_F(VolumeTracker, ArrivalCodesInOtherMessagesAreNoArrivals)
+{
+    Start();
+    scene.trace.Clear();
+    Send(WM_NULL, DBT_DEVICEARRIVAL);
+    Send(WM_NULL, DBT_DEVICEREMOVECOMPLETE);
+    Send(WM_DEVICECHANGE, DBT_DEVNODES_CHANGED);
+    EXPECT_THAT(scene.trace.Lines(), IsEmpty());
+}
+
+TEST_F(VolumeTracker, APostedNotificationMakesItLookToo)
+{
+    Start();
+    scene.InsertCard(L'E');
+    ::PostMessageW(window, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0);
+    UntilReported();
+}
+
+TEST_F(VolumeTracker, TheAnswerIsTheDefaultProcedures)
+{
+    Start();
+    EXPECT_EQ(Send(WM_DEVICECHANGE, DBT_DEVICEARRIVAL),
+              ::DefWindowProcW(nullptr, WM_DEVICECHANGE, 0, 0));
+    EXPECT_EQ(Send(WM_GETTEXTLENGTH), 22);
+}
+
+TEST_F(VolumeTracker, WhilePollingACardIsFoundWithoutAnyMessage)
+{
+    scene.TakeCardOut(L'E');
+    Start();
+    scene.InsertCard(L'E');
+    Tick();
+    EXPECT_EQ(scene.Events(), (Events{{L"volume", L"E:"}}));
+    Tick();
+    Tick();
+    EXPECT_EQ(scene.Events().size(), 1U) << "once a card";
+    EXPECT_LE(longestPoll, 500U);
+    EXPECT_GT(longestPoll, 0U);
+}
+
+TEST_F(VolumeTracker, WhilePollingTheWindowAnswersAtOnce)
+{
+    scene.TakeCardOut(L'E');
+    Start(); // no tick: the tracker waits for its half second
+    for (int i = 0; i < 100; ++i) {
+        Send(WM_NULL);
+        Send(WM_DEVICECHANGE, DBT_DEVICEARRIVAL);
+    }
+    EXPECT_EQ(scene.trace.Count(kArrived), 100);
+}
+
+TEST_F(VolumeTracker, PollingEndsAndItWaitsForMessagesAgain)
+{
+    scene.TakeCardOut(L'E');
+    Start();
+    scene.UnplugReader(L'E');
+    Tick();
+    EXPECT_EQ(scene.trace.Lines().back(), kExitingPolling);
+    Until([this] {
+        return lastWait == INFINITE;
+    });
+    scene.InsertCard(L'F');
+    Send(WM_DEVICECHANGE, DBT_DEVICEARRIVAL);
+    EXPECT_EQ(scene.Events(), (Events{{L"volume", L"F:"}}));
+}
+
+TEST_F(VolumeTracker, EndsWithZeroWhenAskedToQuit)
+{
+    Start();
+    Send(kEndTracker);
+    thread.join();
+    ::UnregisterClassW(L"DeviceDetectWin", ::GetModuleHandleW(nullptr));
+    EXPECT_EQ(result, 0U);
+}
+
+TEST_F(VolumeTracker, GoesOnAfterAFailedMessage)
+{
+    int failures = 1;
+    const FAKE_IMPORT(GetMessageW) get([&](MSG* message, HWND handle, UINT first, UINT last) -> BOOL {
+        EXPECT_EQ(first, static_cast<UINT>(WM_DEVICECHANGE));
+        EXPECT_EQ(last, static_cast<UINT>(WM_DEVICECHANGE));
+        return failures-- > 0 ? -1 : get.CallOriginal(message, handle, first, last);
+    });
+    Start();
+    scene.InsertCard(L'E');
+    ::PostMessageW(window, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0);
+    UntilReported();
+    End();
+    EXPECT_EQ(result, 0U);
+}
+
+TEST_F(VolumeTracker, AWaitThatFailsIsTriedAgainAfterAPause)
+{
+    Start();
+    failingWaits = 3;
+    Send(WM_NULL); // wakes it
+    Send(WM_NULL);
+    while (failingWaits > 0) {
+        Send(WM_NULL);
+    }
+    scene.InsertCard(L'E');
+    Send(WM_DEVICECHANGE, DBT_DEVICEARRIVAL);
+    EXPECT_EQ(scene.Events(), (Events{{L"volume", L"E:"}}));
+    EXPECT_THAT(scene.Sleeps(), ElementsAre(50, 50, 50));
+}
+
+/// The window class cannot be registered.
+class VolumeTrackerWithoutClass : public VolumeTracker
+{
+protected:
+    FAKE_IMPORT(RegisterClassExW)
+    registration{[](const WNDCLASSEXW* windowClass) -> ATOM {
+        EXPECT_EQ(windowClass->cbSize, 80U);
+        EXPECT_STREQ(windowClass->lpszClassName, L"DeviceDetectWin");
+        EXPECT_EQ(windowClass->hInstance, ::GetModuleHandleW(nullptr));
+        return 0;
+    }};
+
+    /// The window has no procedure of the tracker's, so the quit goes to its thread's queue by a hook.
+    void EndThroughQueue()
+    {
+        for (const wchar_t letter : {L'E', L'F', L'K'}) {
+            scene.UnplugReader(letter);
+        }
+        Tick();
+        EXPECT_EQ(scene.trace.Lines().back(), kExitingPolling);
+        quit = true;
+        ::PostMessageW(window, WM_DEVICECHANGE, 0, 0);
+        thread.join();
+    }
+
+    std::atomic<bool> quit = false;
+    std::atomic<int> retrieved = 0;
+    FAKE_IMPORT(GetMessageW)
+    get{[this](MSG* message, HWND handle, UINT first, UINT last) -> BOOL {
+        const BOOL got = get.CallOriginal(message, handle, first, last);
+        ++retrieved;
+        return quit ? 0 : got;
+    }};
+};
+
+TEST_F(VolumeTrackerWithoutClass, FallsBackOnAStaticWindowAndLooksOnDeviceNodeChanges)
+{
+    Start(L"STATIC");
+    scene.trace.Clear();
+    scene.InsertCard(L'E');
+    ::PostMessageW(window, WM_DEVICECHANGE, 0, 0); // another change
+    Until([this] {
+        return retrieved == 1;
+    });
+    Send(WM_DEVICECHANGE, DBT_DEVICEARRIVAL); // sent: nobody of ours sees it
+    EXPECT_THAT(scene.Events(), IsEmpty());
+    EXPECT_THAT(scene.trace.Lines(), IsEmpty());
+    ::PostMessageW(window, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0);
+    UntilReported();
+    EXPECT_EQ(scene.trace.Count(kArrived), 0);
+    EndThroughQueue();
+    EXPECT_EQ(result, 0U);
+}
+
+} // namespace
+} // namespace kestraboot

@@ -1,0 +1,65 @@
+#include "trackers/mox/plugin_module.h"
+
+#include "foundation/error_mode.h"
+
+namespace kestraboot
+{
+namespace
+{
+
+constexpr UINT kNoErrorBoxes = SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX;
+static_assert(kNoErrorBoxes == 0x8001);
+
+/// Lets one library be loaded at a time. The error mode belongs to the process: of two trackers that
+/// load at once, one would take the other's mode for the one to restore. Windows loads one at a time
+/// anyway.
+class LoadScope
+{
+public:
+    LoadScope() noexcept { ::AcquireSRWLockExclusive(&loading); }
+    LoadScope(const LoadScope&) = delete;
+    LoadScope& operator=(const LoadScope&) = delete;
+    ~LoadScope() { ::ReleaseSRWLockExclusive(&loading); }
+
+private:
+    static inline SRWLOCK loading = SRWLOCK_INIT;
+};
+
+} // namespace
+
+bool IsLoadableFile(const wchar_t* modulePath) noexcept
+{
+    const LoadScope oneAtATime;
+    const ErrorModeScope noErrorBoxes(kNoErrorBoxes);
+    return static_cast<bool>(
+        UniqueModule(::LoadLibraryExW(modulePath, nullptr, LOAD_LIBRARY_AS_DATAFILE)));
+}
+
+UniqueModule LoadPluginModule(const wchar_t* modulePath) noexcept
+{
+    const LoadScope oneAtATime;
+    const ErrorModeScope noErrorBoxes(kNoErrorBoxes);
+    return UniqueModule(::LoadLibraryW(modulePath));
+}
+
+mox::Status GetPluginObject(HMODULE module, PluginReference<mox::IFxBase>& output) noexcept
+{
+    const FARPROC entry = ::GetProcAddress(module, "FxPluginMain");
+    if (entry == nullptr) {
+        return mox::kFailure;
+    }
+    // By way of a pointer to a function of no known kind: the type is the plugin's promise.
+    const auto pluginMain = reinterpret_cast<mox::PluginMain>(reinterpret_cast<void (*)()>(entry));
+    mox::IFxBase* object = nullptr;
+    const mox::Status status = CallPlugin([&] {
+        static_cast<void>(pluginMain(&object)); // the object alone says whether there is one
+        return mox::kSuccess;
+    });
+    if (status != mox::kSuccess) {
+        return status;
+    }
+    output.Take(object);
+    return object == nullptr ? mox::kFailure : mox::kSuccess;
+}
+
+} // namespace kestraboot

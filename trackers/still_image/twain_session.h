@@ -1,0 +1,47 @@
+#pragma once
+
+#include "foundation/handles.h"
+#include "trackers/still_image/twain.h"
+
+namespace kestraboot
+{
+
+struct WindowTraits {
+    using Resource = HWND;
+    static Resource Invalid() noexcept { return nullptr; }
+    static void Close(Resource window) noexcept { ::DestroyWindow(window); }
+};
+
+using UniqueWindow = UniqueResource<WindowTraits>;
+
+/// The TWAIN source manager, loaded and open while this lives. One thread: its window belongs to it.
+class TwainSession
+{
+public:
+    TwainSession() noexcept;
+    TwainSession(const TwainSession&) = delete;
+    TwainSession& operator=(const TwainSession&) = delete;
+    ~TwainSession();
+
+    /// False when the source manager is missing or does not open.
+    [[nodiscard]] bool IsOpen() const noexcept { return open; }
+
+    /// The first data source of the list. False when there is none.
+    [[nodiscard]] bool FirstSource(twain::TW_IDENTITY& source) noexcept;
+
+    /// The one after the last that was asked for. False at the end.
+    [[nodiscard]] bool NextSource(twain::TW_IDENTITY& source) noexcept;
+
+private:
+    [[nodiscard]] twain::TW_UINT16 Ask(twain::TW_UINT16 dataArgumentType, twain::TW_UINT16 message,
+                                       void* data) noexcept;
+
+    // Destroyed from the last to the first: the library goes after the window.
+    bool open = false;
+    twain::TW_IDENTITY application = {};
+    UniqueModule sourceManager;
+    twain::DSMENTRYPROC entry = nullptr;
+    UniqueWindow parent;
+};
+
+} // namespace kestraboot

@@ -1,0 +1,110 @@
+// The tracker's window and its message loop.
+//
+// A notification only tells the tracker to look again: every message that reaches the window is a
+// trigger, its contents play no part. While a removable drive exists, the loop also looks every 500 ms;
+// between the looks the window goes on answering, since one top-level window that does not answer stalls
+// every broadcast on the desktop. The wait is therefore for messages and time together, and a message is
+// taken (GetMessageW) only when one is there.
+#include "trackers/volume/volume_tracker.h"
+
+#include "trackers/volume/volume_scan.h"
+
+#include <dbt.h>
+
+namespace kestraboot
+{
+namespace
+{
+
+constexpr DWORD kPauseAfterFailedWait = 50; // milliseconds
+constexpr const wchar_t* kWindowClass = L"DeviceDetectWin";
+constexpr const wchar_t* kWindowName = L"CardReaderLookupWindow";
+
+// Made while the library loads: the volumes that are present then are never reported.
+DriveWatch drives;
+VolumeScan volumeScan(drives);
+
+LRESULT CALLBACK DeviceDetectProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept
+{
+    if (message == WM_DEVICECHANGE && wParam == DBT_DEVICEARRIVAL) {
+        ::OutputDebugStringW(L"<***DeviceConnect***><VolumeTracker><DEVICE ARRIVED>");
+    }
+    if (message == WM_DEVICECHANGE && wParam == DBT_DEVICEREMOVECOMPLETE) {
+        ::OutputDebugStringW(L"<***DeviceConnect***><VolumeTracker><DEVICE REMOVED>");
+    }
+    volumeScan.Trigger();
+    return ::DefWindowProcW(window, message, wParam, lParam);
+}
+
+bool RegisterWindowClass(HINSTANCE instance) noexcept
+{
+    WNDCLASSEXW windowClass = {};
+    static_assert(sizeof windowClass == 80);
+    windowClass.cbSize = sizeof windowClass;
+    windowClass.hInstance = instance;
+    windowClass.lpszClassName = kWindowClass;
+    windowClass.lpfnWndProc = DeviceDetectProcedure;
+    return ::RegisterClassExW(&windowClass) != 0;
+}
+
+HWND CreateLookupWindow(const wchar_t* windowClass, HINSTANCE instance) noexcept
+{
+    return ::CreateWindowExW(0, windowClass, kWindowName, WS_POPUP, 20, 20, 200, 200, nullptr, nullptr,
+                             instance, nullptr);
+}
+
+/// Answers sent messages and scans on time until a message for the loop is there.
+void AwaitMessage(HWND window) noexcept
+{
+    MSG message = {};
+    // Looking for a message is also what lets sent messages in.
+    while (!::PeekMessageW(&message, window, WM_DEVICECHANGE, WM_DEVICECHANGE, PM_NOREMOVE)) {
+        const DWORD wait = volumeScan.MillisecondsToNextScan();
+        const DWORD woken =
+            wait == 0
+                ? WAIT_TIMEOUT
+                : ::MsgWaitForMultipleObjectsEx(0, nullptr, wait, QS_SENDMESSAGE | QS_POSTMESSAGE, 0);
+        if (woken == WAIT_TIMEOUT) {
+            volumeScan.Scan();
+        } else if (woken == WAIT_FAILED) {
+            ::Sleep(kPauseAfterFailedWait);
+        }
+    }
+}
+
+void PumpMessages(HWND window, bool ownClass) noexcept
+{
+    for (;;) {
+        AwaitMessage(window);
+        MSG message = {};
+        const BOOL got = ::GetMessageW(&message, window, WM_DEVICECHANGE, WM_DEVICECHANGE);
+        if (got == 0) {
+            return;
+        }
+        if (got == -1) {
+            continue;
+        }
+        if (!ownClass && message.message == WM_DEVICECHANGE && message.wParam == DBT_DEVNODES_CHANGED) {
+            volumeScan.Trigger(); // no procedure of ours sees the message
+        }
+        ::TranslateMessage(&message);
+        ::DispatchMessageW(&message);
+    }
+}
+
+} // namespace
+
+DWORD WINAPI VolumeTrackerThread(LPVOID) noexcept
+{
+    ::OutputDebugStringW(L"<***DeviceConnect***><VolumeTracker><Volumes will be detected.>");
+    volumeScan.Trigger();
+
+    const HINSTANCE instance = ::GetModuleHandleW(nullptr);
+    const bool ownClass = RegisterWindowClass(instance);
+    // A window that cannot be made leaves the loop waiting on none.
+    const HWND window = CreateLookupWindow(ownClass ? kWindowClass : L"STATIC", instance);
+    PumpMessages(window, ownClass);
+    return 0;
+}
+
+} // namespace kestraboot
