@@ -7,32 +7,6 @@
 set -euo pipefail
 . "$(dirname "$0")/wine.sh"
 
-# run_test FOLDER SECONDS PROGRAM ...: a test executable. Seen of Wine 8: a program that starts while the services of
-# its prefix come up is now and then lost, hanging or ended, before its first instruction. GoogleTest prints its first
-# line at once, so a run that prints nothing never was one: it is started again, and three such runs are a failure.
-run_test() {
-    local folder=$1 seconds=$2 attempt log pid waited status
-    shift 2
-    log=$(mktemp)
-    for attempt in 1 2 3; do
-        WINEPREFIX=$folder timeout --kill-after=10 "$seconds" wine "$@" >"$log" 2>&1 </dev/null &
-        pid=$!
-        for ((waited = 0; waited < 200; waited++)); do
-            if [ -s "$log" ] || ! kill -0 $pid 2>/dev/null; then break; fi
-            sleep 0.1
-        done
-        [ -s "$log" ] || kill $pid 2>/dev/null || true
-        status=0
-        wait $pid || status=$?
-        [ -s "$log" ] && break
-        status=1
-        echo "attempt $attempt: the program did not start"
-    done
-    cat "$log"
-    rm -f "$log"
-    return $status
-}
-
 action=$1 folder=$2
 shift 2
 case $action in
@@ -43,14 +17,14 @@ begin)
     wine_prefix_start "$folder"
     ;;
 run)
-    run_test "$folder" "$@"
+    wine_run "$folder" "$@"
     ;;
 own)
     own=$(mktemp -d "$folder.own.XXXXXX")
     trap 'wine_prefix_end "$own"; rm -rf "$own"' EXIT
     wine_prefix_copy "$folder.pristine" "$own"
     wine_prefix_start "$own"
-    run_test "$own" "$@"
+    wine_run "$own" "$@"
     ;;
 end)
     wine_prefix_end "$folder"

@@ -1,9 +1,14 @@
 #pragma once
 
+#include <windows.h>
+
 #include <functional>
 
 namespace kestraboot::tests
 {
+
+/// How many handles of any kind `process` has open. The handle must allow PROCESS_DUP_HANDLE.
+[[nodiscard]] int OpenHandlesOf(HANDLE process);
 
 /// How many registry keys, files, processes and mutexes this process has open. Threads, events and the
 /// like do not count: Windows and the C++ runtime make some of their own in the background.

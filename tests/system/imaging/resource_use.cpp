@@ -1,56 +1,13 @@
 #include "tests/system/imaging/resource_use.h"
 
-#include <cstddef>
-#include <cstdint>
-#include <cstring>
+#include "tests/support/handle_count.h"
+
 #include <stdexcept>
-#include <vector>
 
 namespace kestraboot::tests
 {
 namespace
 {
-
-// The system's list of all handles: GetProcessHandleCount answers 0 under Wine.
-constexpr ULONG kExtendedHandleInformation = 64;
-constexpr LONG kInfoLengthMismatch = static_cast<LONG>(0xC0000004);
-
-struct HandleEntry {
-    void* object;
-    std::uintptr_t processId;
-    std::uintptr_t handle;
-    ULONG access;
-    USHORT creator;
-    USHORT type;
-    ULONG attributes;
-    ULONG reserved;
-};
-
-using QuerySystemInformation = LONG(WINAPI*)(ULONG, void*, ULONG, ULONG*);
-
-long CountHandles(DWORD processId)
-{
-    static const auto query = reinterpret_cast<QuerySystemInformation>(reinterpret_cast<void*>(
-        ::GetProcAddress(::GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
-    std::vector<std::byte> list(std::size_t{1} << 18);
-    LONG status = 0;
-    while ((status = query(kExtendedHandleInformation, list.data(), static_cast<ULONG>(list.size()),
-                           nullptr)) == kInfoLengthMismatch) {
-        list.resize(list.size() * 2);
-    }
-    if (status != 0) {
-        throw std::runtime_error("the system does not list its handles");
-    }
-    std::uintptr_t entries = 0;
-    std::memcpy(&entries, list.data(), sizeof entries);
-    long count = 0;
-    for (std::uintptr_t i = 0; i < entries; ++i) {
-        HandleEntry entry = {};
-        std::memcpy(&entry, list.data() + 2 * sizeof entries + i * sizeof entry, sizeof entry);
-        count += entry.processId == processId ? 1 : 0;
-    }
-    return count;
-}
 
 /// Committed memory that is no image and no mapped file. Wine's own counter answers 0.
 long long CountPrivateBytes(HANDLE process)
@@ -88,9 +45,8 @@ BOOL CALLBACK CountWindow(HWND window, LPARAM counted)
 ResourceUse ResourceUseOf(HANDLE process)
 {
     ResourceUse use;
-    const DWORD processId = ::GetProcessId(process);
-    use.handles = CountHandles(processId);
-    WindowCount windows = {processId, 0};
+    use.handles = OpenHandlesOf(process);
+    WindowCount windows = {::GetProcessId(process), 0};
     ::EnumWindows(CountWindow, reinterpret_cast<LPARAM>(&windows));
     use.windows = windows.count;
     use.gdiObjects = static_cast<long>(::GetGuiResources(process, GR_GDIOBJECTS));
