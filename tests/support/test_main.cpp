@@ -1,6 +1,7 @@
-// The main program of every test executable: no error boxes, a watchdog for a test that hangs, and no
-// end of the process before the end of the tests.
+// The main program of every test executable: a guarded heap where asked for, no error boxes, a watchdog
+// for a test that hangs, and no end of the process before the end of the tests.
 #include "tests/support/child_test.h"
+#include "tests/support/guarded_heap.h"
 #include "tests/support/import_patch.h"
 
 #include <gtest/gtest.h>
@@ -71,6 +72,7 @@ std::unique_ptr<kestraboot::tests::ImportPatch> KeepRunning()
 
 int main(int argc, char** argv)
 {
+    kestraboot::tests::GuardHeapIfAsked();
     testing::InitGoogleTest(&argc, argv);
     const auto kept = KeepRunning();
     testing::UnitTest::GetInstance()->listeners().Append(new Watchdog); // GoogleTest owns it
