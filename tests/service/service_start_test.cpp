@@ -27,11 +27,16 @@ const char* Name(LPTHREAD_START_ROUTINE entry)
                                         : "?";
 }
 
-/// Which threads a start makes, in order, on a Windows of this version. No thread really starts.
-std::vector<std::string> ThreadsOn(DWORD major, DWORD minor, BYTE product = VER_NT_WORKSTATION,
-                                   BOOL known = TRUE, HANDLE made = reinterpret_cast<HANDLE>(0x44))
+/// What a start does, in order, on a Windows of this version: it makes the lock that serialises reports,
+/// then a thread for each tracker. No thread really starts.
+std::vector<std::string> StepsOn(DWORD major, DWORD minor, BYTE product = VER_NT_WORKSTATION,
+                                 BOOL known = TRUE, HANDLE made = reinterpret_cast<HANDLE>(0x44))
 {
-    std::vector<std::string> threads;
+    std::vector<std::string> steps;
+    const FAKE_IMPORT(InitializeCriticalSection) lock([&](CRITICAL_SECTION* section) {
+        steps.emplace_back("lock");
+        lock.CallOriginal(section);
+    });
     const FAKE_IMPORT(GetVersionExW) version([&](OSVERSIONINFOW* record) {
         record->dwPlatformId = VER_PLATFORM_WIN32_NT;
         record->dwMajorVersion = major;
@@ -46,7 +51,7 @@ std::vector<std::string> ThreadsOn(DWORD major, DWORD minor, BYTE product = VER_
             EXPECT_EQ(stack, 0U);
             EXPECT_EQ(argument, nullptr);
             EXPECT_EQ(flags, 0U);
-            threads.emplace_back(Name(entry));
+            steps.emplace_back(Name(entry));
             return made;
         });
     const FAKE_IMPORT(CloseHandle) close([](HANDLE) {
@@ -54,29 +59,29 @@ std::vector<std::string> ThreadsOn(DWORD major, DWORD minor, BYTE product = VER_
         return TRUE;
     });
     StartDeviceConnectService();
-    return threads;
+    return steps;
 }
 
-TEST(ServiceStart, RunsTheTrackersThatSuitTheVersionOfWindows)
+TEST(ServiceStart, MakesTheLockThenRunsTheTrackersThatSuitTheVersionOfWindows)
 {
-    EXPECT_THAT(ThreadsOn(5, 1), ElementsAre("volume", "WIA", "STI", "plugins"));
-    EXPECT_THAT(ThreadsOn(5, 0), ElementsAre("volume", "STI", "plugins"));
-    EXPECT_THAT(ThreadsOn(6, 0), ElementsAre("volume", "WIA", "STI", "plugins"));
+    EXPECT_THAT(StepsOn(5, 1), ElementsAre("lock", "volume", "WIA", "STI", "plugins"));
+    EXPECT_THAT(StepsOn(5, 0), ElementsAre("lock", "volume", "STI", "plugins"));
+    EXPECT_THAT(StepsOn(6, 0), ElementsAre("lock", "volume", "WIA", "STI", "plugins"));
 }
 
 TEST(ServiceStart, RunsThePluginHostAloneOnAnyOtherWindows)
 {
-    EXPECT_THAT(ThreadsOn(5, 2), ElementsAre("plugins"));
-    EXPECT_THAT(ThreadsOn(6, 0, VER_NT_SERVER), ElementsAre("plugins"));
-    EXPECT_THAT(ThreadsOn(6, 1), ElementsAre("plugins"));
-    EXPECT_THAT(ThreadsOn(10, 0), ElementsAre("plugins"));
-    EXPECT_THAT(ThreadsOn(5, 1, VER_NT_WORKSTATION, FALSE), ElementsAre("plugins"));
+    EXPECT_THAT(StepsOn(5, 2), ElementsAre("lock", "plugins"));
+    EXPECT_THAT(StepsOn(6, 0, VER_NT_SERVER), ElementsAre("lock", "plugins"));
+    EXPECT_THAT(StepsOn(6, 1), ElementsAre("lock", "plugins"));
+    EXPECT_THAT(StepsOn(10, 0), ElementsAre("lock", "plugins"));
+    EXPECT_THAT(StepsOn(5, 1, VER_NT_WORKSTATION, FALSE), ElementsAre("lock", "plugins"));
 }
 
 TEST(ServiceStart, GoesOnWhereAThreadCannotBeHad)
 {
-    EXPECT_THAT(ThreadsOn(5, 1, VER_NT_WORKSTATION, TRUE, nullptr),
-                ElementsAre("volume", "WIA", "STI", "plugins"));
+    EXPECT_THAT(StepsOn(5, 1, VER_NT_WORKSTATION, TRUE, nullptr),
+                ElementsAre("lock", "volume", "WIA", "STI", "plugins"));
 }
 
 } // namespace
