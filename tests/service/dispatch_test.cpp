@@ -1,5 +1,6 @@
 #include "kestraboot/device_connect.h"
 #include "service/dispatch.h"
+#include "tests/support/import_patch.h"
 
 #include <gtest/gtest.h>
 
@@ -82,6 +83,19 @@ TEST_F(Dispatch, OnlyTheLatestCallbackCounts)
     RegisterDeviceConnectCallback(Keep);
     Notify(L"volume", L"E:");
     EXPECT_EQ(events.size(), 1U);
+}
+
+TEST_F(Dispatch, AReportThatHadToWaitGoesToTheCallbackOfItsTurn)
+{
+    RegisterDeviceConnectCallback([](std::wstring&, std::wstring&) {
+        FAIL() << "replaced while the report waited";
+    });
+    const FAKE_IMPORT(EnterCriticalSection) turn([&](CRITICAL_SECTION* section) {
+        RegisterDeviceConnectCallback(Keep);
+        turn.CallOriginal(section);
+    });
+    Notify(L"volume", L"E:");
+    EXPECT_EQ(events, (std::vector<Event>{{L"volume", L"E:"}}));
 }
 
 TEST_F(Dispatch, NullUnregisters)
