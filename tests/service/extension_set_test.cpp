@@ -41,6 +41,14 @@ TEST(ExtensionSet, NeverHoldsPdf)
     EXPECT_TRUE(set.Contains(L"jpg"));
 }
 
+TEST(ExtensionSet, HoldsExtensionsThatOnlyResemblePdf)
+{
+    const ExtensionSet set = SetOf({L"pdfx", L"pd", L"xpdf"});
+    for (const wchar_t* const listed : {L"pdfx", L"pd", L"xpdf"}) {
+        EXPECT_TRUE(set.Contains(listed)) << listed;
+    }
+}
+
 TEST(ExtensionSet, AnEmptyExtensionMatchesOnlyAnEmptyEntry)
 {
     EXPECT_TRUE(SetOf({L"jpg", L""}).Contains(L""));
