@@ -75,6 +75,16 @@ TEST_F(MediaSniffer, ACardWithoutPicturesIsRefusedAfterThreeTriesASecondApart)
     EXPECT_THAT(sleeps, ElementsAre(1000, 1000, 1000));
 }
 
+TEST_F(MediaSniffer, AFailedTryIsTracedBeforeThePauseAfterIt)
+{
+    std::vector<int> tracedAtPause;
+    const FAKE_IMPORT(Sleep) pause([&](DWORD) {
+        tracedAtPause.push_back(trace.Count(kFails));
+    });
+    EXPECT_FALSE(Check());
+    EXPECT_THAT(tracedAtPause, ElementsAre(1, 2, 3));
+}
+
 TEST_F(MediaSniffer, ACardThatSettlesDuringTheTriesIsAccepted)
 {
     const FAKE_IMPORT(Sleep) settling([&](DWORD) {
@@ -156,6 +166,20 @@ TEST_F(MediaSniffer, DepthIsTheRunningApplicationsOwn)
     EXPECT_TRUE(Sniff());
 }
 
+TEST_F(MediaSniffer, DepthIsReadWithNoMoreThanReadAccess)
+{
+    std::vector<REGSAM> accesses;
+    const FAKE_IMPORT(RegOpenKeyExW)
+        open([&](HKEY root, const wchar_t* path, DWORD options, REGSAM access, HKEY* key) -> LSTATUS {
+            if (root == HKEY_CURRENT_USER && path == own.keyPath) {
+                accesses.push_back(access);
+            }
+            return open.CallOriginal(root, path, options, access, key);
+        });
+    EXPECT_FALSE(Sniff());
+    EXPECT_THAT(accesses, ElementsAre(REGSAM{KEY_READ}));
+}
+
 TEST_F(MediaSniffer, DepthIsNotReadFromTheMachinesHive)
 {
     tests::PutDword(HKEY_LOCAL_MACHINE, own.keyPath, L"SniffDepth", 1);
@@ -196,6 +220,17 @@ TEST_F(MediaSniffer, ARootPathTooLongForItsFieldIsCut)
         EXPECT_FALSE(SniffMediaContent(std::wstring(length, L'v')));
         EXPECT_EQ(listed, std::wstring(259, L'v') + L"\\*") << length;
     }
+}
+
+TEST_F(MediaSniffer, TheDriveOfATooLongRootPathIsAskedByTheCutPath)
+{
+    std::wstring asked;
+    const FAKE_IMPORT(GetDriveTypeW) type([&](const wchar_t* root) -> UINT {
+        asked = root;
+        return DRIVE_CDROM;
+    });
+    EXPECT_FALSE(CheckVolumeForMedia(std::wstring(300, L'v')));
+    EXPECT_EQ(asked, std::wstring(259, L'v'));
 }
 
 TEST_F(MediaSniffer, AnExceptionInTheWalkEndsTheSearch)
