@@ -116,6 +116,12 @@ TEST_F(MediaWalk, NeverTakesAPdf)
 TEST_F(MediaWalk, PassesOverFilesWithoutExtension)
 {
     volume.AddFile(L"jpg");
+    // An old C runtime faults where a newer one answers "not equal".
+    const FAKE_IMPORT(_wcsicmp) compare([&](const wchar_t* left, const wchar_t* right) {
+        EXPECT_NE(left, nullptr);
+        EXPECT_NE(right, nullptr);
+        return compare.CallOriginal(left, right);
+    });
     EXPECT_FALSE(FindSupportedFile(volume.Path().c_str(), 4,
                                    ExtensionSet({{L"jpg", L"Image"}, {L"", L"Image"}})));
     EXPECT_THAT(trace.Lines(), ElementsAre(File(1, L"jpg")));
@@ -233,9 +239,13 @@ TEST_F(SteeredWalk, TheInvalidHandleOfAFailedListingIsClosedAsItIs)
 TEST_F(SteeredWalk, TheListingIsClosedBeforeTheFindIsTold)
 {
     folders[L"E:\\*"] = {{L"."}, {L"x.jpg"}, {L"y.jpg"}};
+    std::vector<std::pair<std::wstring, std::size_t>> linesAndOpenListings;
+    const FAKE_IMPORT(OutputDebugStringW) output([&](const wchar_t* line) {
+        linesAndOpenListings.emplace_back(line, open.size());
+    });
     EXPECT_TRUE(FindSupportedFile(L"E:", 4, Pictures()));
-    EXPECT_THAT(open, IsEmpty());
-    EXPECT_THAT(trace.Lines(), ElementsAre(File(1, L"x.jpg"), kFound));
+    EXPECT_THAT(linesAndOpenListings, ElementsAre(std::pair(File(1, L"x.jpg"), std::size_t{1}),
+                                                  std::pair(std::wstring(kFound), std::size_t{0})));
 }
 
 TEST_F(SteeredWalk, DotEntriesAreNeitherTracedNorFollowed)
