@@ -83,6 +83,15 @@ TEST_F(CandidateVolume, AFixedDiskThatCannotBeReadDoesNotQualify)
     EXPECT_FALSE(IsCandidateVolume(L"C:"));
 }
 
+TEST_F(CandidateVolume, AFileSystemThatCannotBeReadIsNotTheMakers)
+{
+    fileSystem = L"kodak";
+    readable = false;
+    bool isKodak = true;
+    EXPECT_FALSE(ReadVolumeFileSystem(L"C:", isKodak));
+    EXPECT_FALSE(isKodak);
+}
+
 TEST_F(CandidateVolume, AFileSystemNameThatFillsItsFieldIsReadWithinIt)
 {
     fileSystem = std::wstring(255, L'x') + L"kodak"; // 260 characters: no room for a terminator
