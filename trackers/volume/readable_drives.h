@@ -20,7 +20,8 @@ struct DrivePath {
     return {{static_cast<wchar_t>(L'A' + letter), L':', L'\0'}};
 }
 
-/// A: and B: are diskette drives: never probed, never reported.
+/// A: and B: are diskette drives: a scan takes them as they are listed, without a look for a medium, and
+/// they are never reported.
 [[nodiscard]] constexpr bool IsDisketteLetter(int letter) noexcept
 {
     return letter < 2;

@@ -55,6 +55,18 @@ TEST_F(ReadableDrives, IncludeTheWholeAlphabet)
     EXPECT_EQ(machine.probed.size(), 24U);
 }
 
+TEST_F(ReadableDrives, AreOnlyThoseThatWindowsLists)
+{
+    machine.drives = {{L'C', {}}, {L'E', {DRIVE_REMOVABLE}}};
+    const FAKE_IMPORT(GetLogicalDrives) listed([] {
+        return DWORD{Bit(L'C')};
+    });
+    const DriveScan scan = ScanReadableDrives();
+    EXPECT_EQ(scan.readable, Bit(L'C'));
+    EXPECT_FALSE(scan.removablePresent);
+    EXPECT_THAT(machine.probed, IsEmpty());
+}
+
 TEST_F(ReadableDrives, KeepDiskettesUnprobed)
 {
     machine.drives = {{L'A', {DRIVE_REMOVABLE, false}}, {L'B', {DRIVE_REMOVABLE, false}}};
@@ -123,6 +135,16 @@ TEST_F(DriveChange, AScanThatSeesNoDriveAtAllForgetsNothing)
     EXPECT_FALSE(watch.DetectChange()) << "still known from before";
 }
 
+TEST_F(DriveChange, AScanThatSeesNoDriveAtAllStillTellsThatTheReaderIsGone)
+{
+    machine.drives = {{L'E', {DRIVE_REMOVABLE}}};
+    DriveWatch watch;
+    EXPECT_TRUE(watch.RemovablePresent());
+    machine.drives.clear();
+    EXPECT_FALSE(watch.DetectChange());
+    EXPECT_FALSE(watch.RemovablePresent());
+}
+
 TEST_F(DriveChoice, IsTheLowestLetterAndTheOthersAreAbsorbed)
 {
     machine.drives = {{L'C', {}}};
@@ -181,6 +203,17 @@ TEST_F(DriveChoice, IsNeverADiskette)
     machine.drives[L'Z'] = {DRIVE_REMOVABLE};
     EXPECT_TRUE(watch.DetectChange());
     EXPECT_EQ(Chosen(watch), L"Z:");
+}
+
+TEST_F(DriveChoice, CanBeAnyLetterAfterTheDiskettes)
+{
+    for (wchar_t letter = L'C'; letter <= L'Z'; ++letter) {
+        machine.drives = {{L'A', {}}};
+        DriveWatch watch;
+        machine.drives[letter] = {DRIVE_REMOVABLE};
+        EXPECT_TRUE(watch.DetectChange());
+        EXPECT_EQ(Chosen(watch), std::wstring(1, letter) + L":");
+    }
 }
 
 TEST_F(DriveChoice, ShowsNoErrorBoxAndRestoresTheModeBefore)
