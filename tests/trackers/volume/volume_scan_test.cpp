@@ -65,11 +65,32 @@ TEST_F(VolumeScanning, TwoCardsInTheSameScanGiveOneReportOfTheLowerLetter)
     EXPECT_EQ(scene.Events(), (Events{{L"volume", L"F:"}}));
 }
 
+TEST_F(VolumeScanning, AChangeThatCannotBeACardIsNotTraced)
+{
+    scene.machine.Put(L'D', {DRIVE_FIXED});
+    scan.Trigger();
+    EXPECT_THAT(scene.Events(), IsEmpty());
+    EXPECT_THAT(NewLines(), IsEmpty());
+}
+
 TEST_F(VolumeScanning, WithoutAChangeNothingIsTraced)
 {
     scan.Trigger();
     EXPECT_THAT(NewLines(), IsEmpty());
     EXPECT_FALSE(scan.Polling());
+}
+
+TEST_F(VolumeScanning, AScanThatSeesNoDriveAtAllDoesNotRepeatTheLastReport)
+{
+    scene.InsertCard(L'E');
+    scan.Trigger();
+    NewLines();
+    const FAKE_IMPORT(GetLogicalDrives) none([] {
+        return DWORD{0};
+    });
+    scan.Scan();
+    EXPECT_EQ(scene.Events().size(), 1U);
+    EXPECT_THAT(NewLines(), ElementsAre(kExitingPolling));
 }
 
 TEST_F(VolumeScanning, AnEmptyReaderAloneStartsPolling)
@@ -121,9 +142,25 @@ TEST_F(VolumeScanning, TheNextScanIsDueHalfASecondAfterTheLast)
     EXPECT_EQ(scan.MillisecondsToNextScan(), 1U);
     now += 1;
     EXPECT_EQ(scan.MillisecondsToNextScan(), 0U);
+    now += 1;
+    EXPECT_EQ(scan.MillisecondsToNextScan(), 0U);
     now += 100'000;
     EXPECT_EQ(scan.MillisecondsToNextScan(), 0U);
     scan.Scan();
+    EXPECT_EQ(scan.MillisecondsToNextScan(), 500U);
+}
+
+TEST_F(VolumeScanning, TheHalfSecondBeginsWhenTheScanBeforeEnded)
+{
+    ULONGLONG now = 10'000;
+    const FAKE_IMPORT(GetTickCount64) clock([&] {
+        return now;
+    });
+    scene.whileReporting = [&] {
+        now += 3'000; // a host that takes its time
+    };
+    scene.InsertCard(L'E');
+    scan.Trigger();
     EXPECT_EQ(scan.MillisecondsToNextScan(), 500U);
 }
 
@@ -149,6 +186,19 @@ TEST_F(VolumeScanning, ATriggerFromInsideAReportIsAnsweredByOneMoreScanNotByANes
     scene.machine.Put(L'K', {DRIVE_FIXED, true, L"kodak"});
     scan.Trigger();
     EXPECT_EQ(scene.Events(), (Events{{L"volume", L"K:"}, {L"volume", L"L:"}}));
+}
+
+TEST_F(VolumeScanning, ATriggerFromInsideAReportIsLeftToTheNextScanWherePollingBegan)
+{
+    scene.whileReporting = [&] {
+        scene.InsertCard(L'F');
+        scan.Trigger();
+    };
+    scene.InsertCard(L'E');
+    scan.Trigger();
+    EXPECT_EQ(scene.Events(), (Events{{L"volume", L"E:"}}));
+    scan.Scan();
+    EXPECT_EQ(scene.Events(), (Events{{L"volume", L"E:"}, {L"volume", L"F:"}}));
 }
 
 TEST_F(VolumeScanning, ACallbackThatThrowsDoesNotStopTheTracker)
