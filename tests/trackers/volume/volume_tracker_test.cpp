@@ -121,6 +121,7 @@ protected:
     FAKE_IMPORT(MsgWaitForMultipleObjectsEx)
     wait{[this](DWORD count, const HANDLE*, DWORD milliseconds, DWORD mask, DWORD flags) -> DWORD {
         EXPECT_EQ(count, 0U);
+        EXPECT_EQ(flags, 0U) << "a message that the loop never takes would wake it for ever";
         if (failingWaits > 0) {
             --failingWaits;
             return WAIT_FAILED;
@@ -152,7 +153,11 @@ TEST_F(VolumeTracker, SaysThatItRunsAndMakesAHiddenWindow)
     EXPECT_EQ(scene.trace.Lines().front(), kDetected);
     EXPECT_FALSE(::IsWindowVisible(window));
     EXPECT_EQ(::GetParent(window), nullptr);
+    EXPECT_EQ(::GetAncestor(window, GA_PARENT), ::GetDesktopWindow()) << "no broadcast reaches it";
     EXPECT_EQ(static_cast<DWORD>(::GetWindowLongW(window, GWL_STYLE)) & WS_POPUP, WS_POPUP);
+    EXPECT_EQ(::GetWindowLongW(window, GWL_EXSTYLE), 0);
+    EXPECT_EQ(reinterpret_cast<HINSTANCE>(::GetWindowLongPtrW(window, GWLP_HINSTANCE)),
+              ::GetModuleHandleW(nullptr));
     RECT place = {};
     ::GetWindowRect(window, &place);
     EXPECT_EQ(place.left, 20);
@@ -163,9 +168,33 @@ TEST_F(VolumeTracker, SaysThatItRunsAndMakesAHiddenWindow)
 
 TEST_F(VolumeTracker, ScansOnceBeforeItsWindowExists)
 {
+    std::vector<std::wstring> linesBefore;
+    const FAKE_IMPORT(CreateWindowExW) create(
+        [&](DWORD extended, const wchar_t* windowClass, const wchar_t* name, DWORD style, int x, int y,
+            int width, int height, HWND parent, HMENU menu, HINSTANCE instance, void* data) -> HWND {
+            linesBefore = scene.trace.Lines();
+            return create.CallOriginal(extended, windowClass, name, style, x, y, width, height, parent,
+                                       menu, instance, data);
+        });
     scene.TakeCardOut(L'E');
     Start();
-    EXPECT_THAT(scene.trace.Lines(), ElementsAre(kDetected, kEnteringPolling));
+    EXPECT_THAT(linesBefore, ElementsAre(kDetected, kEnteringPolling));
+    EXPECT_EQ(scene.trace.Lines(), linesBefore);
+}
+
+TEST_F(VolumeTracker, LooksAgainWhileItsWindowIsMade)
+{
+    const FAKE_IMPORT(CreateWindowExW) create(
+        [&](DWORD extended, const wchar_t* windowClass, const wchar_t* name, DWORD style, int x, int y,
+            int width, int height, HWND parent, HMENU menu, HINSTANCE instance, void* data) -> HWND {
+            scene.InsertCard(L'E'); // after the first look
+            const HWND made = create.CallOriginal(extended, windowClass, name, style, x, y, width,
+                                                  height, parent, menu, instance, data);
+            EXPECT_EQ(scene.Events().size(), 1U);
+            return made;
+        });
+    Start();
+    EXPECT_EQ(scene.Events(), (Events{{L"volume", L"E:"}}));
 }
 
 TEST_F(VolumeTracker, AnArrivalMakesItLook)
@@ -254,6 +283,37 @@ TEST_F(VolumeTracker, WhilePollingTheWindowAnswersAtOnce)
     EXPECT_EQ(scene.trace.Count(kArrived), 100);
 }
 
+TEST_F(VolumeTracker, WhilePollingMessagesThatItNeverTakesDoNotStopIt)
+{
+    scene.TakeCardOut(L'E');
+    Start();
+    ::PostMessageW(window, WM_APP + 7, 0, 0);
+    ::PostThreadMessageW(::GetWindowThreadProcessId(window, nullptr), WM_DEVICECHANGE,
+                         DBT_DEVNODES_CHANGED, 0);
+    scene.InsertCard(L'E');
+    Tick();
+    EXPECT_EQ(scene.Events(), (Events{{L"volume", L"E:"}}));
+}
+
+TEST_F(VolumeTracker, WhilePollingAScanThatIsDueComesBeforeMoreMessages)
+{
+    std::atomic<ULONGLONG> now = 10'000;
+    const FAKE_IMPORT(GetTickCount64) clock([&]() -> ULONGLONG {
+        return now;
+    });
+    scene.TakeCardOut(L'E');
+    Start();
+    scene.InsertCard(L'E');
+    now += 500;
+    Send(WM_NULL); // woken by this message, not by the time
+    const ULONGLONG end = clock.CallOriginal() + kGiveUp;
+    while (scene.Events().empty() && clock.CallOriginal() < end) {
+        ::SwitchToThread();
+    }
+    EXPECT_EQ(scene.Events(), (Events{{L"volume", L"E:"}}));
+    End(); // while the clock is the test's
+}
+
 TEST_F(VolumeTracker, PollingEndsAndItWaitsForMessagesAgain)
 {
     scene.TakeCardOut(L'E');
@@ -284,13 +344,19 @@ TEST_F(VolumeTracker, GoesOnAfterAFailedMessage)
     const FAKE_IMPORT(GetMessageW) get([&](MSG* message, HWND handle, UINT first, UINT last) -> BOOL {
         EXPECT_EQ(first, static_cast<UINT>(WM_DEVICECHANGE));
         EXPECT_EQ(last, static_cast<UINT>(WM_DEVICECHANGE));
-        return failures-- > 0 ? -1 : get.CallOriginal(message, handle, first, last);
+        EXPECT_EQ(handle, window);
+        if (failures-- > 0) {
+            *message = {window, WM_DEVICECHANGE, DBT_DEVICEARRIVAL, 0, 0, {}}; // not to be handled
+            return -1;
+        }
+        return get.CallOriginal(message, handle, first, last);
     });
     Start();
     scene.InsertCard(L'E');
     ::PostMessageW(window, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0);
     UntilReported();
     End();
+    EXPECT_EQ(scene.trace.Count(kArrived), 0);
     EXPECT_EQ(result, 0U);
 }
 
@@ -307,6 +373,41 @@ TEST_F(VolumeTracker, AWaitThatFailsIsTriedAgainAfterAPause)
     Send(WM_DEVICECHANGE, DBT_DEVICEARRIVAL);
     EXPECT_EQ(scene.Events(), (Events{{L"volume", L"E:"}}));
     EXPECT_THAT(scene.Sleeps(), ElementsAre(50, 50, 50));
+}
+
+TEST_F(VolumeTracker, WithoutAWindowItGoesOnPolling)
+{
+    const FAKE_IMPORT(CreateWindowExW) create([](DWORD, const wchar_t*, const wchar_t*, DWORD, int, int,
+                                                 int, int, HWND, HMENU, HINSTANCE, void*) -> HWND {
+        return nullptr;
+    });
+    std::atomic<bool> quit = false;
+    const FAKE_IMPORT(GetMessageW) get([&](MSG* message, HWND handle, UINT first, UINT last) -> BOOL {
+        const BOOL got = get.CallOriginal(message, handle, first, last);
+        return quit ? 0 : got;
+    });
+    scene.TakeCardOut(L'E');
+    std::atomic<DWORD> id = 0;
+    thread = std::thread([&] {
+        id = ::GetCurrentThreadId();
+        result = VolumeTrackerThread(nullptr);
+    });
+    Until([this] {
+        return scene.trace.Count(kEnteringPolling) == 1;
+    });
+    scene.InsertCard(L'E');
+    ::SetEvent(tick);
+    UntilReported();
+    scene.UnplugReader(L'E');
+    ::SetEvent(tick);
+    Until([this] {
+        return scene.trace.Count(kExitingPolling) == 1;
+    });
+    quit = true;
+    ::PostThreadMessageW(id, WM_DEVICECHANGE, 0, 0);
+    thread.join();
+    ::UnregisterClassW(L"DeviceDetectWin", ::GetModuleHandleW(nullptr));
+    EXPECT_EQ(result, 0U);
 }
 
 /// The window class cannot be registered.
@@ -346,6 +447,13 @@ protected:
 
 TEST_F(VolumeTrackerWithoutClass, FallsBackOnAStaticWindowAndLooksOnDeviceNodeChanges)
 {
+    std::size_t reportedBefore = 0;
+    const FAKE_IMPORT(DispatchMessageW) dispatch([&](const MSG* message) {
+        if (message->wParam == DBT_DEVNODES_CHANGED) {
+            reportedBefore = scene.Events().size();
+        }
+        return dispatch.CallOriginal(message);
+    });
     Start(L"STATIC");
     scene.trace.Clear();
     scene.InsertCard(L'E');
@@ -360,6 +468,7 @@ TEST_F(VolumeTrackerWithoutClass, FallsBackOnAStaticWindowAndLooksOnDeviceNodeCh
     UntilReported();
     EXPECT_EQ(scene.trace.Count(kArrived), 0);
     EndThroughQueue();
+    EXPECT_EQ(reportedBefore, 1U) << "it looks first, then dispatches";
     EXPECT_EQ(result, 0U);
 }
 
