@@ -116,6 +116,8 @@ protected:
     std::atomic<DWORD> longestPoll = 0;
 
     std::atomic<int> failingWaits = 0;
+    std::atomic<std::size_t> reportedAtCreation =
+        0; ///< when the window procedure is done with WM_NCCREATE
     HANDLE tick = ::CreateEventW(nullptr, FALSE, FALSE, nullptr);
     HANDLE ticked = ::CreateEventW(nullptr, FALSE, FALSE, nullptr);
     FAKE_IMPORT(MsgWaitForMultipleObjectsEx)
@@ -142,6 +144,9 @@ protected:
         if (message == kEndTracker) {
             ::PostQuitMessage(0);
             return 0;
+        }
+        if (message == WM_NCCREATE) {
+            reportedAtCreation = scene.Events().size();
         }
         return defaultProcedure.CallOriginal(handle, message, wParam, lParam);
     }};
@@ -182,18 +187,17 @@ TEST_F(VolumeTracker, ScansOnceBeforeItsWindowExists)
     EXPECT_EQ(scene.trace.Lines(), linesBefore);
 }
 
-TEST_F(VolumeTracker, LooksAgainWhileItsWindowIsMade)
+TEST_F(VolumeTracker, LooksAgainFromTheFirstMessagesOfItsWindowOn)
 {
     const FAKE_IMPORT(CreateWindowExW) create(
         [&](DWORD extended, const wchar_t* windowClass, const wchar_t* name, DWORD style, int x, int y,
             int width, int height, HWND parent, HMENU menu, HINSTANCE instance, void* data) -> HWND {
             scene.InsertCard(L'E'); // after the first look
-            const HWND made = create.CallOriginal(extended, windowClass, name, style, x, y, width,
-                                                  height, parent, menu, instance, data);
-            EXPECT_EQ(scene.Events().size(), 1U);
-            return made;
+            return create.CallOriginal(extended, windowClass, name, style, x, y, width, height, parent,
+                                       menu, instance, data);
         });
     Start();
+    EXPECT_EQ(reportedAtCreation, 1U);
     EXPECT_EQ(scene.Events(), (Events{{L"volume", L"E:"}}));
 }
 
