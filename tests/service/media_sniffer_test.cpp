@@ -73,6 +73,7 @@ TEST_F(MediaSniffer, ACardWithoutPicturesIsRefusedAfterThreeTriesASecondApart)
     EXPECT_FALSE(Check());
     EXPECT_THAT(trace.Lines(), ElementsAre(kFails, kFails, kFails, kNothing));
     EXPECT_THAT(sleeps, ElementsAre(1000, 1000, 1000));
+    EXPECT_EQ(drives.Calls(), 1) << "the kind of drive is asked once";
 }
 
 TEST_F(MediaSniffer, AFailedTryIsTracedBeforeThePauseAfterIt)
