@@ -1,6 +1,7 @@
 // The road from a card in a reader to a started application, with real drives.
 #include "tests/support/card_slot.h"
 #include "tests/support/registry_sandbox.h"
+#include "tests/support/unix_path.h"
 #include "tests/system/system_test.h"
 
 #include <dbt.h>
@@ -11,18 +12,6 @@ namespace
 {
 
 const std::string kTracker = "<***DeviceConnect***><VolumeTracker>";
-
-/// The Unix path of a folder of this prefix.
-std::string UnixPath(const std::filesystem::path& folder)
-{
-    using GetUnixFileName = char*(CDECL*)(const wchar_t*);
-    const auto entry = reinterpret_cast<GetUnixFileName>(reinterpret_cast<void*>(
-        ::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name")));
-    char* const path = entry(folder.c_str());
-    const std::string copy = path;
-    ::HeapFree(::GetProcessHeap(), 0, path);
-    return copy;
-}
 
 class Card : public SystemTest
 {

@@ -10,6 +10,7 @@
 #include "tests/support/sample_application.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/trace_recorder.h"
+#include "tests/support/unix_path.h"
 
 #include <gtest/gtest.h>
 
@@ -34,17 +35,6 @@ void Report(std::wstring& kind, std::wstring& deviceId)
     if (reported.size() % 16 == 0) {
         throw std::runtime_error("the host's own trouble");
     }
-}
-
-std::string UnixPath(const std::filesystem::path& folder)
-{
-    using GetUnixFileName = char*(CDECL*)(const wchar_t*);
-    const auto entry = reinterpret_cast<GetUnixFileName>(reinterpret_cast<void*>(
-        ::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name")));
-    char* const path = entry(folder.c_str());
-    const std::string copy = path;
-    ::HeapFree(::GetProcessHeap(), 0, path);
-    return copy;
 }
 
 /// Windows Vista, on which the volume tracker runs.
