@@ -76,6 +76,28 @@ TEST_F(WiaConnectEvent, OfAnotherKindOfDeviceIsToldInAnUntaggedLine)
     EXPECT_THAT(events.All(), IsEmpty());
 }
 
+TEST_F(WiaConnectEvent, WithoutAnIdentifierIsNotThatOfANamelessDevice)
+{
+    service.devices = {WiaDevice(L"", 2)};
+    EXPECT_EQ(Fire(nullptr), S_OK);
+    EXPECT_THAT(events.All(), IsEmpty());
+    EXPECT_EQ(Fire(L""), S_OK);
+    EXPECT_THAT(events.All(), ElementsAre(Pair(L"camera", L"")));
+}
+
+TEST_F(WiaConnectEvent, IsTracedBeforeTheHostHearsOfIt)
+{
+    static std::size_t linesBefore = 0;
+    static const TraceRecorder* recorder = nullptr;
+    recorder = &trace;
+    RegisterDeviceConnectCallback([](std::wstring&, std::wstring&) {
+        linesBefore = recorder->Lines().size();
+    });
+    service.devices = {WiaDevice(L"camera", 2)};
+    EXPECT_EQ(Fire(L"camera"), S_OK);
+    EXPECT_EQ(linesBefore, 1U);
+}
+
 TEST_F(WiaConnectEvent, IsReportedWhicheverEventItIs)
 {
     service.devices = {WiaDevice(L"camera", 2)};

@@ -21,7 +21,9 @@ TEST(WiaDeviceTracker, AnswersItsTwoInterfacesAndCountsTheReference)
     EXPECT_EQ(tracker.QueryInterface(IID_IUnknown, &unknown), S_OK);
     void* callback = nullptr;
     EXPECT_EQ(tracker.QueryInterface(kIidUnknown, &callback), S_OK);
-    EXPECT_EQ(tracker.QueryInterface(kIidWiaEventCallback, &callback), S_OK);
+    constexpr IID kCallback = {
+        0xAE6287B0, 0x0084, 0x11D2, {0x97, 0x3B, 0x00, 0xA0, 0xC9, 0x06, 0x8F, 0x2E}};
+    EXPECT_EQ(tracker.QueryInterface(kCallback, &callback), S_OK);
     EXPECT_NE(unknown, nullptr);
     EXPECT_EQ(unknown, callback);
     EXPECT_EQ(tracker.AddRef(), 4U);
@@ -59,6 +61,7 @@ TEST(WiaDeviceTracker, AsksForTheDeviceManagerOfTheLocalServer)
     FakeWiaService service;
     void* apartmentArgument = &service;
     const FAKE_IMPORT(CoInitialize) enters([&](void* reserved) {
+        EXPECT_EQ(service.createdContext, 0U) << "the apartment comes first";
         apartmentArgument = reserved;
         return RPC_E_CHANGED_MODE; // not looked at
     });
@@ -88,6 +91,15 @@ TEST(WiaDeviceTracker, WithoutTheServiceNothingWorksAndNothingFaults)
     EXPECT_THAT(service.released, ElementsAre("apartment"));
 }
 
+TEST(WiaDeviceTracker, IsNotInitialisedByASuccessThatBringsNoDeviceManager)
+{
+    FakeWiaService service;
+    service.create = S_FALSE;
+    WIADeviceTracker tracker;
+    EXPECT_FALSE(tracker.Initialize());
+    EXPECT_FALSE(tracker.RegisterForConnect());
+}
+
 TEST(WiaDeviceTracker, RegistersTheConnectEventOfAllDevices)
 {
     FakeWiaService service;
@@ -111,6 +123,16 @@ TEST(WiaDeviceTracker, SaysWhenTheRegistrationIsRefused)
     ASSERT_TRUE(tracker.Initialize());
     EXPECT_FALSE(tracker.RegisterForConnect());
     EXPECT_FALSE(tracker.ReleaseRegistration());
+}
+
+TEST(WiaDeviceTracker, TakesEverySuccessForARegistration)
+{
+    FakeWiaService service;
+    service.registers = S_FALSE;
+    WIADeviceTracker tracker;
+    ASSERT_TRUE(tracker.Initialize());
+    EXPECT_TRUE(tracker.RegisterForConnect());
+    EXPECT_TRUE(tracker.ReleaseRegistration());
 }
 
 TEST(WiaDeviceTracker, ReleasesItsRegistrationOnce)

@@ -88,13 +88,26 @@ TEST_F(WiaDeviceType, IsUnknownWhenTheServiceListsNothing)
         service.enumerate = answer;
         EXPECT_EQ(LookUp(L"camera"), ImagingType::Other);
     }
+    EXPECT_EQ(service.nexts, 1) << "of the empty list; S_FALSE is not asked for devices";
+}
+
+TEST_F(WiaDeviceType, IsFoundWhateverElseThanFalseASuccessIs)
+{
+    constexpr HRESULT kOtherSuccess = 2;
+    service.devices = {WiaDevice(L"camera", 2)};
+    service.devices[0].read = kOtherSuccess;
+    service.enumerate = kOtherSuccess;
+    EXPECT_EQ(LookUp(L"camera"), ImagingType::Camera);
 }
 
 TEST_F(WiaDeviceType, IsUnknownWhenTheListBreaksOff)
 {
     service.devices = {WiaDevice(L"scanner", 1)};
+    EXPECT_EQ(LookUp(L"camera"), ImagingType::Other);
+    EXPECT_EQ(service.nexts, 2) << "the end is believed";
     service.end = RPC_E_SERVERFAULT;
     EXPECT_EQ(LookUp(L"camera"), ImagingType::Other);
+    EXPECT_EQ(service.nexts, 2 + 2);
     EXPECT_EQ(LookUp(L"scanner"), ImagingType::Scanner);
 }
 

@@ -76,10 +76,8 @@ public:
                                            PROPVARIANT values[]) noexcept override
     {
         service.askedProperties.assign(wanted, wanted + count);
-        if (device.read == S_OK) {
-            for (ULONG i = 0; i < count; ++i) {
-                values[i] = CopyOf(wanted[i].propid == WIA_DIP_DEV_ID ? device.id : device.type);
-            }
+        for (ULONG i = 0; i < count; ++i) {
+            values[i] = CopyOf(wanted[i].propid == WIA_DIP_DEV_ID ? device.id : device.type);
         }
         return device.read;
     }
@@ -97,6 +95,7 @@ public:
                                    ULONG* fetched) noexcept override
     {
         EXPECT_EQ(count, 1U);
+        ++service.nexts;
         *fetched = 0;
         if (next == service.devices.size() && service.endless) {
             next = 0;
@@ -143,7 +142,7 @@ public:
     HRESULT STDMETHODCALLTYPE EnumDeviceInfo(LONG flags, IEnumWIA_DEV_INFO** created) noexcept override
     {
         service.enumeratedFlags = flags;
-        if (service.enumerate == S_OK) {
+        if (SUCCEEDED(service.enumerate)) {
             *created = (new Enumerator(service))->Reference();
         }
         return service.enumerate;
@@ -155,7 +154,7 @@ public:
         service.registeredFlags = flags;
         service.registeredForOneDevice = device != nullptr;
         service.registeredEvent = *event;
-        if (service.registers == S_OK) {
+        if (SUCCEEDED(service.registers)) {
             callback->AddRef();
             service.registeredCallback = callback;
             *registered = (new Registration(service))->Reference();

@@ -17,7 +17,7 @@ namespace kestraboot::tests
 struct FakeWiaDevice {
     PROPVARIANT id = {}; ///< read as it stands; a BSTR is copied for each reader
     PROPVARIANT type = {};
-    HRESULT read = S_OK; ///< what ReadMultiple answers
+    HRESULT read = S_OK; ///< what ReadMultiple answers; the values are there whatever it says
     bool isNull = false; ///< the enumerator hands out no storage
 };
 
@@ -35,9 +35,9 @@ public:
     ~FakeWiaService();
 
     std::vector<FakeWiaDevice> devices;
-    HRESULT create = S_OK;    ///< what CoCreateInstance answers
-    HRESULT enumerate = S_OK; ///< what EnumDeviceInfo answers; no enumerator unless S_OK
-    HRESULT registers = S_OK; ///< what RegisterEventCallbackInterface answers
+    HRESULT create = S_OK;    ///< what CoCreateInstance answers; no device manager unless S_OK
+    HRESULT enumerate = S_OK; ///< what EnumDeviceInfo answers; no enumerator when it is a failure
+    HRESULT registers = S_OK; ///< what RegisterEventCallbackInterface answers; the same
     HRESULT end = S_FALSE;    ///< what Next answers past the last device
     bool endless = false;     ///< Next starts over instead
 
@@ -48,6 +48,7 @@ public:
     bool createdAggregated = false;
     LONG enumeratedFlags = -1;
     int resets = 0;
+    int nexts = 0;
     std::vector<PROPSPEC> askedProperties;
     LONG registeredFlags = -1;
     bool registeredForOneDevice = false;

@@ -73,16 +73,23 @@ TEST_F(WiaTrackerThreadTest, DispatchesEveryMessageAndGoesOnAfterAFailedOne)
         results.erase(results.begin());
         return result;
     });
-    const FAKE_IMPORT(TranslateMessage) translates([](const MSG*) {
+    std::vector<UINT> translated;
+    const FAKE_IMPORT(TranslateMessage) translates([&](const MSG* message) {
+        translated.push_back(message->message);
         return FALSE;
     });
     const FAKE_IMPORT(DispatchMessageW) dispatches([&](const MSG* message) -> LRESULT {
         dispatched.push_back(message->message);
+        EXPECT_EQ(translated, dispatched) << "each is translated first";
         return 0;
+    });
+    const FAKE_IMPORT(Sleep) pauses([&](DWORD milliseconds) {
+        EXPECT_GT(milliseconds, 0U);
     });
     EXPECT_EQ(WiaTrackerThread(nullptr), 0U);
     EXPECT_THAT(dispatched, ElementsAre(WM_APP, WM_APP + 2));
-    EXPECT_EQ(translates.Calls(), 2);
+    EXPECT_EQ(translated, dispatched);
+    EXPECT_EQ(pauses.Calls(), 1) << "a failure that lasts does not take a whole processor";
 }
 
 } // namespace
