@@ -125,7 +125,7 @@ std::string Hex(const void* bytes, std::size_t count)
     return text;
 }
 
-/// Title, class and style of the window, where the data is a pointer to its handle.
+/// Title, class, style and place of the window, where the data is a pointer to its handle.
 std::string Parent(TW_UINT16 argumentType, const void* data)
 {
     if (argumentType != DAT_PARENT || data == nullptr) {
@@ -140,8 +140,9 @@ std::string Parent(TW_UINT16 argumentType, const void* data)
     ::GetWindowRect(window, &place);
     const auto style = static_cast<DWORD>(::GetWindowLongW(window, GWL_STYLE));
     return " parent=" + ToUtf8(title) + "," + ToUtf8(windowClass) + (style & WS_POPUP ? ",popup" : "") +
-           "," + std::to_string(place.left) + "," + std::to_string(place.top) + "," +
-           std::to_string(place.right - place.left) + "," + std::to_string(place.bottom - place.top);
+           (style & WS_VISIBLE ? ",visible" : "") + "," + std::to_string(place.left) + "," +
+           std::to_string(place.top) + "," + std::to_string(place.right - place.left) + "," +
+           std::to_string(place.bottom - place.top);
 }
 
 } // namespace
@@ -154,7 +155,8 @@ TW_UINT16 WINAPI StandInEntry(TW_IDENTITY* origin, TW_IDENTITY* destination, TW_
                               TW_UINT16 argumentType, TW_UINT16 message, void* data)
 {
     const TW_UINT16 result = Answer(group, argumentType, message, data);
-    AddToLog(L"twain_calls.txt", std::to_string(message) +
+    AddToLog(L"twain_calls.txt", std::to_string(message) + " of=" + std::to_string(group) + "," +
+                                     std::to_string(argumentType) +
                                      " destination=" + std::to_string(destination != nullptr) +
                                      " result=" + std::to_string(result) + Parent(argumentType, data) +
                                      " origin=" + Hex(origin, sizeof *origin));

@@ -42,11 +42,11 @@ protected:
 TEST_F(TwainSessionTest, OpensAsksForAllSourcesAndCloses)
 {
     EXPECT_FALSE(TwainSourceListed(L"Third"));
-    EXPECT_THAT(Calls(), ElementsAre(StartsWith("769 destination=0 result=0"),
-                                     StartsWith("4 destination=0 result=0"),
-                                     StartsWith("5 destination=0 result=0"),
-                                     StartsWith("5 destination=0 result=7"),
-                                     StartsWith("770 destination=0 result=0")));
+    EXPECT_THAT(Calls(), ElementsAre(StartsWith("769 of=1,4 destination=0 result=0"),
+                                     StartsWith("4 of=1,3 destination=0 result=0"),
+                                     StartsWith("5 of=1,3 destination=0 result=0"),
+                                     StartsWith("5 of=1,3 destination=0 result=7"),
+                                     StartsWith("770 of=1,4 destination=0 result=0")));
 }
 
 TEST_F(TwainSessionTest, StopsAskingOnceTheSourceIsFound)
@@ -82,11 +82,22 @@ TEST_F(TwainSessionTest, HandsOverAPointerToTheHandleOfItsWindow)
     EXPECT_THAT(Calls().back(), HasSubstr(kWindow));
 }
 
+TEST_F(TwainSessionTest, LetsTheSourceManagerGoLastOfAll)
+{
+    const FAKE_IMPORT(FreeLibrary) frees([&](HMODULE library) {
+        EXPECT_EQ(::FindWindowW(L"STATIC", L"TWAINTrackerWindow"), nullptr);
+        return frees.CallOriginal(library);
+    });
+    EXPECT_TRUE(TwainSourceListed(L"First"));
+    EXPECT_EQ(frees.Calls(), 1);
+}
+
 TEST_F(TwainSessionTest, ThatDoesNotOpenIsClosedAndListsNothing)
 {
     standIns.Write("twain_sources.txt", {"fail-open", "source First"});
     EXPECT_FALSE(TwainSourceListed(L"First"));
-    EXPECT_THAT(Calls(), ElementsAre(StartsWith("769 destination=0 result=1"), StartsWith("770 ")));
+    EXPECT_THAT(Calls(),
+                ElementsAre(StartsWith("769 of=1,4 destination=0 result=1"), StartsWith("770 of=1,4 ")));
 }
 
 TEST_F(TwainSessionTest, IsOpenWhateverElseOpeningAnswers)
@@ -102,7 +113,11 @@ TEST_F(TwainSessionTest, WithoutASourceManagerListsNothing)
         ::SetLastError(ERROR_MOD_NOT_FOUND);
         return nullptr;
     });
+    const FAKE_IMPORT(GetProcAddress) finds([](HMODULE, const char*) -> FARPROC {
+        return nullptr;
+    });
     EXPECT_FALSE(TwainSourceListed(L"First"));
+    EXPECT_EQ(finds.Calls(), 0) << "without a library the program itself would be searched";
     EXPECT_THAT(Calls(), IsEmpty());
 }
 

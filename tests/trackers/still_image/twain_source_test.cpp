@@ -1,4 +1,5 @@
 // Which data source belongs to a device, and which names the source manager's list holds.
+#include "tests/support/import_patch.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/stand_in_folder.h"
 #include "trackers/still_image/twain_source.h"
@@ -28,6 +29,18 @@ TEST_F(DeviceTwainSource, IsReadFromTheDevicesClassKey)
     PutText(HKEY_LOCAL_MACHINE, kDeviceData, L"TwainDS", L"Fine Scan 3");
     EXPECT_TRUE(FindTwainSource(kDevice, &name));
     EXPECT_STREQ(name, L"Fine Scan 3");
+}
+
+TEST_F(DeviceTwainSource, IsReadWithNoMoreThanTheRightToRead)
+{
+    PutText(HKEY_LOCAL_MACHINE, kDeviceData, L"TwainDS", L"Fine Scan 3");
+    const FAKE_IMPORT(RegOpenKeyExW)
+        opens([&](HKEY root, const wchar_t* subkey, DWORD options, REGSAM access, HKEY* opened) {
+            EXPECT_EQ(access, static_cast<REGSAM>(KEY_READ));
+            return opens.CallOriginal(root, subkey, options, access, opened);
+        });
+    EXPECT_TRUE(FindTwainSource(kDevice, &name));
+    EXPECT_EQ(opens.Calls(), 1);
 }
 
 TEST_F(DeviceTwainSource, IsMissingWithoutTheKeyOrTheValue)
