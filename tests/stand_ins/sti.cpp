@@ -158,9 +158,6 @@ HRESULT WINAPI StandInCreateInstance(HINSTANCE instance, DWORD version, IStillIm
 {
     Log("create instance=" + std::to_string(instance == ::GetModuleHandleW(nullptr)) +
         " version=" + std::to_string(version) + " outer=" + std::to_string(outer != nullptr));
-    if (Says(Configuration(), "refuse-create")) {
-        return STIERR_OLD_VERSION;
-    }
-    *created = StillImage::Only();
-    return S_OK;
+    *created = StillImage::Only(); // a refusal counts, whatever comes with it
+    return Says(Configuration(), "refuse-create") ? STIERR_OLD_VERSION : S_OK;
 }

@@ -113,6 +113,71 @@ TEST_F(NewStiDevice, IsTheFirstOfAllOnceAListFailed)
     }
 }
 
+TEST_F(NewStiDevice, IsLookedForWhereNothingIsListedYet)
+{
+    for (const char* nothing : {"# none", "no-buffer 0"}) {
+        StiDevices other;
+        Plug({nothing});
+        EXPECT_TRUE(other.OpenSti()) << nothing;
+        EXPECT_EQ(other.FindNewDevice(), nullptr) << nothing;
+        Plug({"camera A"});
+        EXPECT_NE(other.FindNewDevice(), nullptr) << nothing;
+    }
+}
+
+TEST_F(NewStiDevice, LeavesNoListOfStillImagingBehind)
+{
+    const FAKE_IMPORT(LocalFree) frees([&](HLOCAL memory) {
+        EXPECT_NE(memory, nullptr);
+        return frees.CallOriginal(memory);
+    });
+    Plug({"camera A"});
+    ASSERT_TRUE(devices.OpenSti());
+    EXPECT_EQ(frees.Calls(), 1);
+    long lists = 1;
+    for (const char* failure : {"camera A", "other-success", "short 1000"}) {
+        Plug({failure});
+        EXPECT_EQ(NextNew(), std::nullopt) << failure;
+        EXPECT_EQ(frees.Calls(), ++lists) << failure;
+    }
+}
+
+TEST_F(NewStiDevice, IsEveryDeviceOnceTheListsAreCleared)
+{
+    Plug({"camera A"});
+    ASSERT_TRUE(devices.OpenSti());
+    devices.Clear();
+    EXPECT_THAT(NextNew(), Optional(std::wstring(L"A")));
+}
+
+TEST_F(NewStiDevice, LeavesNoRecordOfDevicesThatAreGone)
+{
+    long records = 0;
+    bool noMemory = false;
+    const FAKE_IMPORT(HeapAlloc) allocates([&](HANDLE heap, DWORD flags, SIZE_T size) -> void* {
+        if (noMemory && records == 2) {
+            return nullptr;
+        }
+        ++records;
+        return allocates.CallOriginal(heap, flags, size);
+    });
+    const FAKE_IMPORT(HeapFree) frees([&](HANDLE heap, DWORD flags, void* memory) {
+        --records;
+        return frees.CallOriginal(heap, flags, memory);
+    });
+    Plug({"camera A", "camera B"});
+    ASSERT_TRUE(devices.OpenSti());
+    Plug({"camera C"});
+    EXPECT_THAT(NextNew(), Optional(std::wstring(L"C")));
+    EXPECT_EQ(records, 1) << "only what is known now";
+    noMemory = true;
+    Plug({"camera C", "camera D"});
+    EXPECT_THROW(static_cast<void>(devices.FindNewDevice()), std::bad_alloc);
+    EXPECT_EQ(records, 2) << "what is known, and the list that was not finished";
+    devices.Clear();
+    EXPECT_EQ(records, 0);
+}
+
 TEST_F(NewStiDevice, IsNeverFoundWhereStillImagingDoesNotOpen)
 {
     for (const char* refusal : {"refuse-create", "refuse-initialize"}) {
@@ -132,7 +197,11 @@ TEST_F(NewStiDevice, IsNeverFoundWithoutTheLibraryOrItsEntryPoint)
             EXPECT_STREQ(name, L"sti.dll");
             return nullptr;
         });
+        const FAKE_IMPORT(GetProcAddress) finds([](HMODULE, const char*) -> FARPROC {
+            return nullptr;
+        });
         EXPECT_FALSE(devices.OpenSti());
+        EXPECT_EQ(finds.Calls(), 0) << "without a library the program itself would be searched";
     }
     const FAKE_IMPORT(GetProcAddress) finds([](HMODULE, const char* name) -> FARPROC {
         EXPECT_STREQ(name, "StiCreateInstance");

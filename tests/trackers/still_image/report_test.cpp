@@ -1,4 +1,5 @@
 // What is told of a new device, on each Windows.
+#include "kestraboot/device_connect.h"
 #include "tests/support/recorded_events.h"
 #include "tests/support/trace_recorder.h"
 #include "tests/trackers/wia/fake_wia.h"
@@ -65,6 +66,20 @@ TEST_F(StiReport, OnXpTellsTheTwainSourceFirstAndThenTheWiaDevice)
     EXPECT_THAT(events.All(),
                 ElementsAre(Pair(L"camera", L"\"Fine Scan\""), Pair(L"camera", L"{6BDD1FC6}\\0001")));
     EXPECT_THAT(service.released, ElementsAre("storage", "enumerator", "manager", "apartment"));
+}
+
+TEST_F(StiReport, TracesEachEventBeforeTheHostHearsOfIt)
+{
+    static std::vector<std::size_t> linesBefore;
+    static const TraceRecorder* recorder = nullptr;
+    linesBefore.clear();
+    recorder = &trace;
+    RegisterDeviceConnectCallback([](std::wstring&, std::wstring&) {
+        linesBefore.push_back(recorder->Lines().size());
+    });
+    service.devices = {WiaDevice(L"{6BDD1FC6}\\0001", 2)};
+    Report(L"{6BDD1FC6}\\0001", L"C|\"Fine Scan\"");
+    EXPECT_THAT(linesBefore, ElementsAre(1U, 2U));
 }
 
 TEST_F(StiReport, OnXpTellsAWiaScannerWithoutATwainSource)

@@ -41,8 +41,14 @@ protected:
               message->message = WM_DEVICECHANGE;
               return steps[next++](*message);
           }),
+          translate([this](const MSG* message) {
+              translated.push_back(message->wParam);
+              eventsBefore.push_back(events.All().size());
+              return FALSE;
+          }),
           dispatch([this](const MSG* message) -> LRESULT {
               dispatched.push_back(message->wParam);
+              EXPECT_EQ(translated, dispatched) << "each is translated first";
               return 0;
           }),
           version([](OSVERSIONINFOW* record) -> BOOL {
@@ -79,6 +85,7 @@ protected:
         ::GetClassNameW(window, text, 64);
         windowClass = text;
         style = static_cast<DWORD>(::GetWindowLongW(window, GWL_STYLE));
+        isTopLevel = ::GetAncestor(window, GA_PARENT) == ::GetDesktopWindow();
         ::GetWindowRect(window, &place);
     }
 
@@ -86,12 +93,15 @@ protected:
     RegistrySandbox registry;
     std::vector<std::function<BOOL(MSG&)>> steps;
     std::size_t next = 0;
-    std::vector<WPARAM> dispatched;
+    std::vector<WPARAM> translated, dispatched;
+    std::vector<std::size_t> eventsBefore; ///< how many were reported before each message went on
     HWND window = nullptr;
     std::wstring title, windowClass;
     DWORD style = 0;
+    bool isTopLevel = false;
     RECT place = {};
     FAKE_IMPORT(GetMessageW) loop;
+    FAKE_IMPORT(TranslateMessage) translate;
     FAKE_IMPORT(DispatchMessageW) dispatch;
     FAKE_IMPORT(GetVersionExW) version;
     TraceRecorder trace;
@@ -105,6 +115,7 @@ TEST_F(StiTrackerThreadTest, OpensStillImagingAndItsWindow)
     EXPECT_EQ(title, L"STITrackerWindow");
     EXPECT_STREQ(windowClass.c_str(), L"Static");
     EXPECT_EQ(style & (WS_POPUP | WS_VISIBLE), static_cast<DWORD>(WS_POPUP));
+    EXPECT_TRUE(isTopLevel) << "no other window is told of a change of devices";
     EXPECT_EQ(place.left, 20);
     EXPECT_EQ(place.top, 20);
     EXPECT_EQ(place.right, 220);
@@ -122,6 +133,7 @@ TEST_F(StiTrackerThreadTest, ReportsADeviceThatIsAddedAndGoesOn)
                 ElementsAre(kDetected, L"<***DeviceConnect***><StiTracker><TWAIN DEVICE><C|\"Fine\">",
                             L"<***DeviceConnect***><StiTracker><TWAIN DEVICE><S|\"Fine\">"));
     EXPECT_EQ(dispatched.size(), 3U);
+    EXPECT_THAT(eventsBefore, ElementsAre(1U, 1U, 2U)) << "the report comes before the message goes on";
 }
 
 TEST_F(StiTrackerThreadTest, LooksForDevicesOnAChangeOfTheDeviceTreeAlone)
@@ -140,9 +152,13 @@ TEST_F(StiTrackerThreadTest, GoesOnAfterAMessageThatCouldNotBeHad)
         return -1;
     });
     Change({"camera A"});
+    const FAKE_IMPORT(Sleep) pauses([](DWORD milliseconds) {
+        EXPECT_GT(milliseconds, 0U);
+    });
     EXPECT_EQ(StiTrackerThread(nullptr), 0U);
     EXPECT_THAT(events.All(), ElementsAre(Pair(L"camera", L"\"Fine\"")));
     EXPECT_EQ(dispatched.size(), 1U);
+    EXPECT_EQ(pauses.Calls(), 1) << "a failure that lasts does not take a whole processor";
 }
 
 TEST_F(StiTrackerThreadTest, WithoutStillImagingSaysSoAndFindsNothing)
@@ -153,6 +169,16 @@ TEST_F(StiTrackerThreadTest, WithoutStillImagingSaysSoAndFindsNothing)
     EXPECT_THAT(trace.Lines(), ElementsAre(kNotDetected));
     EXPECT_THAT(events.All(), IsEmpty());
     EXPECT_EQ(title, L"STITrackerWindow");
+}
+
+TEST_F(StiTrackerThreadTest, WithoutMemoryForTheDevicesPresentSaysSo)
+{
+    const FAKE_IMPORT(HeapAlloc) noRecord([](HANDLE, DWORD, SIZE_T) -> void* {
+        return nullptr;
+    });
+    standIns.Write("sti_devices.txt", {"camera A"});
+    EXPECT_EQ(StiTrackerThread(nullptr), 0U);
+    EXPECT_THAT(trace.Lines(), ElementsAre(kNotDetected));
 }
 
 TEST_F(StiTrackerThreadTest, LosesAChangeForWhichMemoryRunsOutAndGoesOn)
