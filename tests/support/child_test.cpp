@@ -50,9 +50,10 @@ ChildEnd RunChildTest(const std::string& test)
     PROCESS_INFORMATION process = {};
     const BOOL started = ::CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr,
                                           nullptr, &startup, &process);
+    const DWORD error = ::GetLastError();
     ::SetEnvironmentVariableW(kTraceFile, nullptr);
     if (!started) {
-        throw std::runtime_error("the child cannot be started");
+        throw std::runtime_error("the child cannot be started: error " + std::to_string(error));
     }
     if (::WaitForSingleObject(process.hProcess, kLongestChild) != WAIT_OBJECT_0) {
         ::TerminateProcess(process.hProcess, 99);

@@ -32,9 +32,11 @@ ChildProcess::ChildProcess(const std::filesystem::path& program, const std::wstr
     const BOOL started = ::CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, withOutput,
                                           withOutput ? 0 : DETACHED_PROCESS, nullptr, folder.c_str(),
                                           &startup, &information);
+    const DWORD error = ::GetLastError();
     ::CloseHandle(output);
     if (!started) {
-        throw std::runtime_error("cannot start " + program.string());
+        throw std::runtime_error("cannot start " + program.string() + ": error " +
+                                 std::to_string(error));
     }
     ::CloseHandle(information.hThread);
 }

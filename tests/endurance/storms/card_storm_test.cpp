@@ -2,12 +2,12 @@
 // real drives. What must be reported is told by a model of a few lines; --gtest_random_seed brings a run
 // back.
 #include "kestraboot/kestraboot.h"
-#include "tests/endurance/storms/size.h"
 #include "tests/endurance/storms/tracker_clock.h"
 #include "tests/support/card_slot.h"
 #include "tests/support/handle_count.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/sample_application.h"
+#include "tests/support/storm_size.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/trace_recorder.h"
 #include "tests/support/unix_path.h"

@@ -56,7 +56,7 @@ HostProcess::HostProcess(const std::wstring& program)
     std::wstring command = L'"' + path + L"\" " + pipe;
     if (!::CreateProcessW(path.c_str(), command.data(), nullptr, nullptr, FALSE, 0, nullptr,
                           OwnFolder().c_str(), &startup, &process)) {
-        throw std::runtime_error("the host does not start");
+        throw std::runtime_error("the host does not start: error " + std::to_string(::GetLastError()));
     }
     reader = std::thread([this] {
         ReadLines();

@@ -1,6 +1,7 @@
 // Thousands of look-ups of a WIA device in a real host process, and what it and the service hold before
 // and after.
 #include "tests/stand_ins/wia/service_window.h"
+#include "tests/support/storm_size.h"
 #include "tests/system/imaging/host_process.h"
 #include "tests/system/imaging/own_wia_service.h"
 #include "tests/system/imaging/resource_use.h"
@@ -38,7 +39,7 @@ void ExpectNothingLeft(const HostProcess& host, const std::string& what,
     }
     const ResourceUse after = ResourceUseOf(host.Handle());
     std::cout << what << ": " << before << " -> " << after << "\n";
-    // COM opens and drops a few connections as it likes; one handle a look-up would be a thousand.
+    // COM opens and drops a few connections as it likes; one handle a look-up would be hundreds.
     EXPECT_LT(after.handles - before.handles, 10);
     EXPECT_EQ(after.windows, before.windows);
     EXPECT_EQ(after.gdiObjects, before.gdiObjects);
@@ -54,12 +55,13 @@ TEST(WiaLookUps, OfConnectEventsLeaveNothingBehind)
     const std::wstring camera(1000, L'c');
     HostProcess host(L"imaging_host_6_0.exe");
     ASSERT_TRUE(host.WaitFor("trace <***DeviceConnect***><WiaTracker><WIA devices will be detected>."));
-    ExpectNothingLeft(host, "10,000 WIA connect events", [&] {
+    const int atOnce = StormSize(200, 1'000);
+    ExpectNothingLeft(host, std::to_string(10 * atOnce) + " WIA connect events", [&] {
         host.Forget();
-        for (int i = 0; i < 1000; ++i) {
+        for (int i = 0; i < atOnce; ++i) {
             ASSERT_TRUE(stand_ins::TellServiceToFire(camera));
         }
-        ASSERT_TRUE(host.WaitForCount("event camera|" + std::string(1000, 'c'), 1000))
+        ASSERT_TRUE(host.WaitForCount("event camera|" + std::string(1000, 'c'), atOnce))
             << host.Lines("event").size() << " reported, " << host.Lines("trace Could").size()
             << " not placed";
     });
@@ -73,15 +75,19 @@ TEST(WiaLookUps, OfTheStillImageTrackerOnXpLeaveNothingBehind)
     HostProcess host(L"imaging_host_5_1.exe");
     ASSERT_TRUE(host.WaitFor("trace <***DeviceConnect***><StiTracker><STI Devices will be detected.>"));
     standIns.Write("sti_devices.txt", {"every-second", "camera C"});
-    // Each enters and leaves an apartment and connects to the service anew: a tenth of the others.
-    ExpectNothingLeft(host, "1,000 WIA look-ups on Windows XP", [&] {
-        host.Forget();
-        for (int i = 0; i < 200; ++i) {
-            ASSERT_TRUE(host.NotifyDeviceChange());
+    // Each enters and leaves an apartment and connects to the service anew.
+    constexpr int kAtOnce = 50;
+    const int turns = StormSize(1, 20);
+    ExpectNothingLeft(host, std::to_string(10 * turns * kAtOnce) + " WIA look-ups on Windows XP", [&] {
+        for (int turn = 0; turn < turns; ++turn) {
+            host.Forget();
+            for (int i = 0; i < 2 * kAtOnce; ++i) {
+                ASSERT_TRUE(host.NotifyDeviceChange());
+            }
+            ASSERT_TRUE(host.WaitForCount("event camera|C", kAtOnce))
+                << host.Lines("event").size() << " reported, " << host.Lines("trace Could").size()
+                << " not placed";
         }
-        ASSERT_TRUE(host.WaitForCount("event camera|C", 100))
-            << host.Lines("event").size() << " reported, " << host.Lines("trace Could").size()
-            << " not placed";
     });
 }
 
