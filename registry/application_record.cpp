@@ -73,6 +73,9 @@ std::uint32_t ReadDefaultFlag(const std::wstring& prefsPath)
             const std::int32_t flag = user.QueryDword(kDefaultFlag);
             return flag != -1 ? static_cast<std::uint32_t>(flag) : 0;
         }
+        if (user.Status() != ERROR_FILE_NOT_FOUND) {
+            return 0; // a key that is there hides the machine's value, and is not to be written over
+        }
     }
     CreateUserPreferences(prefsPath);
     RegistryKey machine = RegistryKey::OpenLocalMachine(prefsPath, KEY_READ);

@@ -93,6 +93,22 @@ TEST_F(DefaultFlag, IsTheMachinesWhereTheUsersKeyCannotBeMade)
     EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, kPrefs));
 }
 
+TEST_F(DefaultFlag, IsZeroWhereTheUsersKeyCannotBeOpenedForTheMomentAndTheKeyStaysAsItIs)
+{
+    PutDword(HKEY_CURRENT_USER, kPrefs, L"DefaultFlag", 1);
+    PutDword(HKEY_LOCAL_MACHINE, kPrefs, L"DefaultFlag", 2);
+    for (const LONG failure : {ERROR_ACCESS_DENIED, ERROR_NO_SYSTEM_RESOURCES}) {
+        FAKE_IMPORT(RegOpenKeyExW)
+        open([&](HKEY root, const wchar_t* path, DWORD options, REGSAM access, HKEY* key) -> LONG {
+            const bool isUsers = root == HKEY_CURRENT_USER && access == KEY_READ;
+            return isUsers ? failure : open.CallOriginal(root, path, options, access, key);
+        });
+        EXPECT_EQ(Read(), 0U) << failure;
+    }
+    EXPECT_EQ(StoredDword(HKEY_CURRENT_USER, kPrefs, L"DefaultFlag"), 1U) << "the user's choice is lost";
+    EXPECT_EQ(Read(), 1U);
+}
+
 TEST_F(DefaultFlag, OfAProductNamedInLettersOfTheRootsPathNeverGetsItsUserKey)
 {
     // The letters A, v, e and n at the front of "Avenue" occur in the root's path, and go with it.
