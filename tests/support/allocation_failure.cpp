@@ -17,6 +17,7 @@ DWORD failingThread = 0;
 int successesLeft = 0;
 Shortage kind = Shortage::FromThenOn;
 bool happened = false;
+volatile long liveBlocks = 0;
 
 // Stands in the import table of the runtime's DLL; memory of the C runtime itself is not touched.
 void* Allocate(std::size_t size)
@@ -26,16 +27,33 @@ void* Allocate(std::size_t size)
         happened = true;
         return nullptr;
     }
-    return std::malloc(size);
+    void* const block = std::malloc(size);
+    if (block != nullptr) {
+        ::InterlockedIncrement(&liveBlocks);
+    }
+    return block;
 }
+
+void Free(void* block)
+{
+    if (block != nullptr) {
+        ::InterlockedDecrement(&liveBlocks);
+    }
+    std::free(block);
+}
+
+struct RuntimePatches {
+    ImportPatch allocate{"malloc", reinterpret_cast<void*>(&Allocate)};
+    ImportPatch release{"free", reinterpret_cast<void*>(&Free)};
+};
 
 /// Patched once and for good: a patch itself needs memory.
 void PatchRuntime()
 {
-    static const std::unique_ptr<ImportPatch> patch = [] {
+    static const std::unique_ptr<RuntimePatches> patches = [] {
         const HMODULE before = ModuleUnderTest();
         SetModuleUnderTest(::GetModuleHandleW(L"libstdc++-6.dll"));
-        auto made = std::make_unique<ImportPatch>("malloc", reinterpret_cast<void*>(&Allocate));
+        auto made = std::make_unique<RuntimePatches>();
         SetModuleUnderTest(before);
         return made;
     }();
@@ -60,6 +78,12 @@ AllocationFailure::~AllocationFailure()
 bool AllocationFailure::Happened() noexcept
 {
     return happened;
+}
+
+long LiveAllocations()
+{
+    PatchRuntime();
+    return liveBlocks;
 }
 
 int ForEveryAllocation(const std::function<void()>& operation,

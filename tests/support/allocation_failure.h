@@ -25,6 +25,9 @@ public:
     [[nodiscard]] static bool Happened() noexcept;
 };
 
+/// How many blocks of the C++ runtime's memory are in use, counted from some time on: for differences.
+[[nodiscard]] long LiveAllocations();
+
 /// Runs `operation` again and again, each time with one allocation more that works, until one run needs
 /// no more. After each run in which memory ran out, with memory back, checks that it left no handle open
 /// and tells `afterFailure` whether std::bad_alloc came out. Answers the number of such runs.
