@@ -1,0 +1,60 @@
+// Every call that a module makes through its import table, held up for a look before it goes on.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace kestraboot::tests
+{
+
+struct FunctionFailures;
+
+/// A call that is about to be made.
+struct GatedCall {
+    const char* function;
+    const FunctionFailures* failures; ///< null when the table does not know the function
+    void* original;
+    std::uint64_t* first;   ///< the first four integer arguments
+    std::uint64_t* further; ///< the fifth one and those after it
+    std::uint64_t result;   ///< what the caller gets when the call does not go on
+
+    [[nodiscard]] std::uint64_t Argument(std::size_t index) const noexcept
+    {
+        return index < 4 ? first[index] : further[index - 4];
+    }
+};
+
+/// Points each function's import slot of a module at a few instructions of its own, which ask first.
+/// Slots keep what stands in them then (the function itself, or a test's fake of it) as the original.
+/// Functions of the C++ runtime's own libraries are left alone. One at a time.
+class CallGate
+{
+public:
+    struct Slot {
+        const char* function;
+        void** address;
+        void* original;
+        const FunctionFailures* failures;
+    };
+
+    /// Answers whether the call goes on. Runs on the calling thread, in the middle of the product: it
+    /// must not throw and must not make calls of the gated module.
+    using Decide = bool (*)(GatedCall& call) noexcept;
+
+    CallGate(HMODULE module, Decide decide);
+    CallGate(const CallGate&) = delete;
+    CallGate& operator=(const CallGate&) = delete;
+    ~CallGate();
+
+    [[nodiscard]] const std::vector<Slot>& Slots() const noexcept { return slots; }
+
+private:
+    void StoreAll(bool gated) const;
+
+    std::vector<Slot> slots;
+    std::uint8_t* code;
+};
+
+} // namespace kestraboot::tests

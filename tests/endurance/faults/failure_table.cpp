@@ -1,0 +1,164 @@
+// A function that the product calls stands here: with the ways in which it fails on Windows, as far as
+// they differ to a caller, or among those that cannot fail. Memory of the C runtime is not for this
+// table.
+#include "tests/endurance/faults/failure_table.h"
+
+#include <algorithm>
+
+namespace kestraboot::tests
+{
+namespace
+{
+
+using Work = Failure::Work;
+
+constexpr std::uint64_t kNull = 0;
+constexpr std::uint64_t kMinusOne = ~std::uint64_t{0}; // also INVALID_HANDLE_VALUE, WAIT_FAILED, WEOF
+
+template <typename Value>
+Value* Pointer(const GatedCall& call, std::size_t argument)
+{
+    return reinterpret_cast<Value*>(call.Argument(argument));
+}
+
+void WantMoreBytes(const GatedCall& call)
+{
+    *Pointer<DWORD>(call, 5) += 64;
+}
+
+bool HasValueBuffer(const GatedCall& call)
+{
+    return call.Argument(4) != 0 && call.Argument(5) != 0;
+}
+
+bool NamesAModule(const GatedCall& call)
+{
+    return call.Argument(0) != 0;
+}
+
+void FillName(const GatedCall& call)
+{
+    const auto capacity = static_cast<DWORD>(call.Argument(3));
+    std::fill_n(Pointer<wchar_t>(call, 2), capacity, L'x');
+}
+
+void ClearObject(const GatedCall& call)
+{
+    *Pointer<void*>(call, 4) = nullptr;
+}
+
+// clang-format off
+const std::vector<FunctionFailures>& Table()
+{
+    static const std::vector<FunctionFailures> table = {
+        // advapi32
+        {"RegOpenKeyExW", {{"not found", ERROR_FILE_NOT_FOUND}, {"denied", ERROR_ACCESS_DENIED}, {"no memory", ERROR_NO_SYSTEM_RESOURCES}}},
+        {"RegCreateKeyExW", {{"denied", ERROR_ACCESS_DENIED}, {"no memory", ERROR_NO_SYSTEM_RESOURCES}}},
+        {"RegQueryValueExW", {{"not found", ERROR_FILE_NOT_FOUND}, {"denied", ERROR_ACCESS_DENIED}, {"key gone", ERROR_KEY_DELETED},
+                              {"grown", ERROR_MORE_DATA, 0, Work::None, WantMoreBytes, HasValueBuffer}}},
+        {"RegSetValueExW", {{"denied", ERROR_ACCESS_DENIED}, {"key gone", ERROR_KEY_DELETED}, {"no memory", ERROR_NO_SYSTEM_RESOURCES}}},
+        {"RegEnumKeyExW", {{"no more", ERROR_NO_MORE_ITEMS}, {"too long", ERROR_MORE_DATA}, {"key gone", ERROR_KEY_DELETED}}},
+        {"RegDeleteValueW", {{"not found", ERROR_FILE_NOT_FOUND}, {"denied", ERROR_ACCESS_DENIED}}},
+        {"RegCloseKey", {{"bad handle", ERROR_INVALID_HANDLE, 0, Work::Done}}},
+        // kernel32
+        {"CloseHandle", {{"bad handle", FALSE, ERROR_INVALID_HANDLE, Work::Done}}},
+        {"CreateMutexW", {{"exists", 0, ERROR_ALREADY_EXISTS, Work::DoneWithItsResult}, {"denied", kNull, ERROR_ACCESS_DENIED},
+                          {"other kind", kNull, ERROR_INVALID_HANDLE}, {"no memory", kNull, ERROR_NOT_ENOUGH_MEMORY}}},
+        {"CreateThread", {{"no memory", kNull, ERROR_NOT_ENOUGH_MEMORY}, {"denied", kNull, ERROR_ACCESS_DENIED}}},
+        {"CreateToolhelp32Snapshot", {{"no memory", kMinusOne, ERROR_NOT_ENOUGH_MEMORY}, {"partial", kMinusOne, ERROR_PARTIAL_COPY}}},
+        {"FindClose", {{"bad handle", FALSE, ERROR_INVALID_HANDLE, Work::Done}}},
+        {"FindFirstFileW", {{"not found", kMinusOne, ERROR_FILE_NOT_FOUND}, {"denied", kMinusOne, ERROR_ACCESS_DENIED}, {"not ready", kMinusOne, ERROR_NOT_READY}}},
+        {"FindNextFileW", {{"no more", FALSE, ERROR_NO_MORE_FILES}, {"not ready", FALSE, ERROR_NOT_READY}}},
+        {"FreeLibrary", {{"not found", FALSE, ERROR_MOD_NOT_FOUND, Work::Done}}},
+        {"GetDriveTypeW", {{"unknown", DRIVE_UNKNOWN}, {"no root", DRIVE_NO_ROOT_DIR}}},
+        {"GetLogicalDrives", {{"none", 0, ERROR_NOT_ENOUGH_MEMORY}}},
+        {"GetModuleHandleW", {{"not found", kNull, ERROR_MOD_NOT_FOUND, Work::None, nullptr, NamesAModule}}},
+        {"GetPrivateProfileSectionW", {{"not found", 0, ERROR_FILE_NOT_FOUND}, {"denied", 0, ERROR_ACCESS_DENIED}}},
+        {"GetPrivateProfileStringW", {{"not found", 0, ERROR_FILE_NOT_FOUND}}},
+        {"GetProcAddress", {{"not found", kNull, ERROR_PROC_NOT_FOUND}}},
+        {"GetVersionExW", {{"bad size", FALSE, ERROR_INSUFFICIENT_BUFFER}}},
+        {"GetVolumeInformationW", {{"not ready", FALSE, ERROR_NOT_READY}, {"denied", FALSE, ERROR_ACCESS_DENIED}, {"no file system", FALSE, ERROR_UNRECOGNIZED_VOLUME}}},
+        {"GlobalFree", {{"bad handle", 1, ERROR_INVALID_HANDLE, Work::Done}}, -1},
+        {"HeapAlloc", {{"no memory", kNull}}, 1},
+        {"HeapFree", {{"bad handle", FALSE, ERROR_INVALID_PARAMETER, Work::Done}}, -1},
+        {"K32EnumProcessModules", {{"denied", FALSE, ERROR_ACCESS_DENIED}, {"partial", FALSE, ERROR_PARTIAL_COPY}}},
+        {"K32GetModuleFileNameExW", {{"bad handle", 0, ERROR_INVALID_HANDLE}, {"too long", 259, ERROR_INSUFFICIENT_BUFFER, Work::None, FillName}}},
+        {"LoadLibraryExW", {{"not found", kNull, ERROR_FILE_NOT_FOUND}, {"denied", kNull, ERROR_ACCESS_DENIED}, {"no library", kNull, ERROR_BAD_EXE_FORMAT}}},
+        {"LoadLibraryW", {{"not found", kNull, ERROR_MOD_NOT_FOUND}, {"no library", kNull, ERROR_BAD_EXE_FORMAT}, {"refuses", kNull, ERROR_DLL_INIT_FAILED}, {"no memory", kNull, ERROR_NOT_ENOUGH_MEMORY}}},
+        {"LocalFree", {{"bad handle", 1, ERROR_INVALID_HANDLE, Work::Done}}},
+        {"LocalSize", {{"bad handle", 0, ERROR_INVALID_HANDLE}}},
+        {"MultiByteToWideChar", {{"too long", 0, ERROR_INSUFFICIENT_BUFFER}, {"no such text", 0, ERROR_NO_UNICODE_TRANSLATION}}},
+        {"OpenProcess", {{"denied", kNull, ERROR_ACCESS_DENIED}, {"gone", kNull, ERROR_INVALID_PARAMETER}}},
+        {"Process32FirstW", {{"no more", FALSE, ERROR_NO_MORE_FILES}, {"bad size", FALSE, ERROR_BAD_LENGTH}}},
+        {"Process32NextW", {{"no more", FALSE, ERROR_NO_MORE_FILES}}},
+        {"ProcessIdToSessionId", {{"gone", FALSE, ERROR_INVALID_PARAMETER}, {"denied", FALSE, ERROR_ACCESS_DENIED}}},
+        {"SetCurrentDirectoryW", {{"not found", FALSE, ERROR_PATH_NOT_FOUND}, {"denied", FALSE, ERROR_ACCESS_DENIED}}},
+        {"TerminateProcess", {{"denied", FALSE, ERROR_ACCESS_DENIED}}},
+        // msvcrt
+        {"_vsnwprintf", {{"no format", kMinusOne}}},
+        {"_vscwprintf", {{"no format", kMinusOne}}},
+        {"_wspawnlp", {{"not found", kMinusOne, ERROR_FILE_NOT_FOUND}, {"denied", kMinusOne, ERROR_ACCESS_DENIED}, {"no memory", kMinusOne, ERROR_NOT_ENOUGH_MEMORY}}},
+        {"fflush", {{"closed", kMinusOne}}},
+        {"fputwc", {{"closed", 0xFFFF}}},
+        {"fwprintf", {{"closed", kMinusOne}}},
+        // ole32, shell32, shlwapi
+        {"CoCreateInstance", {{"no class", 0x80040154, 0, Work::None, ClearObject}, {"denied", 0x80070005, 0, Work::None, ClearObject},
+                              {"no server", 0x80080005, 0, Work::None, ClearObject}, {"no memory", 0x8007000E, 0, Work::None, ClearObject}}},
+        {"CoInitialize", {{"other mode", 0x80010106}, {"no memory", 0x8007000E}}},
+        {"FreePropVariantArray", {{"bad value", 0x80070057, 0, Work::Done}}},
+        {"CommandLineToArgvW", {{"no memory", kNull, ERROR_NOT_ENOUGH_MEMORY}}, 1},
+        {"PathFileExistsW", {{"not found", FALSE, ERROR_FILE_NOT_FOUND}, {"denied", FALSE, ERROR_ACCESS_DENIED}}},
+        {"PathIsDirectoryW", {{"not found", FALSE, ERROR_FILE_NOT_FOUND}}},
+        {"PathRemoveFileSpecW", {{"nothing", FALSE}}},
+        // user32
+        {"CreateWindowExW", {{"no handles", kNull, ERROR_NO_MORE_USER_HANDLES}, {"no memory", kNull, ERROR_NOT_ENOUGH_MEMORY}}},
+        {"DestroyWindow", {{"bad window", FALSE, ERROR_INVALID_WINDOW_HANDLE, Work::Done}}},
+        {"EnumWindows", {{"denied", FALSE, ERROR_ACCESS_DENIED}}},
+        {"GetMessageW", {{"bad window", kMinusOne, ERROR_INVALID_WINDOW_HANDLE}}},
+        {"GetWindowTextW", {{"bad window", 0, ERROR_INVALID_WINDOW_HANDLE}}},
+        {"MsgWaitForMultipleObjectsEx", {{"bad handle", kMinusOne, ERROR_INVALID_HANDLE}}},
+        {"RegisterClassExW", {{"exists", 0, ERROR_CLASS_ALREADY_EXISTS}, {"no memory", 0, ERROR_NOT_ENOUGH_MEMORY}}},
+        {"SendMessageW", {{"denied", 0, ERROR_ACCESS_DENIED}}},
+    };
+    return table;
+}
+
+/// These have no failure that a caller could be told of.
+constexpr const char* kCannotFail[] = {
+    // kernel32
+    "AcquireSRWLockExclusive", "DeleteCriticalSection", "EnterCriticalSection", "ExitProcess", "GetCommandLineW",
+    "GetCurrentProcessId", "GetLastError", "GetProcessHeap", "GetTickCount64", "InitializeCriticalSection",
+    "IsDBCSLeadByteEx", "LeaveCriticalSection", "OutputDebugStringW", "ReleaseSRWLockExclusive", "SetErrorMode", "Sleep",
+    // ole32, user32: messages that are not there, and what nobody answers
+    "CoUninitialize", "DefWindowProcW", "DispatchMessageW", "PeekMessageW", "TranslateMessage",
+    // msvcrt: text and memory
+    "_wcsicmp", "_wcslwr", "_wcsnicmp", "_wtoi", "memcpy", "memmove", "memset", "strlen", "strncmp", "wcscmp", "wcslen",
+    "wcsncpy", "wcsrchr", "wcsstr",
+    // msvcrt: the runtime's own start, end, locale and streams
+    "___lc_codepage_func", "___mb_cur_max_func", "__iob_func", "_amsg_exit", "_errno", "_initterm", "_lock", "_unlock",
+    "abort", "fwrite", "localeconv", "strerror", "vfprintf",
+    "TlsGetValue", "VirtualProtect", "VirtualQuery",
+    // msvcrt: memory runs out in the sweep of allocations
+    "calloc", "free", "malloc", "realloc",
+};
+// clang-format on
+
+} // namespace
+
+const FunctionFailures* FailuresOf(std::string_view function)
+{
+    const auto& table = Table();
+    const auto known = std::ranges::find(table, function, [](const FunctionFailures& entry) {
+        return std::string_view(entry.function);
+    });
+    if (known != table.end()) {
+        return &*known;
+    }
+    static const FunctionFailures cannotFail = {"", {}};
+    const bool listed = std::ranges::any_of(kCannotFail, [&](const char* name) {
+        return function == name;
+    });
+    return listed ? &cannotFail : nullptr;
+}
+
+} // namespace kestraboot::tests

@@ -1,0 +1,34 @@
+// How each imported function can fail.
+#pragma once
+
+#include "tests/endurance/faults/call_gate.h"
+
+#include <windows.h>
+
+#include <string_view>
+#include <vector>
+
+namespace kestraboot::tests
+{
+
+struct Failure {
+    const char* name;
+    std::uint64_t result;
+    DWORD lastError = ERROR_SUCCESS; ///< left alone where it is success
+    /// What the function does all the same: nothing, or all of it (a handle that is said not to close is
+    /// closed), or all of it with a result of its own (a mutex that exists already).
+    enum class Work { None, Done, DoneWithItsResult } work = Work::None;
+    void (*writes)(const GatedCall& call) = nullptr;
+    bool (*applies)(const GatedCall& call) = nullptr; ///< null: to every call
+};
+
+struct FunctionFailures {
+    const char* function;
+    std::vector<Failure> failures; ///< empty: it cannot fail
+    int balance = 0;               ///< 1 takes memory that a function with -1 gives back
+};
+
+/// Null for a function that the table does not know.
+[[nodiscard]] const FunctionFailures* FailuresOf(std::string_view function);
+
+} // namespace kestraboot::tests

@@ -1,0 +1,35 @@
+// Still imaging, a TWAIN source manager and the WIA service with one camera, in static storage.
+#pragma once
+
+#include "tests/support/import_patch.h"
+
+#include <wia.h>
+
+namespace kestraboot::tests
+{
+
+inline constexpr const wchar_t* kCamera = L"{6BDD1FC6-810F-11D0-BEC7-08002BE2092F}\\0001";
+inline constexpr const wchar_t* kTwainSource = L"Fine Scan with a long name";
+
+/// Steers the library under test while it lives. One at a time.
+class Imaging
+{
+public:
+    Imaging();
+    Imaging(const Imaging&) = delete;
+    Imaging& operator=(const Imaging&) = delete;
+    ~Imaging();
+
+    static void PlugCamera(bool isIn) noexcept;
+
+    /// The callback that was registered for connect events; null when none is.
+    [[nodiscard]] static IWiaEventCallback* Callback() noexcept;
+
+    /// Writes into the journal what was not given back.
+    static void ShowReferences();
+
+private:
+    ImportPatch create, load, find, free, freeLocal;
+};
+
+} // namespace kestraboot::tests

@@ -1,0 +1,119 @@
+// The roads of the WIA and the still-image tracker, from the thread's start to its end: two connect
+// events of a camera, and two changes of the devices, of which the first brings a camera.
+#include "tests/endurance/faults/armed.h"
+#include "tests/endurance/faults/imaging.h"
+#include "tests/endurance/faults/journal.h"
+#include "tests/endurance/faults/machine.h"
+#include "tests/endurance/faults/sweep.h"
+#include "tests/endurance/faults/trackers.h"
+
+#include <gtest/gtest.h>
+
+#include <dbt.h>
+
+namespace kestraboot::tests
+{
+namespace
+{
+
+constexpr int kEvents = 2;
+
+Tracker running = Tracker::Wia;
+BSTR cameraName = nullptr;
+int events = 0;
+
+void ConnectCamera() noexcept
+{
+    if (Imaging::Callback() != nullptr) {
+        const HRESULT result = Imaging::Callback()->ImageEventCallback(nullptr, nullptr, cameraName,
+                                                                       nullptr, 0, nullptr, nullptr, 0);
+        if (result != S_OK) {
+            Journal::AddNumber(L"the event is answered", result);
+        }
+    }
+}
+
+BOOL TakeMessage(MSG* message, HWND, UINT, UINT) noexcept
+{
+    if (events++ == kEvents) {
+        return FALSE;
+    }
+    if (running == Tracker::Wia) {
+        ConnectCamera();
+        message->message = WM_NULL;
+    } else {
+        Imaging::PlugCamera(true);
+        message->message = WM_DEVICECHANGE;
+        message->wParam = DBT_DEVNODES_CHANGED;
+    }
+    return TRUE;
+}
+
+class ImagingAct final : public Act
+{
+public:
+    ImagingAct(Machine& where, Tracker which) : machine(where), tracker(which) {}
+
+    void Prepare() override
+    {
+        machine.Restore();
+        running = tracker;
+        events = 0;
+        Imaging::PlugCamera(false);
+    }
+
+    void Run() override
+    {
+        const Armed armed;
+        Trackers::Run(tracker);
+    }
+
+    void ShowResults() override { Imaging::ShowReferences(); }
+
+private:
+    Machine& machine;
+    Tracker tracker;
+};
+
+class ImagingFaults : public testing::Test
+{
+protected:
+    ImagingFaults()
+    {
+        cameraName = ::SysAllocString(kCamera);
+        PutText(HKEY_LOCAL_MACHINE,
+                std::wstring(L"SYSTEM\\CurrentControlSet\\Control\\Class\\") + kCamera + L"\\DeviceData",
+                L"TwainDS", kTwainSource);
+    }
+    ~ImagingFaults() override { ::SysFreeString(cameraName); }
+
+    void SweepBoth(const char* name, Tracker tracker)
+    {
+        const Scene scene = {name,
+                             [this, tracker] {
+                                 return std::make_unique<ImagingAct>(machine, tracker);
+                             },
+                             machine.Folder()};
+        SweepFaults(scene);
+        SweepAllocations(scene);
+    }
+
+    Machine machine;
+    Imaging imaging;
+    ImportPatch get{"GetMessageW", reinterpret_cast<void*>(&TakeMessage)};
+    Trackers trackers;
+    CallGate gate{ModuleUnderTest(), LetCallGoOn};
+};
+
+TEST_F(ImagingFaults, OfAConnectEvent)
+{
+    SweepBoth("wia", Tracker::Wia);
+}
+
+TEST_F(ImagingFaults, OfAStillImageDevice)
+{
+    SweepBoth("still_image", Tracker::StillImage);
+}
+
+} // namespace
+} // namespace kestraboot::tests

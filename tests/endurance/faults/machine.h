@@ -1,0 +1,54 @@
+// The machine that the library sees in a sweep: an application whose proxy is the running program, a
+// second application, the legacy organiser, other processes, no time that passes. Nothing of it takes
+// memory while the product runs, so that there may be none.
+#pragma once
+
+#include "tests/support/import_patch.h"
+#include "tests/support/registry_sandbox.h"
+#include "tests/support/temp_folder.h"
+
+#include <windows.h>
+
+#include <string>
+
+namespace kestraboot::tests
+{
+
+/// Gates and steers the library while it lives. One at a time.
+class Machine
+{
+public:
+    Machine();
+    Machine(const Machine&) = delete;
+    Machine& operator=(const Machine&) = delete;
+    ~Machine();
+
+    /// Puts registry, folders and processes as they are at the start.
+    void Restore();
+
+    /// Writes into the journal what is stored otherwise than at the start.
+    void ShowStored() const;
+
+    [[nodiscard]] const std::wstring& Folder() const noexcept { return folder; }
+
+    /// Uninstalls both applications; the organiser stays.
+    void RemoveApplications() const;
+
+    /// The file by which the maker of the machine stops the install.
+    void PutOemFile() const;
+
+private:
+    TempFolder files;
+    std::wstring folder;
+    RegistrySandbox registry;
+    struct Patches;
+    Patches* patches;
+};
+
+/// Closes the claim that TakeControl leaves open; says in the journal whether there is one.
+void CloseClaim();
+
+/// What the library answers as its version of Windows: Windows XP.
+BOOL WINAPI AnswerXp(OSVERSIONINFOW* version) noexcept;
+
+} // namespace kestraboot::tests

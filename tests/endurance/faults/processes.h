@@ -1,0 +1,26 @@
+// The processes that the library sees: the running program (some application's proxy), another instance
+// of it with a boot window, and a program that has nothing to do with it.
+#pragma once
+
+#include "tests/support/import_patch.h"
+
+#include <windows.h>
+
+#include <string>
+
+namespace kestraboot::tests
+{
+
+void SetRunningProgram(const std::wstring& path);
+void RestartProcesses() noexcept;
+
+/// A handle that must be closed, of some process.
+[[nodiscard]] HANDLE OpenSomeProcess() noexcept;
+
+/// Steers the module under test while it lives.
+struct ProcessPatches {
+    ProcessPatches();
+    ImportPatch open, modules, path, snapshot, first, next, end, windows, title, send;
+};
+
+} // namespace kestraboot::tests

@@ -1,0 +1,202 @@
+// The start of the service, and the road from a card to the host's callback: the thread starts, a card
+// arrives, and two more looks find nothing new.
+#include "tests/endurance/faults/armed.h"
+#include "tests/endurance/faults/journal.h"
+#include "tests/endurance/faults/machine.h"
+#include "tests/endurance/faults/sweep.h"
+#include "tests/endurance/faults/trackers.h"
+
+#include <gtest/gtest.h>
+
+#include <cwchar>
+#include <thread>
+
+namespace kestraboot::tests
+{
+namespace
+{
+
+const HANDLE kListing = reinterpret_cast<HANDLE>(std::uintptr_t{0x715});
+constexpr int kLooks = 3;
+
+bool cardIsIn = false;
+bool cardComes = false;
+int looks = 0;
+int openListings = 0;
+bool inPictureFolder = false;
+ULONGLONG now = 0;
+
+DWORD ListDrives() noexcept
+{
+    return 1U << 2 | (cardIsIn ? 1U << 4 : 0U); // C:, and E: with the card
+}
+
+UINT DriveKind(const wchar_t* root) noexcept
+{
+    return root[0] == L'E' ? DRIVE_REMOVABLE : DRIVE_FIXED;
+}
+
+BOOL ReadVolume(const wchar_t* root, wchar_t*, DWORD, DWORD*, DWORD*, DWORD*, wchar_t* fileSystem,
+                DWORD capacity) noexcept
+{
+    if (fileSystem != nullptr) {
+        std::wcsncpy(fileSystem, L"FAT", capacity);
+    }
+    return root[0] == L'E' ? cardIsIn : TRUE;
+}
+
+void Fill(WIN32_FIND_DATAW& entry, const wchar_t* name, DWORD attributes) noexcept
+{
+    entry = {};
+    entry.dwFileAttributes = attributes;
+    std::wcscpy(entry.cFileName, name);
+}
+
+/// E:\notes.txt and E:\DCIM\IMG_1.JPG.
+HANDLE ListFirst(const wchar_t* pattern, WIN32_FIND_DATAW* entry) noexcept
+{
+    inPictureFolder = std::wcsstr(pattern, L"DCIM") != nullptr;
+    Fill(*entry, inPictureFolder ? L"IMG_1.JPG" : L"notes.txt", FILE_ATTRIBUTE_NORMAL);
+    ++openListings;
+    return kListing;
+}
+
+BOOL ListNext(HANDLE, WIN32_FIND_DATAW* entry) noexcept
+{
+    const bool more = !inPictureFolder && std::wcscmp(entry->cFileName, L"notes.txt") == 0;
+    if (more) {
+        Fill(*entry, L"DCIM", FILE_ATTRIBUTE_DIRECTORY);
+    }
+    return more;
+}
+
+BOOL EndListing(HANDLE listing) noexcept
+{
+    openListings -= listing == kListing ? 1 : 0;
+    return listing == kListing;
+}
+
+ULONGLONG Time() noexcept
+{
+    return now += 1000;
+}
+
+BOOL LookForMessage(MSG*, HWND, UINT, UINT, UINT) noexcept
+{
+    cardIsIn = cardComes;
+    return looks++ >= kLooks;
+}
+
+DWORD AwaitAnything(DWORD, const HANDLE*, DWORD, DWORD, DWORD) noexcept
+{
+    return WAIT_TIMEOUT;
+}
+
+BOOL TakeMessage(MSG*, HWND, UINT, UINT) noexcept
+{
+    return FALSE; // the end
+}
+
+template <typename Function>
+void* Address(Function* function)
+{
+    return reinterpret_cast<void*>(function);
+}
+
+struct DrivePatches {
+    ImportPatch drives{"GetLogicalDrives", Address(ListDrives)};
+    ImportPatch kind{"GetDriveTypeW", Address(DriveKind)};
+    ImportPatch volume{"GetVolumeInformationW", Address(ReadVolume)};
+    ImportPatch first{"FindFirstFileW", Address(ListFirst)};
+    ImportPatch next{"FindNextFileW", Address(ListNext)};
+    ImportPatch close{"FindClose", Address(EndListing)};
+    ImportPatch time{"GetTickCount64", Address(Time)};
+    ImportPatch peek{"PeekMessageW", Address(LookForMessage)};
+    ImportPatch wait{"MsgWaitForMultipleObjectsEx", Address(AwaitAnything)};
+    ImportPatch get{"GetMessageW", Address(TakeMessage)};
+};
+
+class CardAct final : public Act
+{
+public:
+    explicit CardAct(Machine& where) : machine(where) {}
+
+    /// Looks without the card: what the tracker knew before is forgotten.
+    void Prepare() override
+    {
+        machine.Restore();
+        std::thread([] {
+            RunTracker(false);
+        }).join();
+        ::UnregisterClassW(L"DeviceDetectWin", ::GetModuleHandleW(nullptr));
+        openListings = 0;
+    }
+
+    void Run() override
+    {
+        const Armed armed;
+        RunTracker(true);
+    }
+
+    void ShowResults() override
+    {
+        if (openListings != 0) {
+            Journal::AddNumber(L"left listings", openListings);
+        }
+        machine.ShowStored();
+    }
+
+private:
+    static void RunTracker(bool withCard)
+    {
+        cardComes = withCard;
+        cardIsIn = false;
+        looks = 0;
+        Trackers::Run(Tracker::Volume);
+    }
+
+    Machine& machine;
+};
+
+class StartAct final : public Act
+{
+public:
+    void Prepare() override {}
+    void Run() override
+    {
+        const Armed armed;
+        StartService();
+    }
+};
+
+class VolumeFaults : public testing::Test
+{
+protected:
+    Machine machine;
+    DrivePatches patches;
+    Trackers trackers;
+    CallGate gate{ModuleUnderTest(), LetCallGoOn};
+};
+
+TEST_F(VolumeFaults, OfACardThatArrives)
+{
+    const Scene scene = {"volume",
+                         [this] {
+                             return std::make_unique<CardAct>(machine);
+                         },
+                         machine.Folder()};
+    SweepFaults(scene);
+    SweepAllocations(scene);
+}
+
+TEST_F(VolumeFaults, OfTheStartOfTheService)
+{
+    const Scene scene = {"start_service", [] {
+                             return std::make_unique<StartAct>();
+                         }};
+    SweepFaults(scene);
+    SweepAllocations(scene);
+}
+
+} // namespace
+} // namespace kestraboot::tests
