@@ -37,6 +37,8 @@ public:
 
     [[nodiscard]] const std::vector<SpawnCall>& Calls() const noexcept { return calls; }
 
+    void Clear() noexcept { calls.clear(); }
+
 private:
     static std::intptr_t Record(int mode, const wchar_t* file, const wchar_t* first, ...);
 

@@ -3,6 +3,7 @@
 #include "tests/support/child_test.h"
 #include "tests/support/guarded_heap.h"
 #include "tests/support/import_patch.h"
+#include "tests/support/watchdog.h"
 
 #include <gtest/gtest.h>
 
@@ -22,6 +23,8 @@ DWORD LongestTest()
     const char* const asked = std::getenv("KESTRABOOT_LONGEST_TEST");
     return (asked != nullptr ? static_cast<DWORD>(std::strtoul(asked, nullptr, 10)) : 60) * 1000;
 }
+
+HANDLE timer = nullptr; // of the test that runs
 
 class Watchdog : public testing::EmptyTestEventListener
 {
@@ -48,7 +51,6 @@ private:
         ::TerminateProcess(::GetCurrentProcess(), 99);
     }
 
-    HANDLE timer = nullptr;
     char name[256] = {};
 };
 
@@ -74,6 +76,11 @@ std::unique_ptr<kestraboot::tests::ImportPatch> KeepRunning()
 }
 
 } // namespace
+
+void kestraboot::tests::RestartWatchdog()
+{
+    ::ChangeTimerQueueTimer(nullptr, timer, LongestTest(), 0);
+}
 
 int main(int argc, char** argv)
 {

@@ -1,0 +1,21 @@
+// Tests of many made-up cases, each checked against a plain model of what must come out.
+#pragma once
+
+#include "tests/endurance/fuzz/random.h"
+
+#include <functional>
+
+namespace kestraboot::fuzz
+{
+
+/// Makes and checks one case; it must start from scratch, so that its seed alone brings it back.
+using Case = std::function<void(Random&)>;
+
+/// Runs `usual` cases from a fresh seed, up to the first that fails, and says how to run that one alone.
+///
+/// KESTRABOOT_FUZZ_SEED names the seed of the first case (each later one has the next number),
+/// KESTRABOOT_FUZZ_CASES another number of cases. A test whose cases are dear runs the `share`th part
+/// of those.
+void Fuzz(long usual, const Case& oneCase, long share = 1);
+
+} // namespace kestraboot::fuzz
