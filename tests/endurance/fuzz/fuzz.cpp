@@ -38,15 +38,15 @@ bool Passes(std::uint64_t seed, const Case& oneCase)
 
 } // namespace
 
-void Fuzz(long usual, const Case& oneCase, long share)
+void Fuzz(Cases cases, const Case& oneCase)
 {
     const std::uint64_t first = Number("KESTRABOOT_FUZZ_SEED").value_or(std::random_device()());
     const std::optional<std::uint64_t> asked = Number("KESTRABOOT_FUZZ_CASES");
-    const long cases = asked ? std::max(1L, static_cast<long>(*asked) / share) : usual;
+    const long count = asked ? std::max(1L, static_cast<long>(*asked) / cases.share) : cases.usual;
 
     const ULONGLONG start = ::GetTickCount64();
     ULONGLONG restarted = start;
-    for (long i = 0; i < cases; ++i) {
+    for (long i = 0; i < count; ++i) {
         const std::uint64_t seed = first + static_cast<std::uint64_t>(i);
         if (!Passes(seed, oneCase)) {
             ADD_FAILURE() << "case " << i << " of seed " << first
@@ -60,8 +60,8 @@ void Fuzz(long usual, const Case& oneCase, long share)
         }
     }
     const ULONGLONG taken = std::max(1ULL, ::GetTickCount64() - start);
-    std::printf("%ld cases from seed %llu, %llu a second\n", cases, first,
-                static_cast<unsigned long long>(cases) * 1000 / taken);
+    std::printf("%ld cases from seed %llu, %llu a second\n", count, first,
+                static_cast<unsigned long long>(count) * 1000 / taken);
     std::fflush(stdout);
 }
 

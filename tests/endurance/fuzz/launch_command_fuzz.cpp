@@ -59,7 +59,7 @@ std::wstring AnyType(Random& random)
 
 TEST_F(LaunchFuzz, AnApplicationGetsExactlyTheComposedCommandLine)
 {
-    Fuzz(8'000, [&](Random& random) {
+    Fuzz({.usual = 8'000}, [&](Random& random) {
         recorder.Reset(AnyMachine(random));
         std::wstring path = AnyPath(random);
         std::wstring mode = random.Chance(60)   ? random.Pick({L"direct", L"select"})
@@ -79,7 +79,7 @@ TEST_F(LaunchFuzz, AnApplicationGetsExactlyTheComposedCommandLine)
 
 TEST_F(LaunchFuzz, TheOrganisersProxyGetsTheMarkedIdentifier)
 {
-    Fuzz(4'000, [&](Random& random) {
+    Fuzz({.usual = 4'000}, [&](Random& random) {
         recorder.Reset(AnyMachine(random));
         std::wstring path = AnyPath(random);
         std::wstring type = AnyType(random);
