@@ -1,0 +1,33 @@
+#pragma once
+
+#include "tests/support/temp_folder.h"
+
+#include <functional>
+#include <string>
+
+namespace kestraboot::fuzz
+{
+
+/// Catches what is written to standard output while an operation runs; made once for many operations.
+class StandardOutput
+{
+public:
+    StandardOutput();
+    StandardOutput(const StandardOutput&) = delete;
+    StandardOutput& operator=(const StandardOutput&) = delete;
+    ~StandardOutput();
+
+    /// Narrow, with bare line feeds; also after an exception of the operation, by the next call of
+    /// Taken.
+    void During(const std::function<void()>& operation);
+
+    /// What was written since the last call.
+    [[nodiscard]] std::string Taken();
+
+private:
+    tests::TempFolder folder;
+    int caught;
+    int real;
+};
+
+} // namespace kestraboot::fuzz

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "tests/endurance/fuzz/control_model.h"
+#include "tests/endurance/fuzz/launch_recorder.h"
+#include "tests/support/registry_sandbox.h"
+
+#include <psapi.h>
+
+namespace kestraboot::fuzz
+{
+
+/// Lets a process that runs from anywhere take control, with a claim that no other process sees.
+class SteeredControl
+{
+public:
+    SteeredControl();
+
+    void Become(const Surroundings& wanted);
+    [[nodiscard]] Control Take();
+
+    Surroundings surroundings;
+    std::wstring folder; ///< that was made current, where that is steered
+
+private:
+    HANDLE Claim() const;
+
+    bool closed = false;
+    bool installed = false;
+    tests::RegistrySandbox sandbox;
+    LaunchRecorder recorder;
+    FAKE_IMPORT(CreateMutexW) mutex;
+    FAKE_IMPORT(CloseHandle) close;
+    FAKE_IMPORT(K32GetModuleFileNameExW) moduleName;
+};
+
+} // namespace kestraboot::fuzz
