@@ -21,6 +21,8 @@ public:
 
     [[nodiscard]] const std::vector<Event>& All() const noexcept { return events; }
 
+    void Clear() noexcept { events.clear(); }
+
 private:
     static void Record(std::wstring& kind, std::wstring& deviceId);
     static inline RecordedEvents* active = nullptr;

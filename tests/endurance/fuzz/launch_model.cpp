@@ -26,19 +26,6 @@ std::wstring Joined(const std::vector<std::wstring>& words)
     return line;
 }
 
-int VersionClass(const Machine& machine)
-{
-    if (machine.failingForms == 2 || machine.platform != 2) {
-        return 0;
-    }
-    if (machine.major == 5) {
-        return machine.minor == 1 ? 1 : machine.minor == 0 ? 2 : 0;
-    }
-    // Without the extended form nobody says that this is a workstation.
-    const bool workstation = machine.failingForms == 0 && machine.product == 1;
-    return machine.major == 6 && machine.minor == 0 && workstation ? 3 : 0;
-}
-
 bool SameWord(const std::wstring& left, const wchar_t* lower)
 {
     std::wstring lowered = left;
@@ -51,6 +38,19 @@ bool SameWord(const std::wstring& left, const wchar_t* lower)
 }
 
 } // namespace
+
+int VersionClass(const Machine& machine)
+{
+    if (machine.failingForms == 2 || machine.platform != 2) {
+        return 0;
+    }
+    if (machine.major == 5) {
+        return machine.minor == 1 ? 1 : machine.minor == 0 ? 2 : 0;
+    }
+    // Without the extended form nobody says that this is a workstation.
+    const bool workstation = machine.failingForms == 0 && machine.product == 1;
+    return machine.major == 6 && machine.minor == 0 && workstation ? 3 : 0;
+}
 
 void PrintTo(const Launched& launched, std::ostream* out)
 {

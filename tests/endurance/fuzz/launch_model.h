@@ -22,6 +22,9 @@ struct Machine {
     bool inConsoleSession = true;
 };
 
+/// 1 Windows XP, 2 Windows 2000, 3 Windows Vista of a workstation, 0 anything else.
+[[nodiscard]] int VersionClass(const Machine& machine);
+
 /// What can be seen of a launch.
 struct Launched {
     std::vector<tests::SpawnCall> starts;
