@@ -174,9 +174,10 @@ std::vector<formatInfo_tag> ApplicationModel::SupportedFormats()
 
 std::optional<appInfo_tag> ApplicationModel::Organiser()
 {
-    const auto folder =
-        TextOf(world.machine.Find(L"SOFTWARE\\Corvane\\Vellumry\\3.0\\Organizer\\ApplicationPath"), L"");
-    if (!folder) {
+    const HiveKey* const key =
+        world.machine.Find(L"SOFTWARE\\Corvane\\Vellumry\\3.0\\Organizer\\ApplicationPath");
+    const auto folder = TextOf(key, L"");
+    if (!folder || key->Value(L"")->bytes.empty()) { // a value without any byte is no folder
         return std::nullopt;
     }
     const std::wstring action =

@@ -57,7 +57,7 @@ Launched ModelOfOwnLaunch(World& world, const Machine& machine, const std::wstri
 TEST(LaunchChoiceFuzz, StartsTheDefaultOrOwnApplicationInTheModeOfTheModel)
 {
     SteeredWorld steered;
-    Fuzz({.usual = 250, .share = 10}, [&](Random& random) {
+    Fuzz({.usual = 200, .share = 10}, [&](Random& random) {
         World world = random.Chance(80) ? SoundWorld(random) : AnyWorld(random);
         const Machine machine = random.Chance(30) ? AnyMachine(random) : Machine();
         steered.Become(world, machine);

@@ -154,7 +154,7 @@ private:
 TEST(RegistryFuzz, ApplicationsAreLoadedQueriedAndChangedAsTheModelSays)
 {
     SteeredWorld steered;
-    Fuzz({.usual = 200, .share = 10}, [&](Random& random) {
+    Fuzz({.usual = 150, .share = 10}, [&](Random& random) {
         World world = AnyWorld(random);
         steered.Become(world, {});
         Comparison comparison(steered, world);

@@ -111,7 +111,7 @@ TEST(StillImageFuzz, TheFirstNewDeviceOfAChangeIsReportedAsTheModelSays)
     LaunchRecorder recorder;
     tests::RecordedEvents events;
     ASSERT_TRUE(SUCCEEDED(::CoInitialize(nullptr))); // entering it again is cheap then
-    Fuzz({.usual = 600, .share = 10}, [&](Random& random) {
+    Fuzz({.usual = 300, .share = 10}, [&](Random& random) {
         const std::vector<std::wstring> names = AnyNames(random);
         StillWorld world = AnyStillWorld(random, names);
         Empty(HKEY_LOCAL_MACHINE);

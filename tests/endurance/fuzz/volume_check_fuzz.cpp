@@ -105,7 +105,7 @@ TEST(VolumeCheckFuzz, ReportsAVolumeWhereTheModelDoes)
             folders.Become(root, volume.contents[attempts]);
         }
     });
-    Fuzz({.usual = 120, .share = 20}, [&](Random& random) {
+    Fuzz({.usual = 80, .share = 20}, [&](Random& random) {
         World world;
         do {
             world = SoundWorld(random);
