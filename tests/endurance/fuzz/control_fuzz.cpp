@@ -104,7 +104,7 @@ TEST(ControlFuzz, IsTakenOrNotAsTheModelSays)
 {
     SteeredControl steered;
     const SteeredFolder folder(steered);
-    Fuzz({.usual = 1'000}, [&](Random& random) {
+    Fuzz({.usual = 8'000}, [&](Random& random) {
         Surroundings surroundings;
         surroundings.claimCreated = random.Chance(95);
         surroundings.claimExisted = random.Chance(5);

@@ -56,8 +56,8 @@ Launched ModelOfOwnLaunch(World& world, const Machine& machine, const std::wstri
 
 TEST(LaunchChoiceFuzz, StartsTheDefaultOrOwnApplicationInTheModeOfTheModel)
 {
-    SteeredWorld steered;
-    Fuzz({.usual = 200, .share = 10}, [&](Random& random) {
+    SteeredWorld steered(Keys::InMemory);
+    Fuzz({.usual = 3'000}, [&](Random& random) {
         World world = random.Chance(80) ? SoundWorld(random) : AnyWorld(random);
         const Machine machine = random.Chance(30) ? AnyMachine(random) : Machine();
         steered.Become(world, machine);

@@ -18,6 +18,11 @@ SteeredControl::SteeredControl()
           closed = true;
           return TRUE;
       }),
+      modules([](HANDLE, HMODULE* first, DWORD, DWORD* needed) -> BOOL {
+          *first = nullptr;
+          *needed = sizeof *first;
+          return TRUE;
+      }),
       moduleName([this](HANDLE, HMODULE, wchar_t* path, DWORD room) -> DWORD {
           return static_cast<DWORD>(surroundings.executable.copy(path, room));
       })
@@ -30,14 +35,11 @@ void SteeredControl::Become(const Surroundings& wanted)
     closed = false;
     folder.clear();
     recorder.Reset({});
-    if (wanted.organiserInstalled != installed) {
-        installed = wanted.organiserInstalled;
-        if (installed) {
-            tests::RegisterOrganiser(L"C:\\Legacy");
-        } else {
-            tests::RemoveKey(HKEY_LOCAL_MACHINE, tests::kOrganiserKey);
-        }
+    Hive machine;
+    if (wanted.organiserInstalled) {
+        machine.Make(tests::kOrganiserKey).PutText(L"", L"C:\\Legacy");
     }
+    registry.Become(machine, {});
 }
 
 Control SteeredControl::Take()

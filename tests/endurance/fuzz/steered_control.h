@@ -1,8 +1,8 @@
 #pragma once
 
 #include "tests/endurance/fuzz/control_model.h"
+#include "tests/endurance/fuzz/hive_registry.h"
 #include "tests/endurance/fuzz/launch_recorder.h"
-#include "tests/support/registry_sandbox.h"
 
 #include <psapi.h>
 
@@ -25,11 +25,11 @@ private:
     HANDLE Claim() const;
 
     bool closed = false;
-    bool installed = false;
-    tests::RegistrySandbox sandbox;
+    HiveRegistry registry;
     LaunchRecorder recorder;
     FAKE_IMPORT(CreateMutexW) mutex;
     FAKE_IMPORT(CloseHandle) close;
+    FAKE_IMPORT(K32EnumProcessModules) modules;
     FAKE_IMPORT(K32GetModuleFileNameExW) moduleName;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/endurance/fuzz/application_model.h"
+#include "tests/endurance/fuzz/hive_registry.h"
 #include "tests/endurance/fuzz/launch_recorder.h"
 #include "tests/support/registry_sandbox.h"
 
@@ -10,21 +11,32 @@
 namespace kestraboot::fuzz
 {
 
-/// Puts worlds in the place of this machine, one after another: the registry for real, files and the
-/// running executable as Windows would tell. An end of the process is thrown as ProcessEnded.
+enum class Keys { Real, InMemory };
+
+/// Puts worlds in the place of this machine, one after another: the registry, files and the running
+/// executable as Windows would tell. An end of the process is thrown as ProcessEnded.
 class SteeredWorld
 {
 public:
-    SteeredWorld();
+    explicit SteeredWorld(Keys keys);
 
     void Become(const World& wanted, const Machine& runningOn);
+
+    /// All that is stored now, a line each.
+    [[nodiscard]] std::vector<std::wstring> MachineLines() const;
+    [[nodiscard]] std::vector<std::wstring> UserLines() const;
+
+    /// Keys that were opened and not closed, where they are in memory.
+    [[nodiscard]] std::size_t OpenKeys() const { return registry ? registry->OpenKeys() : 0; }
 
     LaunchRecorder recorder;
 
 private:
     const World* world = nullptr;
-    tests::RegistrySandbox sandbox;
+    std::optional<tests::RegistrySandbox> sandbox; ///< either this
+    std::optional<HiveRegistry> registry;          ///< or this
     FAKE_IMPORT(PathFileExistsW) exists;
+    FAKE_IMPORT(K32EnumProcessModules) modules;
     FAKE_IMPORT(K32GetModuleFileNameExW) moduleName;
     FAKE_IMPORT(ExitProcess) exit;
 };

@@ -2,12 +2,12 @@
 // registry and the TWAIN source manager answer.
 #include "foundation/com_pointer.h"
 #include "tests/endurance/fuzz/fuzz.h"
+#include "tests/endurance/fuzz/hive_registry.h"
 #include "tests/endurance/fuzz/launch_recorder.h"
 #include "tests/endurance/fuzz/steered_still_imaging.h"
 #include "tests/endurance/fuzz/value_generator.h"
 #include "tests/endurance/fuzz/wia_generator.h"
 #include "tests/support/recorded_events.h"
-#include "tests/support/registry_sandbox.h"
 #include "trackers/still_image/sti_devices.h"
 #include "trackers/still_image/sti_report.h"
 
@@ -105,17 +105,16 @@ StillWorld AnyStillWorld(Random& random, const std::vector<std::wstring>& names)
 
 TEST(StillImageFuzz, TheFirstNewDeviceOfAChangeIsReportedAsTheModelSays)
 {
-    tests::RegistrySandbox sandbox;
+    HiveRegistry registry;
     SteeredStillImaging steered;
     tests::FakeWiaService wia;
     LaunchRecorder recorder;
     tests::RecordedEvents events;
     ASSERT_TRUE(SUCCEEDED(::CoInitialize(nullptr))); // entering it again is cheap then
-    Fuzz({.usual = 300, .share = 10}, [&](Random& random) {
+    Fuzz({.usual = 4'000}, [&](Random& random) {
         const std::vector<std::wstring> names = AnyNames(random);
         StillWorld world = AnyStillWorld(random, names);
-        Empty(HKEY_LOCAL_MACHINE);
-        world.machine.StoreBelow(HKEY_LOCAL_MACHINE);
+        registry.Become(world.machine, {});
         Become(wia, world.wia);
         steered.Become(world);
         Machine machine;
@@ -142,6 +141,7 @@ TEST(StillImageFuzz, TheFirstNewDeviceOfAChangeIsReportedAsTheModelSays)
             }
         }
         EXPECT_EQ((Reported{events.All(), recorder.trace.Lines()}), model.reported);
+        EXPECT_EQ(registry.OpenKeys(), 0U);
         EXPECT_TRUE(steered.lists.empty());
         EXPECT_EQ(steered.windows, 0);
         EXPECT_EQ(steered.libraries, 0);

@@ -78,7 +78,7 @@ Walked ModelOfCheck(World& world, const std::wstring& root, const Volume& volume
 
 TEST(VolumeCheckFuzz, ReportsAVolumeWhereTheModelDoes)
 {
-    SteeredWorld steered;
+    SteeredWorld steered(Keys::InMemory);
     SteeredFolders folders;
     Volume volume;
     std::size_t attempts = 0;
@@ -105,7 +105,7 @@ TEST(VolumeCheckFuzz, ReportsAVolumeWhereTheModelDoes)
             folders.Become(root, volume.contents[attempts]);
         }
     });
-    Fuzz({.usual = 80, .share = 20}, [&](Random& random) {
+    Fuzz({.usual = 800, .share = 2}, [&](Random& random) {
         World world;
         do {
             world = SoundWorld(random);
