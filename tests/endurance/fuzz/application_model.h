@@ -17,7 +17,7 @@ struct World {
     Hive machine;
     Hive user;
     std::set<std::wstring> files; ///< what exists
-    std::wstring self;            ///< the running executable
+    std::wstring self;            ///< the running executable; empty where the process cannot learn it
 };
 
 /// Thrown in the place of the end of the process, by the model and, where it is steered so, by the

@@ -7,10 +7,10 @@ SteeredWorld::SteeredWorld(Keys keys)
     : exists([this](const wchar_t* path) -> BOOL {
           return world->files.contains(path) ? TRUE : FALSE;
       }),
-      modules([](HANDLE, HMODULE* first, DWORD, DWORD* needed) -> BOOL {
+      modules([this](HANDLE, HMODULE* first, DWORD, DWORD* needed) -> BOOL {
           *first = nullptr;
           *needed = sizeof *first;
-          return TRUE;
+          return world->self.empty() ? FALSE : TRUE; // a process that cannot look into itself
       }),
       moduleName([this](HANDLE, HMODULE, wchar_t* path, DWORD capacity) -> DWORD {
           return static_cast<DWORD>(world->self.copy(path, capacity));

@@ -164,6 +164,9 @@ World Surroundings(Random& random)
     World world;
     world.files.insert(std::begin(kFiles), std::end(kFiles));
     world.self = random.Chance(80) ? random.OtherCase(random.Pick(kFiles)) : L"C:\\other\\boot.exe";
+    if (random.Chance(5)) {
+        world.self.clear();
+    }
     if (random.Chance(80)) {
         HiveKey& run = world.machine.Make(L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run");
         if (random.Chance(60)) {
