@@ -4,8 +4,11 @@
 //
 // Windows hands a debug line to whoever owns the section DBWIN_BUFFER: the writer waits for
 // DBWIN_BUFFER_READY, fills the section (process identifier, then narrow text), and sets
-// DBWIN_DATA_READY. There can be one reader in a session at a time.
+// DBWIN_DATA_READY. There can be one reader in a session at a time. A writer that is ended between the
+// two would keep all others out for good: after a while without a line its turn is given to the next
+// one.
 #include <windows.h>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -14,6 +17,7 @@ namespace
 {
 
 constexpr DWORD kSectionBytes = 4096; // fixed by Windows
+constexpr DWORD kLongestTurn = 500;   // milliseconds
 
 struct DebugRecord {
     DWORD processId;
@@ -73,17 +77,20 @@ int main(int argc, char** argv)
     }
 
     for (::SetEvent(bufferReady);; ::SetEvent(bufferReady)) {
-        DWORD wait = INFINITE;
+        DWORD wait = kLongestTurn;
         if (lifetime != 0) {
             const ULONGLONG passed = ::GetTickCount64() - started;
-            wait = passed < lifetime ? static_cast<DWORD>(lifetime - passed) : 0;
+            if (passed >= lifetime) {
+                return 0;
+            }
+            wait = static_cast<DWORD>(std::min<ULONGLONG>(wait, lifetime - passed));
         }
         switch (::WaitForSingleObject(dataReady, wait)) {
         case WAIT_OBJECT_0:
             Show(*record, started);
             break;
         case WAIT_TIMEOUT:
-            return 0;
+            break;
         default:
             return Fail("wait for debug output");
         }

@@ -11,6 +11,7 @@ namespace
 {
 
 constexpr DWORD kSectionBytes = 4096; // fixed by Windows
+constexpr DWORD kLongestTurn = 500;   // milliseconds
 
 struct DebugRecord {
     DWORD processId;
@@ -50,7 +51,11 @@ void DebugReader::Read()
     const HANDLE events[] = {dataReady, stop};
     for (;;) {
         ::SetEvent(bufferReady);
-        if (::WaitForMultipleObjects(2, events, FALSE, INFINITE) != WAIT_OBJECT_0) {
+        const DWORD woken = ::WaitForMultipleObjects(2, events, FALSE, kLongestTurn);
+        if (woken == WAIT_TIMEOUT) {
+            continue; // a writer that was ended in its turn would keep all others out
+        }
+        if (woken != WAIT_OBJECT_0) {
             break;
         }
         const std::lock_guard lock(mutex);
