@@ -64,7 +64,7 @@ Reported ModelOfWiaConnect(const WiaWorld& wia, const std::optional<std::wstring
 
 bool StillModel::Open(const StillListing& listing)
 {
-    usable = world.library && world.entry && SUCCEEDED(world.create) && !world.createsNothing &&
+    usable = world.loads && world.entry && SUCCEEDED(world.create) && !world.createsNothing &&
              SUCCEEDED(world.initialize);
     const auto listed = usable ? List(listing) : std::nullopt;
     known = listed.value_or(std::vector<Known>());

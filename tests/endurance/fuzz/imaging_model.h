@@ -62,7 +62,7 @@ struct TwainWorld {
 
 /// Still imaging as one tracker thread meets it.
 struct StillWorld {
-    bool library = true;
+    bool loads = true;
     bool entry = true;
     HRESULT create = S_OK;
     bool createsNothing = false;

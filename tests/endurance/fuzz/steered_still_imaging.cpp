@@ -89,7 +89,7 @@ FARPROC Address(Function* function)
 SteeredStillImaging::SteeredStillImaging()
     : load([this](const wchar_t* name) -> HMODULE {
           if (std::wcscmp(name, L"sti.dll") == 0) {
-              return world->library ? kStillImaging : nullptr;
+              return world->loads ? kStillImaging : nullptr;
           }
           if (std::wcscmp(name, L"twain_32.dll") != 0) {
               return load.CallOriginal(name);

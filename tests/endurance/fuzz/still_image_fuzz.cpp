@@ -76,7 +76,7 @@ std::wstring Wide(const std::string& narrow)
 StillWorld AnyStillWorld(Random& random, const std::vector<std::wstring>& names)
 {
     StillWorld world;
-    world.library = random.Chance(97);
+    world.loads = random.Chance(97);
     world.entry = random.Chance(97);
     world.create = random.Chance(96) ? S_OK : random.Pick<HRESULT>({S_FALSE, E_FAIL});
     world.createsNothing = random.Chance(3);
