@@ -28,8 +28,9 @@ endif()
 
 option(KESTRABOOT_HARDENED "Trap undefined behaviour, misuse of the standard library and overruns" OFF)
 if(KESTRABOOT_HARDENED)
+    # COM hands over a GUID where it lies in the packet that brought it, aligned or not.
     target_compile_options(kestraboot_flags INTERFACE
-        -fsanitize=undefined -fsanitize-undefined-trap-on-error -fno-sanitize=vptr -fstack-protector-strong)
+        -fsanitize=undefined -fsanitize-undefined-trap-on-error -fno-sanitize=vptr,alignment -fstack-protector-strong)
     target_compile_definitions(kestraboot_flags INTERFACE _GLIBCXX_ASSERTIONS _FORTIFY_SOURCE=2)
-    target_link_libraries(kestraboot_flags INTERFACE ssp)
+    target_link_libraries(kestraboot_flags INTERFACE -l:libssp.a) # within each binary: programs are copied about
 endif()

@@ -3,9 +3,6 @@
 set(KESTRABOOT_RUNTIME_DLLS)
 if(MINGW)
     set(names libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
-    if(KESTRABOOT_HARDENED)
-        list(APPEND names libssp-0.dll) # the checks of fortified sources
-    endif()
     foreach(name IN LISTS names)
         # The path of a file that the linker would find, or the bare name.
         execute_process(COMMAND ${KESTRABOOT_RUNTIME_FINDER} -print-file-name=${name}

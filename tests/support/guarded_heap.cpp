@@ -18,6 +18,8 @@ namespace
 constexpr std::size_t kPage = 4096;
 constexpr std::size_t kAlignment = 16; // what malloc promises on 64-bit Windows
 constexpr std::size_t kArenaPages = std::size_t{1} << 24;
+/// Each block in use splits the address space; the host of Wine stands 65,530 pieces (vm.max_map_count).
+constexpr long kMostBlocks = 20'000;
 constexpr unsigned char kSlack = 0xA5; ///< between a block and its page's other end
 
 /// What malloc, calloc, realloc and free were before.
@@ -59,10 +61,10 @@ public:
         return address >= start && address < start + kArenaPages * kPage;
     }
 
-    /// Null where no run of pages is free or Windows has no memory.
+    /// Null where no run of pages is free, or too many blocks are in use, or Windows has no memory.
     void* Allocate(std::size_t size) noexcept
     {
-        if (size >= UINT32_MAX) {
+        if (size >= UINT32_MAX || blocks >= kMostBlocks) {
             return nullptr;
         }
         const std::size_t count = PagesFor(size);
@@ -75,6 +77,7 @@ public:
             sizes[first] = 0;
             return nullptr;
         }
+        ::InterlockedIncrement(&blocks);
         sizes[first] = static_cast<std::uint32_t>(size) + 1;
         std::memset(start, kSlack, count * kPage);
         return start + OffsetOf(size);
@@ -97,6 +100,7 @@ public:
         ::AcquireSRWLockExclusive(&lock);
         sizes[first] = 0;
         ::ReleaseSRWLockExclusive(&lock);
+        ::InterlockedDecrement(&blocks);
     }
 
     [[nodiscard]] std::size_t SizeOf(const void* block) const noexcept
@@ -159,6 +163,7 @@ private:
     unsigned char* pages = nullptr;
     std::uint32_t* sizes = nullptr;
     std::size_t next = 1; ///< before the first block lies an inaccessible page too
+    LONG blocks = 0;      ///< in use
     SRWLOCK lock = SRWLOCK_INIT;
 };
 

@@ -132,7 +132,7 @@ constexpr const char* kCannotFail[] = {
     // ole32, user32: messages that are not there, and what nobody answers
     "CoUninitialize", "DefWindowProcW", "DispatchMessageW", "PeekMessageW", "TranslateMessage",
     // msvcrt: text and memory
-    "_wcsicmp", "_wcslwr", "_wcsnicmp", "_wtoi", "memcpy", "memmove", "memset", "strlen", "strncmp", "wcscmp", "wcslen",
+    "_wcsicmp", "_wcslwr", "_wcsnicmp", "_wtoi", "memcmp", "memcpy", "memmove", "memset", "strlen", "strncmp", "wcscmp", "wcslen",
     "wcsncpy", "wcsrchr", "wcsstr",
     // msvcrt: the runtime's own start, end, locale and streams
     "___lc_codepage_func", "___mb_cur_max_func", "__iob_func", "_amsg_exit", "_errno", "_initterm", "_lock", "_unlock",
