@@ -21,7 +21,7 @@ title "Build"
 rm -rf "$demo"
 mkdir -p "$demo"
 cmake --preset release >"$demo/configure.log"
-cmake --build --preset release
+cmake --build --preset release --target demo
 cmake --install build/release --prefix "$package" >/dev/null
 
 title "A Wine prefix of its own"
