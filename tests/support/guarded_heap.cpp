@@ -22,11 +22,12 @@ constexpr std::size_t kArenaPages = std::size_t{1} << 24;
 constexpr long kMostBlocks = 20'000;
 constexpr unsigned char kSlack = 0xA5; ///< between a block and its page's other end
 
-/// What malloc, calloc, realloc and free were before.
+/// What malloc, calloc, realloc, free and _msize were before.
 struct Original {
     void* (*malloc)(std::size_t);
     void (*free)(void*);
     void* (*realloc)(void*, std::size_t);
+    std::size_t (*msize)(void*);
 };
 Original original;
 
@@ -209,6 +210,11 @@ void* Reallocate(void* block, std::size_t size)
     return moved;
 }
 
+std::size_t SizeOfBlock(void* block)
+{
+    return arena->Owns(block) ? arena->SizeOf(block) : original.msize(block);
+}
+
 template <typename Function>
 void FindOriginal(Function& function, const char* name)
 {
@@ -236,6 +242,7 @@ void PatchModule(const wchar_t* name)
     patch("calloc", &AllocateZeroed);
     patch("realloc", &Reallocate);
     patch("free", &Free);
+    patch("_msize", &SizeOfBlock);
     SetModuleUnderTest(before);
 }
 
@@ -254,6 +261,7 @@ void GuardHeapIfAsked()
     FindOriginal(original.malloc, "malloc");
     FindOriginal(original.free, "free");
     FindOriginal(original.realloc, "realloc");
+    FindOriginal(original.msize, "_msize");
     static Arena blocks(side == "start");
     arena = &blocks;
     for (const wchar_t* const module :

@@ -1,7 +1,9 @@
 #include "tests/support/registry_sandbox.h"
 
+#include <algorithm>
 #include <atomic>
 #include <stdexcept>
+#include <vector>
 
 namespace kestraboot::tests
 {
@@ -89,8 +91,11 @@ void PutBytes(HKEY root, const std::wstring& path, const wchar_t* name, DWORD ty
               std::size_t size)
 {
     const Key key(Create(root, path));
-    Require(::RegSetValueExW(key.handle, name, 0, type, static_cast<const BYTE*>(bytes),
-                             static_cast<DWORD>(size)),
+    // Wine looks at the characters before and behind what it is given as text.
+    constexpr std::size_t kMargin = 8;
+    std::vector<BYTE> data(kMargin + size + kMargin, BYTE{'x'});
+    std::copy_n(static_cast<const BYTE*>(bytes), size, data.begin() + kMargin);
+    Require(::RegSetValueExW(key.handle, name, 0, type, data.data() + kMargin, static_cast<DWORD>(size)),
             "RegSetValueExW");
 }
 

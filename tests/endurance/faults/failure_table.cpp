@@ -138,6 +138,8 @@ constexpr const char* kCannotFail[] = {
     "___lc_codepage_func", "___mb_cur_max_func", "__iob_func", "_amsg_exit", "_errno", "_initterm", "_lock", "_unlock",
     "abort", "fwrite", "localeconv", "strerror", "vfprintf",
     "TlsGetValue", "VirtualProtect", "VirtualQuery",
+    // advapi32, msvcrt: the hardened build's own checks of the stack, at the start and where one fails
+    "CryptAcquireContextA", "CryptGenRandom", "CryptReleaseContext", "_close", "_exit", "_open", "_write",
     // msvcrt: memory runs out in the sweep of allocations
     "calloc", "free", "malloc", "realloc",
 };
