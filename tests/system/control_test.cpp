@@ -47,25 +47,19 @@ TEST_F(Control, IsRefusedWhileAnotherInstanceHasIt)
     LegacyOrganiser organiser;
     ChildProcess first(app.Proxy());
     ASSERT_NE(AwaitWindow(first.Id(), kBootTitle), nullptr);
-    ASSERT_TRUE(Within(20'000, [] {
-        return !ReportOf(L"VellumryDeviceConnect").empty();
-    }));
-    RemoveReport(L"VellumryDeviceConnect");
+    EXPECT_TRUE(AwaitOrders(organiser, {"-d"}));
 
     ChildProcess second(app.Proxy());
     EXPECT_EQ(second.ExitCode(), kNotInControl);
     EXPECT_THAT(trace.LinesOf(second.Id()), ElementsAre(kOtherRunning));
     // The second one too stops the legacy organiser's own reaction to devices.
-    EXPECT_TRUE(Within(20'000, [] {
-        return !ReportOf(L"VellumryDeviceConnect").empty();
-    }));
-    EXPECT_NE(ReportOf(L"VellumryDeviceConnect").find("VellumryDeviceConnect.exe\" -d\n"),
-              std::string::npos);
+    EXPECT_TRUE(AwaitOrders(organiser, {"-d", "-d"}));
     EXPECT_TRUE(first.Running());
     Quit(first);
 
     ChildProcess third(app.Proxy());
     Quit(third);
+    EXPECT_TRUE(AwaitOrders(organiser, {"-d", "-d", "-d"}));
 }
 
 TEST_F(Control, IsTakenByExactlyOneOfTwoThatStartAtTheSameMoment)
@@ -170,11 +164,11 @@ TEST_F(Control, TheNextInstanceCanTakeItAfterTheOemFileStoppedOne)
     app.AddOemFile(Section("1"));
     ChildProcess stopped(app.Proxy());
     EXPECT_EQ(stopped.ExitCode(), kNotInControl);
-    EXPECT_EQ(ReportOf(L"VellumryDeviceConnect"), "") << "the organiser keeps its devices on this path";
 
     Installation other(L"Other");
     ChildProcess next(other.Proxy());
     Quit(next);
+    EXPECT_TRUE(AwaitOrders(organiser, {"-d"})) << "only the next one takes the organiser's devices";
 }
 
 TEST_F(Control, TheExecutablesFolderBecomesTheCurrentOne)

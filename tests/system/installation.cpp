@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
 namespace kestraboot::tests
 {
@@ -13,11 +14,19 @@ namespace
 {
 
 constexpr const wchar_t* kRunKey = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run";
+constexpr const wchar_t* kDeviceConnect = L"VellumryDeviceConnect";
 
 std::filesystem::path ReportFile(const std::wstring& program)
 {
     return std::filesystem::path(::_wgetenv(L"LOCALAPPDATA")) / L"Corvane Sample Viewer" /
            (program + L".txt");
+}
+
+/// What viewer.exe under another name (without ".exe") wrote down.
+std::string ReportOf(const std::wstring& program)
+{
+    std::ifstream in(ReportFile(program), std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 void CopyProgram(const std::wstring& built, const std::filesystem::path& to)
@@ -43,7 +52,7 @@ Installation::Installation(const std::wstring& product, const std::wstring& boot
          {L"kestraboot.dll", L"libstdc++-6.dll", L"libgcc_s_seh-1.dll", L"libwinpthread-1.dll"}) {
         CopyProgram(dll, folder.Path() / dll);
     }
-    RemoveReport(Application().stem().wstring());
+    std::filesystem::remove(ReportFile(Application().stem().wstring()));
     Register({KeyPath(), name, Proxy().wstring(), Application().wstring(), L"jpg"});
     MakeKey(HKEY_LOCAL_MACHINE, KeyPath() + L"\\Preferences");
 }
@@ -69,17 +78,6 @@ std::string Installation::Report() const
     return ReportOf(Application().stem().wstring());
 }
 
-std::string ReportOf(const std::wstring& program)
-{
-    std::ifstream in(ReportFile(program), std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-void RemoveReport(const std::wstring& program)
-{
-    std::filesystem::remove(ReportFile(program));
-}
-
 void ClearCorvaneRegistry()
 {
     ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane");
@@ -96,16 +94,28 @@ std::wstring AutoRunEntry()
 
 LegacyOrganiser::LegacyOrganiser()
 {
-    for (const wchar_t* const program : {L"VellumryDeviceConnect", L"VelProxy"}) {
-        CopyProgram(L"viewer.exe", folder.Path() / (std::wstring(program) + L".exe"));
-        RemoveReport(program);
-    }
+    CopyProgram(L"viewer.exe", folder.Path() / (std::wstring(kDeviceConnect) + L".exe"));
     for (const wchar_t* const dll :
          {L"libstdc++-6.dll", L"libgcc_s_seh-1.dll", L"libwinpthread-1.dll"}) {
         CopyProgram(dll, folder.Path() / dll);
     }
     PutText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\Vellumry\\3.0\\Organizer\\ApplicationPath", nullptr,
             folder.Path().wstring());
+}
+
+std::vector<std::string> LegacyOrganiser::Orders() const
+{
+    // The organisers of all tests write into one report.
+    const std::string ownLine =
+        "command line: \"" + (folder.Path() / kDeviceConnect).string() + ".exe\" ";
+    std::vector<std::string> orders;
+    std::istringstream report(ReportOf(kDeviceConnect));
+    for (std::string line; std::getline(report, line);) {
+        if (line.starts_with(ownLine)) {
+            orders.push_back(line.substr(ownLine.size()));
+        }
+    }
+    return orders;
 }
 
 } // namespace kestraboot::tests

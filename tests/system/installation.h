@@ -4,6 +4,8 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace kestraboot::tests
 {
@@ -38,10 +40,6 @@ private:
     std::wstring proxyName;
 };
 
-/// What viewer.exe under another name (without ".exe") wrote down.
-[[nodiscard]] std::string ReportOf(const std::wstring& program);
-void RemoveReport(const std::wstring& program);
-
 /// The folder with the programs of this build.
 [[nodiscard]] std::filesystem::path BuiltPrograms();
 
@@ -50,13 +48,17 @@ void ClearCorvaneRegistry();
 
 [[nodiscard]] std::wstring AutoRunEntry();
 
-/// Installs the legacy organiser: both its programs record their command line as VellumryDeviceConnect
-/// and VelProxy.
+/// The legacy organiser, installed in a folder of its own.
 class LegacyOrganiser
 {
 public:
     LegacyOrganiser();
 
+    /// What its device-connect program was started with so far ("-d", "-i"), in the order of the starts.
+    /// They are detached: one may come long after the program that started it has ended.
+    [[nodiscard]] std::vector<std::string> Orders() const;
+
+private:
     TempFolder folder;
 };
 

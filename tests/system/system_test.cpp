@@ -18,4 +18,19 @@ void SystemTest::Quit(ChildProcess& boot)
     EXPECT_EQ(boot.ExitCode(), kDone);
 }
 
+testing::AssertionResult SystemTest::AwaitOrders(const LegacyOrganiser& organiser,
+                                                 const std::vector<std::string>& orders)
+{
+    if (Within(20'000,
+               [&] {
+                   return organiser.Orders().size() >= orders.size();
+               }) &&
+        organiser.Orders() == orders) {
+        return testing::AssertionSuccess();
+    }
+    return testing::AssertionFailure()
+           << "the organiser was started with " << testing::PrintToString(organiser.Orders()) << ", not "
+           << testing::PrintToString(orders);
+}
+
 } // namespace kestraboot::tests

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace kestraboot::tests
 {
@@ -43,6 +44,10 @@ protected:
 
     /// Asks a boot program to quit, as an uninstall does, and checks that it ends cleanly.
     static void Quit(ChildProcess& boot);
+
+    /// Waits until the legacy organiser was started with exactly these.
+    static testing::AssertionResult AwaitOrders(const LegacyOrganiser& organiser,
+                                                const std::vector<std::string>& orders);
 
     template <typename Condition>
     static bool Within(DWORD milliseconds, Condition reached)

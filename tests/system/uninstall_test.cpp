@@ -124,38 +124,24 @@ TEST_F(Uninstalling, WithNoApplicationButItsOwnGivesDevicesBackToTheOrganiser)
 {
     LegacyOrganiser organiser;
     const auto serving = Serve(app);
-    ASSERT_TRUE(Within(20'000, [] {
-        return !ReportOf(L"VellumryDeviceConnect").empty();
-    }));
-    RemoveReport(L"VellumryDeviceConnect");
+    ASSERT_TRUE(AwaitOrders(organiser, {"-d"}));
     ChildProcess uninstall(app.Proxy(), L"-uninstall"); // still registered
     EXPECT_EQ(uninstall.ExitCode(), kDone);
     EXPECT_THAT(trace.LinesOf(uninstall.Id()), ElementsAre(kUpperCaseLine));
     EXPECT_EQ(AutoRunEntry(), L"(none)");
-    EXPECT_TRUE(Within(20'000, [] {
-        return !ReportOf(L"VellumryDeviceConnect").empty();
-    }));
-    EXPECT_NE(ReportOf(L"VellumryDeviceConnect").find("VellumryDeviceConnect.exe\" -i\n"),
-              std::string::npos);
+    EXPECT_TRUE(AwaitOrders(organiser, {"-d", "-i"}));
 }
 
 TEST_F(Uninstalling, WithAnEmptyRegistryEndsWithTwoLines)
 {
     LegacyOrganiser organiser;
     const auto serving = Serve(app);
-    ASSERT_TRUE(Within(20'000, [] {
-        return !ReportOf(L"VellumryDeviceConnect").empty();
-    }));
-    RemoveReport(L"VellumryDeviceConnect");
+    ASSERT_TRUE(AwaitOrders(organiser, {"-d"}));
     app.Unregister();
     ChildProcess uninstall(app.Proxy(), L"-uninstall");
     EXPECT_EQ(uninstall.ExitCode(), kDone);
     EXPECT_THAT(trace.LinesOf(uninstall.Id()), ElementsAre(kNoneFound, kDeletingRunKey));
-    EXPECT_TRUE(Within(20'000, [] {
-        return !ReportOf(L"VellumryDeviceConnect").empty();
-    }));
-    EXPECT_NE(ReportOf(L"VellumryDeviceConnect").find("VellumryDeviceConnect.exe\" -i\n"),
-              std::string::npos);
+    EXPECT_TRUE(AwaitOrders(organiser, {"-d", "-i"}));
 }
 
 TEST_F(Uninstalling, PassesOverApplicationsWhoseProxyIsGone)

@@ -89,9 +89,10 @@ TEST_F(Soak, OfAllDevicesAtOnceLeavesTheBootProgramAsItWas)
     ASSERT_TRUE(trace.Await(kDetected + "<WiaTracker><WIA devices will be detected>."));
     ASSERT_TRUE(trace.Await(kDetected + "<Phones><Devices will be detected.>"));
 
+    constexpr int kWarmUp = 4; // COM makes threads and connections of its own
     std::vector<ResourceUse> samples;
     const ULONGLONG end = ::GetTickCount64() + static_cast<ULONGLONG>(StormSize(8, 600)) * 1000;
-    for (int round = 0; ::GetTickCount64() < end || round < 8; ++round) {
+    for (int round = 0; ::GetTickCount64() < end || round < kWarmUp + 8; ++round) {
         trace.Clear();
         standIns.Write("sti_devices.txt", {round % 2 == 0 ? "scanner Even" : "scanner Odd"});
         ASSERT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
@@ -112,7 +113,9 @@ TEST_F(Soak, OfAllDevicesAtOnceLeavesTheBootProgramAsItWas)
         ASSERT_NE(::SendMessageTimeoutW(volumes, WM_DEVICECHANGE, DBT_DEVICEREMOVECOMPLETE, 0,
                                         SMTO_NORMAL, 30'000, &answer),
                   0);
-        samples.push_back(ResourceUseOf(boot.Handle()));
+        if (round >= kWarmUp) {
+            samples.push_back(ResourceUseOf(boot.Handle()));
+        }
     }
 
     const std::size_t quarter = samples.size() / 4;

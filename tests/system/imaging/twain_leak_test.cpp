@@ -3,19 +3,14 @@
 #include "tests/support/stand_in_folder.h"
 #include "tests/support/storm_size.h"
 #include "tests/system/imaging/host_process.h"
-#include "tests/system/imaging/resource_use.h"
+#include "tests/system/imaging/leak_check.h"
 
 #include <gtest/gtest.h>
-
-#include <iostream>
 
 namespace kestraboot::tests
 {
 namespace
 {
-
-constexpr long long kBytesOfNoise =
-    1 << 20; // of heaps and stacks that grew once; a tenth of a KB a look-up
 
 TEST(TwainLookUps, LeaveNothingBehind)
 {
@@ -41,16 +36,9 @@ TEST(TwainLookUps, LeaveNothingBehind)
             ASSERT_TRUE(host.WaitForCount("event scanner|\"Fine Scan\"", kAtOnce));
         }
     };
-    lookUp(500); // what is made once
-    const ResourceUse before = ResourceUseOf(host.Handle());
-    lookUp(lookUps);
-    const ResourceUse after = ResourceUseOf(host.Handle());
-    std::cout << lookUps << " TWAIN look-ups: " << before << " -> " << after << "\n";
-    EXPECT_LT(after.handles - before.handles, 10); // a few come and go by themselves
-    EXPECT_EQ(after.windows, before.windows);
-    EXPECT_EQ(after.gdiObjects, before.gdiObjects);
-    EXPECT_EQ(after.userObjects, before.userObjects);
-    EXPECT_LT(after.privateBytes - before.privateBytes, kBytesOfNoise);
+    EXPECT_TRUE(LeavesNothingBehind(host.Handle(), std::to_string(lookUps) + " TWAIN look-ups", [&] {
+        lookUp(lookUps);
+    }));
     ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, home.c_str());
 }
 
