@@ -175,6 +175,13 @@ bool LetCallGoOn(GatedCall& call) noexcept
     return true;
 }
 
+std::optional<std::uint64_t> FailureNow(const char* operation) noexcept
+{
+    std::uint64_t none[4] = {};
+    GatedCall call = {operation, FailuresOf(operation), nullptr, none, nullptr, 0};
+    return LetCallGoOn(call) ? std::nullopt : std::optional(call.result);
+}
+
 Armed::Armed() : windowsBefore(WindowsOfThread()), comBefore(IsInApartment())
 {
     if (plan.allocations) {

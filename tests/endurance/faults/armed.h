@@ -46,6 +46,10 @@ void BeginRun(const Plan& plan);
 /// The gate's decision.
 bool LetCallGoOn(GatedCall& call) noexcept;
 
+/// For an operation that has no import slot, a method or a function from GetProcAddress: its stand-in
+/// asks at its beginning, and answers the failing result where there is one.
+[[nodiscard]] std::optional<std::uint64_t> FailureNow(const char* operation) noexcept;
+
 /// While it lives the calls of this thread are the operation's. At its end it writes into the journal
 /// what the operation left of the thread's windows and COM apartments. Not nested.
 class Armed

@@ -15,6 +15,9 @@ using Work = Failure::Work;
 constexpr std::uint64_t kNull = 0;
 constexpr std::uint64_t kMinusOne = ~std::uint64_t{0}; // also INVALID_HANDLE_VALUE, WAIT_FAILED, WEOF
 
+constexpr std::uint64_t kServerGone = 0x800706BA; // RPC_S_SERVER_UNAVAILABLE
+constexpr std::uint64_t kOutOfMemory = 0x8007000E;
+
 template <typename Value>
 Value* Pointer(const GatedCall& call, std::size_t argument)
 {
@@ -48,7 +51,32 @@ void ClearObject(const GatedCall& call)
 }
 
 // clang-format off
-const std::vector<FunctionFailures>& Table()
+/// These have no failure that a caller could be told of.
+constexpr const char* kCannotFail[] = {
+    // kernel32
+    "AcquireSRWLockExclusive", "DeleteCriticalSection", "EnterCriticalSection", "ExitProcess", "GetCommandLineW",
+    "GetCurrentProcessId", "GetLastError", "GetProcessHeap", "GetTickCount64", "InitializeCriticalSection",
+    "IsDBCSLeadByteEx", "LeaveCriticalSection", "OutputDebugStringW", "ReleaseSRWLockExclusive", "SetErrorMode", "Sleep",
+    // ole32, user32: messages that are not there, and what nobody answers
+    "CoUninitialize", "DefWindowProcW", "DispatchMessageW", "PeekMessageW", "TranslateMessage",
+    // msvcrt: text and memory
+    "_wcsicmp", "_wcslwr", "_wcsnicmp", "_wtoi", "memcmp", "memcpy", "memmove", "memset", "strlen", "strncmp", "wcscmp", "wcslen",
+    "wcsncpy", "wcsrchr", "wcsstr",
+    // msvcrt: the runtime's own start, end, locale and streams
+    "___lc_codepage_func", "___mb_cur_max_func", "__iob_func", "_amsg_exit", "_errno", "_initterm", "_lock", "_unlock",
+    "abort", "fwrite", "localeconv", "strerror", "vfprintf",
+    "TlsGetValue", "VirtualProtect", "VirtualQuery",
+    // advapi32, msvcrt: the hardened build's own checks of the stack, at the start and where one fails
+    "CryptAcquireContextA", "CryptGenRandom", "CryptReleaseContext", "_close", "_exit", "_open", "_write",
+    // msvcrt: memory runs out in the sweep of allocations
+    "calloc", "free", "malloc", "realloc",
+};
+// clang-format on
+
+} // namespace
+
+// clang-format off
+const std::vector<FunctionFailures>& FailureTable()
 {
     static const std::vector<FunctionFailures> table = {
         // advapi32
@@ -119,37 +147,41 @@ const std::vector<FunctionFailures>& Table()
         {"MsgWaitForMultipleObjectsEx", {{"bad handle", kMinusOne, ERROR_INVALID_HANDLE}}},
         {"RegisterClassExW", {{"exists", 0, ERROR_CLASS_ALREADY_EXISTS}, {"no memory", 0, ERROR_NOT_ENOUGH_MEMORY}}},
         {"SendMessageW", {{"denied", 0, ERROR_ACCESS_DENIED}}},
+        // WIA: a service that has gone, and what it answers by itself
+        {"IWiaDevMgr::EnumDeviceInfo", {{"no server", kServerGone}, {"no memory", kOutOfMemory}}},
+        {"IWiaDevMgr::RegisterEventCallbackInterface", {{"no server", kServerGone}, {"denied", 0x80070005}}},
+        {"IEnumWIA_DEV_INFO::Reset", {{"no server", kServerGone}}},
+        {"IEnumWIA_DEV_INFO::Next", {{"no more", 1}, {"no server", kServerGone}}},
+        {"IWiaPropertyStorage::ReadMultiple", {{"no value", 1}, {"no server", kServerGone}, {"no memory", kOutOfMemory}}},
+        // still imaging
+        {"StiCreateInstance", {{"no class", 0x80040154}, {"no memory", kOutOfMemory}}},
+        {"IStillImage::GetDeviceList", {{"no server", kServerGone}, {"no memory", kOutOfMemory}}},
+        // TWAIN: TWRC_FAILURE, TWRC_ENDOFLIST
+        {"DSM_Entry.MSG_OPENDSM", {{"failure", 1}}},
+        {"DSM_Entry.MSG_CLOSEDSM", {{"failure", 1}}},
+        {"DSM_Entry.MSG_GETFIRST", {{"failure", 1}, {"no more", 7}}},
+        {"DSM_Entry.MSG_GETNEXT", {{"failure", 1}, {"no more", 7}}},
+        // device plugins: what the operation gives, it does not give
+        {"FxPluginMain", {{"gives nothing", 0}}},
+        {"IPluginDescriptor::Query.13", {{"gives nothing", 0}}},
+        {"IPluginDescriptor::Query.1", {{"gives nothing", 0}}},
+        {"IPluginDescriptor::GetName", {{"gives nothing", 0}}},
+        {"IPluginDescriptor::GetValue", {{"gives nothing", 0}}},
+        {"IPluginDescriptor::GetIdentifier", {{"gives nothing", 0}}},
+        {"IPluginDescriptor::SetListEntry", {{"gives nothing", 0}}},
+        {"IPluginDescriptor::ShutDown", {{"gives nothing", 0}}},
+        {"ISourceManager::Query.13", {{"gives nothing", 0}}},
+        {"ISourceManager::GetCategory", {{"gives nothing", 0}}},
+        {"ISourceManager::RegisterCallback", {{"gives nothing", 0}}},
+        {"ISourceManager::UnregisterCallback", {{"gives nothing", 0}}},
     };
     return table;
 }
-
-/// These have no failure that a caller could be told of.
-constexpr const char* kCannotFail[] = {
-    // kernel32
-    "AcquireSRWLockExclusive", "DeleteCriticalSection", "EnterCriticalSection", "ExitProcess", "GetCommandLineW",
-    "GetCurrentProcessId", "GetLastError", "GetProcessHeap", "GetTickCount64", "InitializeCriticalSection",
-    "IsDBCSLeadByteEx", "LeaveCriticalSection", "OutputDebugStringW", "ReleaseSRWLockExclusive", "SetErrorMode", "Sleep",
-    // ole32, user32: messages that are not there, and what nobody answers
-    "CoUninitialize", "DefWindowProcW", "DispatchMessageW", "PeekMessageW", "TranslateMessage",
-    // msvcrt: text and memory
-    "_wcsicmp", "_wcslwr", "_wcsnicmp", "_wtoi", "memcmp", "memcpy", "memmove", "memset", "strlen", "strncmp", "wcscmp", "wcslen",
-    "wcsncpy", "wcsrchr", "wcsstr",
-    // msvcrt: the runtime's own start, end, locale and streams
-    "___lc_codepage_func", "___mb_cur_max_func", "__iob_func", "_amsg_exit", "_errno", "_initterm", "_lock", "_unlock",
-    "abort", "fwrite", "localeconv", "strerror", "vfprintf",
-    "TlsGetValue", "VirtualProtect", "VirtualQuery",
-    // advapi32, msvcrt: the hardened build's own checks of the stack, at the start and where one fails
-    "CryptAcquireContextA", "CryptGenRandom", "CryptReleaseContext", "_close", "_exit", "_open", "_write",
-    // msvcrt: memory runs out in the sweep of allocations
-    "calloc", "free", "malloc", "realloc",
-};
 // clang-format on
-
-} // namespace
 
 const FunctionFailures* FailuresOf(std::string_view function)
 {
-    const auto& table = Table();
+    const auto& table = FailureTable();
     const auto known = std::ranges::find(table, function, [](const FunctionFailures& entry) {
         return std::string_view(entry.function);
     });

@@ -1,4 +1,4 @@
-// How each imported function can fail.
+// How each function can fail that the product imports, or gets from an object or a library of others.
 #pragma once
 
 #include "tests/endurance/faults/call_gate.h"
@@ -27,6 +27,9 @@ struct FunctionFailures {
     std::vector<Failure> failures; ///< empty: it cannot fail
     int balance = 0;               ///< 1 takes memory that a function with -1 gives back
 };
+
+/// Every function that can fail.
+[[nodiscard]] const std::vector<FunctionFailures>& FailureTable();
 
 /// Null for a function that the table does not know.
 [[nodiscard]] const FunctionFailures* FailuresOf(std::string_view function);

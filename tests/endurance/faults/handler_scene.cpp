@@ -46,6 +46,7 @@ public:
                                        application.Icon + L' ' + application.Desc;
             Journal::Add(L"has", shown.c_str());
         }
+        Journal::GoOn();
         machine.ShowStored();
         wchar_t folder[MAX_PATH] = {};
         ::GetCurrentDirectoryW(MAX_PATH, folder);

@@ -1,11 +1,12 @@
 // The roads of the WIA and the still-image tracker, from the thread's start to its end: two connect
 // events of a camera, and two changes of the devices, of which the first brings a camera.
 #include "tests/endurance/faults/armed.h"
-#include "tests/endurance/faults/imaging.h"
 #include "tests/endurance/faults/journal.h"
 #include "tests/endurance/faults/machine.h"
+#include "tests/endurance/faults/still_imaging.h"
 #include "tests/endurance/faults/sweep.h"
 #include "tests/endurance/faults/trackers.h"
+#include "tests/endurance/faults/wia_camera.h"
 
 #include <gtest/gtest.h>
 
@@ -24,9 +25,9 @@ int events = 0;
 
 void ConnectCamera() noexcept
 {
-    if (Imaging::Callback() != nullptr) {
-        const HRESULT result = Imaging::Callback()->ImageEventCallback(nullptr, nullptr, cameraName,
-                                                                       nullptr, 0, nullptr, nullptr, 0);
+    if (WiaCamera::Callback() != nullptr) {
+        const HRESULT result = WiaCamera::Callback()->ImageEventCallback(
+            nullptr, nullptr, cameraName, nullptr, 0, nullptr, nullptr, 0);
         if (result != S_OK) {
             Journal::AddNumber(L"the event is answered", result);
         }
@@ -42,7 +43,7 @@ BOOL TakeMessage(MSG* message, HWND, UINT, UINT) noexcept
         ConnectCamera();
         message->message = WM_NULL;
     } else {
-        Imaging::PlugCamera(true);
+        StillImaging::PlugCamera(true);
         message->message = WM_DEVICECHANGE;
         message->wParam = DBT_DEVNODES_CHANGED;
     }
@@ -59,7 +60,7 @@ public:
         machine.Restore();
         running = tracker;
         events = 0;
-        Imaging::PlugCamera(false);
+        StillImaging::PlugCamera(false);
     }
 
     void Run() override
@@ -68,7 +69,11 @@ public:
         Trackers::Run(tracker);
     }
 
-    void ShowResults() override { Imaging::ShowReferences(); }
+    void ShowResults() override
+    {
+        WiaCamera::ShowReferences();
+        StillImaging::ShowReferences();
+    }
 
 private:
     Machine& machine;
@@ -99,7 +104,8 @@ protected:
     }
 
     Machine machine;
-    Imaging imaging;
+    WiaCamera wia;
+    StillImaging stillImaging;
     ImportPatch get{"GetMessageW", reinterpret_cast<void*>(&TakeMessage)};
     Trackers trackers;
     CallGate gate{ModuleUnderTest(), LetCallGoOn};

@@ -29,6 +29,11 @@ void Journal::Stop() noexcept
     stopped = true;
 }
 
+void Journal::GoOn() noexcept
+{
+    stopped = false;
+}
+
 void Journal::Add(const wchar_t* what, const wchar_t* more) noexcept
 {
     if (stopped) {

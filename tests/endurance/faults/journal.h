@@ -21,6 +21,9 @@ public:
     /// Nothing is added from here on: for the rest of a process that has ended.
     static void Stop() noexcept;
 
+    /// For what outlives the process.
+    static void GoOn() noexcept;
+
     /// With every mention of `folder` replaced by "<files>".
     [[nodiscard]] static std::string Text(const std::wstring& folder);
 };

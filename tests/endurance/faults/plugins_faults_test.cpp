@@ -33,6 +33,45 @@ void TellOfAPhone(mox::ICallbackInterface* callback)
     }
 }
 
+/// As the sweep's table names them; null where the host is told of nothing that fails.
+const char* NameOf(Operation operation) noexcept
+{
+    switch (operation) {
+    case Operation::Main:
+        return "FxPluginMain";
+    case Operation::QueryDescriptor:
+        return "IPluginDescriptor::Query.1";
+    case Operation::QuerySource:
+        return "IPluginDescriptor::Query.13";
+    case Operation::GetName:
+        return "IPluginDescriptor::GetName";
+    case Operation::GetValue:
+        return "IPluginDescriptor::GetValue";
+    case Operation::GetIdentifier:
+        return "IPluginDescriptor::GetIdentifier";
+    case Operation::SetListEntry:
+        return "IPluginDescriptor::SetListEntry";
+    case Operation::ShutDown:
+        return "IPluginDescriptor::ShutDown";
+    case Operation::QueryCategory:
+        return "ISourceManager::Query.13";
+    case Operation::GetCategory:
+        return "ISourceManager::GetCategory";
+    case Operation::Register:
+        return "ISourceManager::RegisterCallback";
+    case Operation::Unregister:
+        return "ISourceManager::UnregisterCallback";
+    default:
+        return nullptr;
+    }
+}
+
+bool FailsNow(Operation operation)
+{
+    const char* const name = NameOf(operation);
+    return name != nullptr && FailureNow(name).has_value();
+}
+
 class Stage final : public PluginStage
 {
 public:
@@ -40,6 +79,7 @@ public:
     {
         Behaviour behaviour;
         behaviour.onRegister = TellOfAPhone;
+        behaviour.failsNow = FailsNow;
         return behaviour;
     }
     void Happened(const std::wstring&, Operation operation) override

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <cwchar>
+#include <string>
 #include <thread>
 
 namespace kestraboot::tests
@@ -52,18 +53,21 @@ void Fill(WIN32_FIND_DATAW& entry, const wchar_t* name, DWORD attributes) noexce
     std::wcscpy(entry.cFileName, name);
 }
 
-/// E:\notes.txt and E:\DCIM\IMG_1.JPG.
+/// A name so long that its trace line is cut.
+const std::wstring kNotes = std::wstring(240, L'n') + L".txt";
+
+/// E:\nnn...nnn.txt and E:\DCIM\IMG_1.JPG.
 HANDLE ListFirst(const wchar_t* pattern, WIN32_FIND_DATAW* entry) noexcept
 {
     inPictureFolder = std::wcsstr(pattern, L"DCIM") != nullptr;
-    Fill(*entry, inPictureFolder ? L"IMG_1.JPG" : L"notes.txt", FILE_ATTRIBUTE_NORMAL);
+    Fill(*entry, inPictureFolder ? L"IMG_1.JPG" : kNotes.c_str(), FILE_ATTRIBUTE_NORMAL);
     ++openListings;
     return kListing;
 }
 
 BOOL ListNext(HANDLE, WIN32_FIND_DATAW* entry) noexcept
 {
-    const bool more = !inPictureFolder && std::wcscmp(entry->cFileName, L"notes.txt") == 0;
+    const bool more = !inPictureFolder && entry->cFileName == kNotes;
     if (more) {
         Fill(*entry, L"DCIM", FILE_ATTRIBUTE_DIRECTORY);
     }

@@ -37,6 +37,8 @@ enum class Operation {
 struct Behaviour {
     Operation throws = Operation::None; ///< throws an exception of the plugin's own type
     Operation fails = Operation::None;  ///< gives nothing: null, false, or kFailure
+    /// Whether it gives nothing this time.
+    std::function<bool(Operation)> failsNow = {};
     std::uint32_t category = 1;
     std::uint32_t value = 7;
     std::wstring name = {}; ///< as it is written, whatever its length; empty: the file's name

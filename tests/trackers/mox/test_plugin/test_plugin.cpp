@@ -73,7 +73,7 @@ public:
         if (behaviour.throws == operation) {
             throw PluginError();
         }
-        return behaviour.fails != operation;
+        return behaviour.fails != operation && !(behaviour.failsNow && behaviour.failsNow(operation));
     }
 
     void Count(int change) const

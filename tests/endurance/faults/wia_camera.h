@@ -1,4 +1,4 @@
-// Still imaging, a TWAIN source manager and the WIA service with one camera, in static storage.
+// The WIA service with one camera, in static storage.
 #pragma once
 
 #include "tests/support/import_patch.h"
@@ -9,18 +9,12 @@ namespace kestraboot::tests
 {
 
 inline constexpr const wchar_t* kCamera = L"{6BDD1FC6-810F-11D0-BEC7-08002BE2092F}\\0001";
-inline constexpr const wchar_t* kTwainSource = L"Fine Scan with a long name";
 
-/// Steers the library under test while it lives. One at a time.
-class Imaging
+/// The library under test meets it while it lives. One at a time.
+class WiaCamera
 {
 public:
-    Imaging();
-    Imaging(const Imaging&) = delete;
-    Imaging& operator=(const Imaging&) = delete;
-    ~Imaging();
-
-    static void PlugCamera(bool isIn) noexcept;
+    WiaCamera();
 
     /// The callback that was registered for connect events; null when none is.
     [[nodiscard]] static IWiaEventCallback* Callback() noexcept;
@@ -29,7 +23,7 @@ public:
     static void ShowReferences();
 
 private:
-    ImportPatch create, load, find, free, freeLocal;
+    ImportPatch create, freeValues;
 };
 
 } // namespace kestraboot::tests

@@ -1,7 +1,8 @@
-#include "tests/endurance/faults/imaging.h"
+#include "tests/endurance/faults/still_imaging.h"
 
+#include "tests/endurance/faults/armed.h"
 #include "tests/endurance/faults/journal.h"
-#include "tests/support/wia_objects.h"
+#include "tests/endurance/faults/wia_camera.h"
 #include "trackers/still_image/twain.h"
 
 #include <cstring>
@@ -38,119 +39,9 @@ constexpr twain::TW_UINT16 kEndOfList = 7; // TWRC_ENDOFLIST
 constexpr DWORD kCameraType = 2U << 16;
 
 bool cameraIsIn = false;
-int references = 0; ///< to all objects here
 int twainLoads = 0;
 int deviceLists = 0;
 bool twainIsOpen = false;
-bool listEnded = false;
-IWiaEventCallback* callback = nullptr;
-
-/// An object that is never freed and counts what is held of all of them.
-template <typename Base>
-class Static : public Base
-{
-public:
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** object) noexcept override
-    {
-        *object = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() noexcept override { return static_cast<ULONG>(++references); }
-    ULONG STDMETHODCALLTYPE Release() noexcept override { return static_cast<ULONG>(--references); }
-};
-
-class PlainUnknown : protected IUnknown
-{
-public:
-    virtual ~PlainUnknown() = default;
-};
-
-class Registration final : public Static<PlainUnknown>
-{
-public:
-    ULONG STDMETHODCALLTYPE Release() noexcept override
-    {
-        callback->Release();
-        callback = nullptr;
-        return static_cast<ULONG>(--references);
-    }
-    IUnknown* Given() noexcept
-    {
-        ++references;
-        return this;
-    }
-} registration;
-
-class Storage final : public Static<UnansweredPropertyStorage>
-{
-public:
-    HRESULT STDMETHODCALLTYPE ReadMultiple(ULONG count, const PROPSPEC wanted[],
-                                           PROPVARIANT values[]) noexcept override
-    {
-        for (ULONG i = 0; i < count; ++i) {
-            const bool isId = wanted[i].propid == WIA_DIP_DEV_ID;
-            values[i].vt = isId ? VT_BSTR : VT_I4;
-            if (isId) {
-                values[i].bstrVal = ::SysAllocString(kCamera);
-            } else {
-                values[i].lVal = kCameraType;
-            }
-        }
-        return S_OK;
-    }
-    IWiaPropertyStorage* Given() noexcept
-    {
-        ++references;
-        return this;
-    }
-} storage;
-
-class Enumerator final : public Static<UnansweredDeviceEnumerator>
-{
-public:
-    HRESULT STDMETHODCALLTYPE Reset() noexcept override
-    {
-        listEnded = false;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE Next(ULONG, IWiaPropertyStorage** next, ULONG* fetched) noexcept override
-    {
-        *fetched = listEnded ? 0 : 1;
-        *next = listEnded ? nullptr : storage.Given();
-        const HRESULT result = listEnded ? S_FALSE : S_OK;
-        listEnded = true;
-        return result;
-    }
-    IEnumWIA_DEV_INFO* Given() noexcept
-    {
-        ++references;
-        return this;
-    }
-} enumerator;
-
-class Manager final : public Static<UnansweredDeviceManager>
-{
-public:
-    HRESULT STDMETHODCALLTYPE EnumDeviceInfo(LONG, IEnumWIA_DEV_INFO** created) noexcept override
-    {
-        *created = enumerator.Given();
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE RegisterEventCallbackInterface(LONG, BSTR, const GUID*,
-                                                             IWiaEventCallback* given,
-                                                             IUnknown** registered) noexcept override
-    {
-        callback = given;
-        callback->AddRef();
-        *registered = registration.Given();
-        return S_OK;
-    }
-    IWiaDevMgr* Given() noexcept
-    {
-        ++references;
-        return this;
-    }
-} manager;
 
 class StillImage final : private IStillImageW
 {
@@ -173,6 +64,11 @@ public:
     // clang-format on
     HRESULT STDMETHODCALLTYPE GetDeviceList(DWORD, DWORD, DWORD* count, void** buffer) override
     {
+        *count = 0;
+        *buffer = nullptr;
+        if (const auto failure = FailureNow("IStillImage::GetDeviceList")) {
+            return static_cast<HRESULT>(*failure);
+        }
         *count = cameraIsIn ? 1 : 0;
         auto* const listed =
             static_cast<STI_DEVICE_INFORMATIONW*>(::LocalAlloc(LPTR, sizeof(STI_DEVICE_INFORMATIONW)));
@@ -187,14 +83,35 @@ public:
 
 HRESULT WINAPI CreateStillImage(HINSTANCE, DWORD, IStillImageW** created, IUnknown*) noexcept
 {
+    *created = nullptr;
+    if (const auto failure = FailureNow("StiCreateInstance")) {
+        return static_cast<HRESULT>(*failure);
+    }
     *created = stillImage.Itself();
     return S_OK;
+}
+
+const char* NameOf(twain::TW_UINT16 message) noexcept
+{
+    switch (message) {
+    case twain::MSG_OPENDSM:
+        return "DSM_Entry.MSG_OPENDSM";
+    case twain::MSG_CLOSEDSM:
+        return "DSM_Entry.MSG_CLOSEDSM";
+    case twain::MSG_GETFIRST:
+        return "DSM_Entry.MSG_GETFIRST";
+    default:
+        return "DSM_Entry.MSG_GETNEXT";
+    }
 }
 
 twain::TW_UINT16 WINAPI AskTwain(twain::TW_IDENTITY*, twain::TW_IDENTITY*, twain::TW_UINT32,
                                  twain::TW_UINT16 type, twain::TW_UINT16 message, void* data) noexcept
 {
     using namespace twain;
+    if (const auto failure = FailureNow(NameOf(message))) {
+        return static_cast<TW_UINT16>(*failure);
+    }
     if (type == DAT_PARENT) {
         const bool isWindow = ::IsWindow(*static_cast<HWND*>(data)) != FALSE;
         twainIsOpen = message == MSG_OPENDSM && isWindow;
@@ -208,12 +125,6 @@ twain::TW_UINT16 WINAPI AskTwain(twain::TW_IDENTITY*, twain::TW_IDENTITY*, twain
     }
     std::strcpy(static_cast<TW_IDENTITY*>(data)->ProductName, kSources[next]);
     return TWRC_SUCCESS;
-}
-
-HRESULT WINAPI CreateManager(const CLSID&, IUnknown*, DWORD, const IID&, void** object) noexcept
-{
-    *object = manager.Given();
-    return S_OK;
 }
 
 HMODULE WINAPI Load(const wchar_t* name)
@@ -262,34 +173,24 @@ HLOCAL WINAPI FreeLocal(HLOCAL memory) noexcept
 
 } // namespace
 
-Imaging::Imaging()
-    : create("CoCreateInstance", Address(CreateManager)), load("LoadLibraryW", Address(Load)),
-      find("GetProcAddress", Address(Find)), free("FreeLibrary", Address(Free)),
-      freeLocal("LocalFree", Address(FreeLocal))
+StillImaging::StillImaging()
+    : load("LoadLibraryW", Address(Load)), find("GetProcAddress", Address(Find)),
+      free("FreeLibrary", Address(Free)), freeLocal("LocalFree", Address(FreeLocal))
 {
-    references = twainLoads = deviceLists = 0;
+    twainLoads = deviceLists = 0;
 }
 
-Imaging::~Imaging() = default;
-
-void Imaging::PlugCamera(bool isIn) noexcept
+void StillImaging::PlugCamera(bool isIn) noexcept
 {
     cameraIsIn = isIn;
 }
 
-IWiaEventCallback* Imaging::Callback() noexcept
-{
-    return callback;
-}
-
-void Imaging::ShowReferences()
+void StillImaging::ShowReferences()
 {
     const struct {
         const wchar_t* what;
         int* left;
-    } counts[] = {{L"LEFT references", &references},
-                  {L"LEFT TWAIN loads", &twainLoads},
-                  {L"LEFT device lists", &deviceLists}};
+    } counts[] = {{L"LEFT TWAIN loads", &twainLoads}, {L"LEFT device lists", &deviceLists}};
     for (const auto& count : counts) {
         if (*count.left != 0) {
             Journal::AddNumber(count.what, *count.left);
