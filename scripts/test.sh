@@ -13,6 +13,9 @@ mapfile -t sources < <(find boot foundation include launcher legacy registry sam
 clang-format-14 --dry-run -Werror "${sources[@]}"
 echo "${#sources[@]} files"
 
+stage "Trace table"
+scripts/checks/trace_table.py
+
 stage "Include directions"
 scripts/checks/include_directions.py
 

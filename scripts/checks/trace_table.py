@@ -1,0 +1,133 @@
+#!/usr/bin/env python3
+"""Checks that docs/support.md explains every line that the product writes, and no line that it does not.
+
+Read from the code: the text of each OutputDebugStringW, FormatTraceLine and PrintConsole. Read from the page: the
+first cell of each row of the table whose head begins with "line". A variable part (%ls, %d) is "…" in the page;
+blanks and line ends at either end of a text play no part. A line that the code puts together from pieces stands in
+COMPOSED: its row is compared piece by piece.
+
+usage: trace_table.py [SOURCE-FOLDER]
+"""
+import pathlib
+import re
+import sys
+
+ROOT = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else __file__).resolve()
+ROOT = ROOT if len(sys.argv) > 1 else ROOT.parents[2]
+PAGE = "docs/support.md"
+ROOMS = ["boot", "foundation", "include", "launcher", "legacy", "registry", "service", "trackers"]
+
+# The rows of lines without a text of their own in the code, and the file whose literals hold their pieces.
+COMPOSED = {
+    '"…" module=kestrafetch params mode=… devType=… priDevId="…"': "launcher/launch_command.cpp",
+    '"…" module=kestrafetch params mode=…': "launcher/launch_command.cpp",
+    '"…" -d "…"': "legacy/proxy_launch.cpp",
+}
+
+WRITER = "foundation/trace.cpp"  # the one file that may use what the others must not
+UNKNOWN_WRITERS = re.compile(
+    r"\b(OutputDebugStringA|wcout|wcerr|cout|cerr|v?f?w?printf|f?put(?:w?s|w?c)|WriteConsole[AW]?|MessageBox(?:Ex)?[AW]?)"
+    r"\s*[(<]")
+TOKEN = re.compile(r'//[^\n]*|/\*.*?\*/|L"(?:[^"\\\n]|\\.)*"|"(?:[^"\\\n]|\\.)*"|\'(?:[^\'\\\n]|\\.)+\'', re.DOTALL)
+LITERAL = r'L"(?:[^"\\\n]|\\.)*"'
+LITERALS = re.compile(rf"\s*({LITERAL}(?:\s*{LITERAL})*)\s*([,)+]?)")
+ESCAPES = {"n": "\n", "t": "\t", "\\": "\\", '"': '"', "'": "'"}
+
+
+def without_comments(code: str) -> str:
+    """The same text, line by line, with blanks in the place of comments."""
+    return TOKEN.sub(lambda m: re.sub(r"[^\n]", " ", m[0]) if m[0].startswith(("//", "/*")) else m[0], code)
+
+
+def text_of(literals: str) -> str:
+    joined = "".join(part[2:-1] for part in re.findall(LITERAL, literals))
+    return re.sub(r"\\(.)", lambda m: ESCAPES.get(m[1], m[0]), joined)
+
+
+def as_in_page(text: str) -> str:
+    return re.sub(r"%l?[a-z]", "…", text).strip()
+
+
+def lines_of_code(name: str, code: str, wrong: list[str]) -> list[tuple[str, str]]:
+    """(text as in the page, file:line) of each line that one file writes."""
+    found = []
+    buffers = {"FormatTraceLine": r"\s*[A-Za-z]\w*\s*,", "PrintConsole": "", "OutputDebugStringW": ""}
+    for call in re.finditer(r"(?<![\w:])(?:::)?(FormatTraceLine|PrintConsole|OutputDebugStringW)\s*\(", code):
+        where = f"{name}:{code.count(chr(10), 0, call.start()) + 1}"
+        rest = code[call.end():]
+        if before := re.match(buffers[call[1]], rest):
+            rest = rest[before.end():]
+        literal = LITERALS.match(rest)
+        if literal and literal[2] != "+":
+            found.append((as_in_page(text_of(literal[1])), where))
+        elif call[1] == "OutputDebugStringW":
+            argument = rest.partition(")")[0].strip()
+            buffer = re.search(rf"FormatTraceLine\s*\(\s*{re.escape(argument)}\s*,", code[:call.start()])
+            composed = argument == "line.c_str(" and name in COMPOSED.values()
+            if not buffer and not composed:
+                wrong.append(f"{where}: writes a line whose text this check cannot read: {argument}")
+        elif not re.match(r"\s*\w*\s*(TraceBuffer|const wchar_t)", code[call.end():]):  # no declaration either
+            wrong.append(f"{where}: {call[1]} without a literal text")
+    for other in UNKNOWN_WRITERS.finditer(code):
+        line = code.count("\n", 0, other.start()) + 1
+        wrong.append(f"{name}:{line}: {other[1]} writes past the functions of foundation/trace.h")
+    return found
+
+
+def rows_of_page(page: str) -> list[tuple[str, int]]:
+    """(text, line number) of the first cell of each row of the tables whose head begins with "line"."""
+    rows, in_table = [], False
+    for number, line in enumerate(page.splitlines(), 1):
+        if not line.startswith("|"):
+            in_table = False
+        elif re.match(r"\|\s*line\s*\|", line):
+            in_table = True
+        elif in_table and not re.match(r"\|[\s:|-]+$", line):
+            cell = re.match(r"\|\s*(`+)(.+?)\1\s*(?<!\\)\|", line)
+            rows.append((cell[2].replace("\\|", "|").strip() if cell else line, number))
+    return rows
+
+
+def main() -> int:
+    wrong: list[str] = []
+    written: dict[str, str] = {}
+    literals: dict[str, str] = {}
+    for room in ROOMS:
+        for file in sorted((ROOT / room).rglob("*")):
+            name = file.relative_to(ROOT).as_posix()
+            if file.suffix not in {".h", ".cpp"} or name == WRITER:
+                continue
+            code = without_comments(file.read_text(encoding="utf-8"))
+            for text, where in lines_of_code(name, code, wrong):
+                written.setdefault(text, where)
+            if name in COMPOSED.values():
+                literals[name] = "\n".join(text_of(each) for each in re.findall(LITERAL, code))
+
+    rows = rows_of_page((ROOT / PAGE).read_text(encoding="utf-8"))
+    explained = {text for text, _ in rows}
+    for text, where in written.items():
+        if text not in explained:
+            wrong.append(f"{where}: {PAGE} has no row for this line:\n    {text}")
+    for text, file in COMPOSED.items():
+        if text not in explained:
+            wrong.append(f"{file}: {PAGE} has no row for this line:\n    {text}")
+    seen = set()
+    for text, number in rows:
+        if text in seen:
+            wrong.append(f"{PAGE}:{number}: a second row for this line:\n    {text}")
+        seen.add(text)
+        if text in COMPOSED:
+            pieces = re.findall(r"[\w=-]+", text.replace("…", " "))
+            missing = [piece for piece in pieces if piece not in literals.get(COMPOSED[text], "")]
+            if missing:
+                wrong.append(f"{PAGE}:{number}: {COMPOSED[text]} has no {' '.join(missing)} to write this line:\n    {text}")
+        elif text not in written:
+            wrong.append(f"{PAGE}:{number}: no code writes this line:\n    {text}")
+
+    print(f"trace table: {len(written) + len(COMPOSED)} lines in the code, {len(rows)} rows, {len(wrong)} wrong")
+    print("\n".join(wrong))
+    return 1 if wrong or not written or not rows else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
