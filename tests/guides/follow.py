@@ -1,0 +1,90 @@
+#!/usr/bin/env python3
+"""Follows a guide word for word: writes the files that it shows, runs its commands in order in a fresh folder, and
+looks for the output that it shows.
+
+    ```cpp file=NAME      a file
+    ```sh                 commands; all blocks are one script, which stops at the first failure
+    ```sh prefix          makes a Wine prefix at ~/wine; here that is a copy of the tests' own
+    ```text output        lines that the commands before print, in this order
+    any other block       for the reader alone
+
+usage: follow.py GUIDE SOURCES BUILD PRISTINE-PREFIX SECONDS
+"""
+import os
+import pathlib
+import re
+import shutil
+import signal
+import subprocess
+import sys
+
+BLOCK = re.compile(r"^```(\w+)([^\n]*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
+ENDED = "== end of block"
+
+
+def script_of(guide: str, home: pathlib.Path, pristine: pathlib.Path) -> tuple[str, list[tuple[int, str]]]:
+    """The commands, and (number of the block of commands, output that it shows)."""
+    script, shown, block = ["set -euo pipefail"], [], -1
+    for language, rest, text in BLOCK.findall(guide):
+        words = rest.split()
+        if named := [word[len("file="):] for word in words if word.startswith("file=")]:
+            file = home / named[0]
+            file.parent.mkdir(parents=True, exist_ok=True)
+            file.write_text(text, encoding="utf-8")
+        elif language == "sh":
+            block += 1
+            if "prefix" in words:
+                text = f'. $SRC/scripts/wine.sh\ncp -a --reflink=auto "{pristine}" ~/wine\n'
+            script.append(f"{text}\necho '{ENDED}'")
+        elif language == "text" and "output" in words:
+            shown.append((block, text))
+    return "\n".join(script), shown
+
+
+def missing_line(output: str, shown: str) -> str | None:
+    lines = iter([line.rstrip() for line in output.splitlines()])
+    return next((want for want in shown.splitlines() if want.strip() and want.rstrip() not in lines), None)
+
+
+def main() -> int:
+    guide, sources, build, pristine = (pathlib.Path(each).resolve() for each in sys.argv[1:5])
+    home = build / "guides" / guide.stem
+    shutil.rmtree(home, ignore_errors=True)
+    home.mkdir(parents=True)
+    script, shown = script_of(guide.read_text(encoding="utf-8"), home, pristine)
+    (home / "guide.sh").write_text(script, encoding="utf-8")
+
+    environment = os.environ | {"HOME": str(home), "SRC": str(sources), "BUILD": str(build),
+                                "CXXFLAGS": "-Wall -Wextra -Wpedantic -Werror"}
+    # Into a file: what Wine starts on the way inherits the output and would keep a pipe open.
+    with (home / "guide.out").open("wb") as out:
+        running = subprocess.Popen(["bash", "guide.sh"], cwd=home, env=environment, stdin=subprocess.DEVNULL,
+                                   stdout=out, stderr=subprocess.STDOUT, start_new_session=True)
+        try:
+            status = running.wait(timeout=float(sys.argv[5]))
+        except subprocess.TimeoutExpired:
+            status = -1
+        finally:
+            wine = environment | {"WINEPREFIX": str(home / "wine")}
+            subprocess.run(["timeout", "30", "wineserver", "-k"], env=wine, check=False, stdout=out, stderr=out)
+            try:
+                os.killpg(running.pid, signal.SIGKILL)
+            except ProcessLookupError:
+                pass
+    shutil.rmtree(home / "wine", ignore_errors=True)
+
+    output = (home / "guide.out").read_text(encoding="utf-8", errors="replace")
+    outputs = output.split(ENDED)
+    wrong = [f"the commands end with {status}"] if status != 0 else []
+    for block, text in shown:
+        line = missing_line(outputs[block] if block < len(outputs) else "", text)
+        if line is not None:
+            wrong.append(f"the commands of block {block + 1} do not print: {line}")
+    if not shown:
+        wrong.append("the guide shows no output")
+    print(output, "\n".join(wrong), sep="\n")
+    return 1 if wrong else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
