@@ -16,6 +16,9 @@ echo "${#sources[@]} files"
 stage "Trace table"
 scripts/checks/trace_table.py
 
+stage "Links between the pages"
+scripts/checks/links.py
+
 stage "Include directions"
 scripts/checks/include_directions.py
 
