@@ -24,7 +24,7 @@ public:
     [[nodiscard]] bool Running() const noexcept;
 
     /// Waits for the end. A process that does not end makes the test fail and answers 0xDEAD.
-    DWORD ExitCode(DWORD milliseconds = 60'000);
+    DWORD ExitCode(DWORD milliseconds = 45'000);
 
     /// What it wrote on standard output, after its end.
     [[nodiscard]] std::string Output();
