@@ -19,9 +19,9 @@ class Card : public SystemTest
 protected:
     ~Card() override { static_cast<void>(TakeCardOut(L'E')); }
 
-    void Start(const wchar_t* version = L"vista")
+    void Start()
     {
-        SetWindowsVersion(L"kestraboot.exe", version);
+        SetWindowsVersion(L"kestraboot.exe", L"vista");
         boot = std::make_unique<ChildProcess>(app.Proxy());
         ASSERT_NE(AwaitWindow(boot->Id(), kBootTitle), nullptr);
         window = AwaitWindow(boot->Id(), L"CardReaderLookupWindow");
