@@ -6,5 +6,8 @@
 #elif defined(KESTRABOOT_LINKED_IN) // the objects are part of this very module (the project's own tests)
 #define KESTRABOOT_API
 #else
+#if defined(_GLIBCXX_DEBUG)
+#error "kestraboot: _GLIBCXX_DEBUG gives strings and vectors another layout than the library's"
+#endif
 #define KESTRABOOT_API __declspec(dllimport)
 #endif

@@ -8,3 +8,4 @@
 #include "kestraboot/command_handler.h"     // IWYU pragma: export
 #include "kestraboot/device_connect.h"      // IWYU pragma: export
 #include "kestraboot/information_handler.h" // IWYU pragma: export
+#include "kestraboot/version.h"             // IWYU pragma: export

@@ -1,4 +1,4 @@
-#include "samples/viewer/launch_request.h"
+#include "launch_request.h"
 
 namespace
 {

@@ -1,4 +1,4 @@
-#include "samples/viewer/picture_list.h"
+#include "picture_list.h"
 
 #include <cwchar>
 

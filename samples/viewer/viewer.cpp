@@ -4,8 +4,8 @@
 //
 // An installer registers it as viewer.reg does and puts kestraboot.exe, the library and the runtime
 // beside it.
-#include "samples/viewer/launch_request.h"
-#include "samples/viewer/picture_list.h"
+#include "launch_request.h"
+#include "picture_list.h"
 
 #include <windows.h>
 

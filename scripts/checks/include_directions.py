@@ -22,6 +22,8 @@ MAY_INCLUDE = {
     "samples": {"include"},
     "tools": {"include"},
 }
+# Rooms whose folders are copied out one by one: there a file includes its neighbours by their bare names.
+STAND_ALONE = {"samples"}
 STARTS_TRACKERS = "service/service_start.cpp"
 # What trackers may know of the service.
 SERVICE_FOR_TRACKERS = {"dispatch", "device_kind", "media_sniffer", "volume_file_system", "windows_version"}
@@ -47,6 +49,8 @@ def main() -> int:
             name = file.relative_to(ROOT).as_posix()
             for included in INCLUDE.findall(file.read_text(encoding="utf-8")):
                 target = room_of(included)
+                if room in STAND_ALONE and (file.parent / included).is_file():
+                    continue
                 if target == room_of(name) or target in allowed or (target == "include" and room == "include"):
                     if not (room.startswith("trackers") and target == "service"):
                         continue

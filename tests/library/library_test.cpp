@@ -11,6 +11,7 @@
 
 #include <windows.h>
 
+#include <cstring>
 #include <exception>
 #include <fstream>
 #include <process.h>
@@ -51,9 +52,14 @@ TEST_F(Library, CarriesItsVersion)
     ASSERT_NE(resource, nullptr);
     const auto* const bytes = static_cast<const char*>(::LockResource(::LoadResource(dll, resource)));
     const std::string_view version(bytes, ::SizeofResource(dll, resource));
-    // The fixed part: its signature, its own version, then 1.0.0.0 (verrsrc.h, VS_FIXEDFILEINFO).
-    const std::string fixed("\xBD\x04\xEF\xFE\x00\x00\x01\x00\x00\x00\x01\x00\x00\x00\x00\x00", 16);
-    EXPECT_NE(version.find(fixed), std::string_view::npos);
+    // The fixed part: its signature, its own version, then the library's (verrsrc.h).
+    VS_FIXEDFILEINFO fixed = {};
+    const std::size_t start = version.find("\xBD\x04\xEF\xFE");
+    ASSERT_NE(start, std::string_view::npos);
+    ASSERT_LE(start + sizeof fixed, version.size());
+    std::memcpy(&fixed, version.data() + start, sizeof fixed);
+    EXPECT_EQ(fixed.dwFileVersionMS, DWORD{KESTRABOOT_VERSION_MAJOR << 16 | KESTRABOOT_VERSION_MINOR});
+    EXPECT_EQ(fixed.dwFileVersionLS, DWORD{KESTRABOOT_VERSION_PATCH << 16});
 }
 
 TEST_F(Library, TheFunctionsOfTheServiceHaveTheirPlainNames)

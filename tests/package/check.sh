@@ -1,32 +1,109 @@
 #!/usr/bin/env bash
-# Installs a build into a folder of its own, builds the host in this folder against it, and runs that host from
-# what was installed.  check.sh BUILD-FOLDER SOURCE-FOLDER WINE-PREFIX
+# Packs a build, unpacks the archive, and lets a maker who has nothing else build and run a host, an application and
+# a plugin: a card and a camera arrive, and the application is started for each.
+#   check.sh BUILD-FOLDER SOURCE-FOLDER WINE-PREFIX [TOOL ...]
 set -euo pipefail
 build=$1 source=$2 prefix=$3
+shift 3
 . "$source/scripts/wine.sh"
 
-package=$build/package-check
-rm -rf "$package"
-cmake --install "$build" --prefix "$package/installed" >/dev/null
+work=$build/package-check
+rm -rf "$work"
+mkdir -p "$work"
+log=$work/log
+quietly() { "$@" >"$log" 2>&1 </dev/null || { cat "$log"; echo "failed: $*"; exit 1; }; }
 
-for file in bin/kestraboot.dll bin/kestraboot.exe bin/libstdc++-6.dll bin/libgcc_s_seh-1.dll \
-    bin/libwinpthread-1.dll include/kestraboot/kestraboot.h lib/libkestraboot.dll.a \
-    lib/cmake/kestraboot/kestrabootConfig.cmake; do
-    [ -f "$package/installed/$file" ] || { echo "not installed: $file"; exit 1; }
+# ---- The archive
+quietly cpack --config "$build/CPackConfig.cmake" -B "$work/packed"
+archives=("$work"/packed/*.zip)
+config=$(sed -n 's/^CMAKE_BUILD_TYPE:STRING=//p' "$build/CMakeCache.txt")
+"$source/scripts/checks/package.py" "${archives[0]}" "$source/tests/package/listing.txt" "$source" "$build" \
+    "$config" "$@"
+(cd "$work" && cmake -E tar xf "${archives[0]}")
+unpacked=$work/$(basename "${archives[0]}" .zip)
+
+# ---- The maker's project, and the samples, from the archive alone, in both build types
+cp -r "$source/tests/package/integrator" "$work/integrator"
+cp -r "$unpacked/samples" "$work/samples"
+for project in integrator samples; do
+    quietly cmake -S "$work/$project" -B "$work/$project-build" -G "Ninja Multi-Config" \
+        -DCMAKE_CONFIGURATION_TYPES="Debug;Release" -DCMAKE_TOOLCHAIN_FILE="$work/integrator/mingw.cmake" \
+        -Dkestraboot_DIR="$unpacked/lib/cmake/kestraboot"
 done
-extra=$(cd "$package/installed" && find . -type f | grep -vE '^\./(bin/(kestraboot\.(dll|exe)|lib(stdc\+\+-6|gcc_s_seh-1|winpthread-1)\.dll)|include/kestraboot/[a-z_]+\.h|lib/libkestraboot\.dll\.a|lib/cmake/kestraboot/.*\.cmake)$' || true)
-[ -z "$extra" ] || { echo "installed, but no part of the package: $extra"; exit 1; }
-
-for file in bin/kestraboot.dll bin/kestraboot.exe; do
-    sections=$(x86_64-w64-mingw32-objdump -h "$package/installed/$file")
-    [[ $sections == *.rsrc* ]] || { echo "no version resource in $file"; exit 1; }
+quietly cmake --build "$work/samples-build" --config Debug
+quietly cmake --build "$work/samples-build" --config Release
+for built in boot/%/kestraboot.exe viewer/%/viewer.exe mox_plugin/%/sample_plugin.mox; do
+    for type in Debug Release; do
+        [ -f "$work/samples-build/${built/\%/$type}" ] || { echo "the samples gave no ${built/\%/$type}"; exit 1; }
+    done
 done
 
-cmake -S "$source/tests/package/consumer" -B "$package/build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
-    -DCMAKE_TOOLCHAIN_FILE="$source/cmake/toolchain-mingw-gcc.cmake" \
-    -Dkestraboot_DIR="$package/installed/lib/cmake/kestraboot" >/dev/null
-cmake --build "$package/build"
-cp "$package/build/host.exe" "$package/installed/bin/"
-said=$(wine_run "$prefix" 60 "$package/installed/bin/host.exe" | tr -d '\r')
-echo "the host says: $said"
-[ "$said" = '-install, 0 applications' ]
+# ---- Run where nothing else is
+own=$work/wine
+trap 'wine_prefix_end "$own"; rm -rf "$own"' EXIT
+wine_prefix_copy "$prefix.pristine" "$own"
+wine_prefix_start "$own"
+
+# The boot program of the archive, where it was unpacked: it does not act on this argument.
+status=0
+wine_run "$own" 60 "$unpacked/bin/kestraboot.exe" /install || status=$?
+[ $status = 2 ] || { echo "kestraboot.exe /install answered $status"; exit 1; }
+
+card=$work/card
+mkdir -p "$card/DCIM/100TEST"
+echo picture >"$card/DCIM/100TEST/IMG_0001.JPG"
+
+# within SECONDS COMMAND: until the command succeeds
+within() { local end=$((SECONDS + $1)); shift; until "$@"; do [ $SECONDS -lt $end ] || return 1; sleep 0.1; done; }
+says() { grep -qaF -- "$2" "$1" 2>/dev/null; }
+lines() { [ "$(wc -l 2>/dev/null <"$1")" = "$2" ]; }
+
+for type in Debug Release; do
+    quietly cmake --build "$work/integrator-build" --config $type
+    quietly cmake --install "$work/integrator-build" --config $type --prefix "$work/$type"
+    installed=$work/$type
+    # The plugins of other makers are loaded once the phone manager is there; the sample takes its place.
+    cp "$work/samples-build/mox_plugin/$type/sample_plugin.mox" "$installed/moxplugins/nokiamanager.mox"
+    windows=Z:${installed//\//\\\\}
+    cat >"$work/maker.reg" <<REG
+REGEDIT4
+
+[HKEY_LOCAL_MACHINE\\SOFTWARE\\Corvane\\Maker\\Corvane Kestrafetch]
+"Name"="The maker's"
+"ProxyPath"="$windows\\\\host.exe"
+"CmdLine"="$windows\\\\application.exe"
+
+[HKEY_LOCAL_MACHINE\\SOFTWARE\\Corvane\\Maker\\Corvane Kestrafetch\\File Formats]
+"Image"="jpg"
+
+[HKEY_CURRENT_USER\\Software\\Wine\\AppDefaults\\host.exe]
+"Version"="vista"
+REG
+    quietly wine_run "$own" 60 regedit /S "Z:${work//\//\\}\\maker.reg"
+
+    said=$work/host.$type.txt
+    WINEPREFIX=$own timeout --kill-after=10 150 wine "$installed/host.exe" >"$said" 2>&1 </dev/null &
+    host=$!
+    within 60 says "$said" waiting || { echo "the host did not start:"; cat "$said"; exit 1; }
+    # What is in the reader when the tracker starts is known to it: a card that went in too early goes in again.
+    for try in 1 2 3 4 5; do
+        wine_run "$own" 60 "$build/bin/card_reader.exe" insert E "$card"
+        within 10 says "$said" "arrived: volume E:" && break
+        wine_run "$own" 60 "$build/bin/card_reader.exe" remove E
+    done
+    status=0
+    wait $host || status=$?
+    wine_run "$own" 60 "$build/bin/card_reader.exe" remove E
+    echo "$type:"
+    sed 's/^/    the host: /' "$said"
+    [ $status = 0 ] || { echo "the host ended with $status"; exit 1; }
+    says "$said" ": -install, 1 application(s)"
+
+    started=$installed/started.txt
+    within 60 lines "$started" 2 || { echo "the application was not started twice"; cat "$started"; exit 1; }
+    sed 's/^/    the application: /' "$started"
+    program=$(printf '%s' "$windows" | sed 's/\\\\/\\/g')
+    begin="\"$program\\application.exe\" module=kestrafetch params mode=direct"
+    says "$started" "$begin devType=volume priDevId=\"E:\""
+    says "$started" "$begin devType=camera priDevId=\"The maker's \"own\" camera\""
+done

@@ -1,0 +1,28 @@
+# Asks for the package as a project with another compiler does. The targets are not looked at: a stand-in
+# takes the place of their file.
+set(folder ${CMAKE_CURRENT_BINARY_DIR}/package-compiler/lib/cmake/kestraboot)
+file(MAKE_DIRECTORY ${folder} ${folder}/../../../bin)
+configure_file(${CONFIG} ${folder}/kestrabootConfig.cmake COPYONLY)
+file(WRITE ${folder}/kestrabootTargets.cmake "")
+set(kestraboot_DIR ${folder})
+
+function(ask expected)
+    find_package(kestraboot QUIET ${ARGN})
+    if(kestraboot_FOUND AND NOT expected OR expected AND NOT kestraboot_FOUND)
+        message(FATAL_ERROR "found: ${kestraboot_FOUND}, not ${expected} (${ARGN})")
+    endif()
+    set(said "${kestraboot_NOT_FOUND_MESSAGE}" PARENT_SCOPE)
+endfunction()
+
+set(MINGW 1)
+ask(TRUE)
+ask(TRUE COMPONENTS mox_plugin)
+unset(MINGW)
+set(MSVC 1)
+set(CMAKE_CXX_COMPILER_ID MSVC)
+ask(TRUE COMPONENTS mox_plugin)
+ask(FALSE)
+message(STATUS "${said}")
+if(NOT said MATCHES "must be built with the same compiler family, not with \"MSVC\"")
+    message(FATAL_ERROR "The refusal does not say why.")
+endif()
