@@ -20,6 +20,11 @@ else()
         -Wl,--dynamicbase,--nxcompat,--high-entropy-va -Wl,--fatal-warnings)
 endif()
 
+# GCC for posix threads adds this library by itself. For each target: the tests' libraries need it after them.
+if(MINGW AND CMAKE_CXX_COMPILER_ID STREQUAL Clang)
+    link_libraries(pthread)
+endif()
+
 option(KESTRABOOT_COVERAGE "Count which lines the tests reach" OFF)
 if(KESTRABOOT_COVERAGE)
     target_compile_options(kestraboot_flags INTERFACE --coverage -fprofile-update=atomic)

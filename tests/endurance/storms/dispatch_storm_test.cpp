@@ -64,7 +64,7 @@ void Replacing(std::wstring& kind, std::wstring& deviceId)
 
 TEST(DispatchStorm, LosesNoneRunsOneAtATimeAndKeepsEachThreadsOrder)
 {
-    const int reports = 1'000'000 / kThreads;
+    constexpr int reports = 1'000'000 / kThreads;
     InitializeDispatch();
     seen = {};
     RegisterDeviceConnectCallback(Quiet);
@@ -78,7 +78,7 @@ TEST(DispatchStorm, LosesNoneRunsOneAtATimeAndKeepsEachThreadsOrder)
     });
     std::vector<std::thread> trackers;
     for (int thread = 0; thread < kThreads; ++thread) {
-        trackers.emplace_back([thread, reports] {
+        trackers.emplace_back([thread] {
             for (int number = 0; number < reports; ++number) {
                 std::wstring kind = L"volume";
                 std::wstring deviceId = std::to_wstring(thread) + L':' + std::to_wstring(number);
