@@ -22,6 +22,9 @@ scripts/checks/links.py
 stage "Include directions"
 scripts/checks/include_directions.py
 
+stage "Reference"
+scripts/checks/reference.py
+
 stage "Build"
 cmake --preset release >/dev/null
 cmake --build --preset release

@@ -1,30 +1,58 @@
-// The device-connect service: starts the trackers and hands each qualifying arrival to the host.
+/// @file
+/// The device-connect service: starts the trackers and hands each qualifying arrival to the host.
+///
+/// | kind word | comes from |
+/// |---|---|
+/// | `volume` | the volume tracker: a readable card or drive with a supported file on it; plugins |
+/// | `camera`, `scanner` | the WIA and still-image trackers; plugins |
+/// | `mobile`, `video`, `audio`, `archive`, `unknown` | plugins |
+/// | (empty) | a TWAIN source that is neither camera nor scanner |
 #pragma once
 
 #include "kestraboot/export.h"
 
 #include <string>
 
-/// Receives one arrival.
+/// Receives one arrival: its kind, a word of the table in device_connect.h, and the device's identifier
+/// in the form of the tracker that found it; for a volume its drive, "E:". At most 259 characters where
+/// a device reports it.
 ///
-/// `deviceKind` is one of "volume", "camera", "scanner", "mobile", "video", "audio", "archive",
-/// "unknown" (or empty, for a TWAIN source that is neither camera nor scanner). `deviceId` is the
-/// device's identifier in the form of the tracker that found it; for a volume its drive, "E:".
-/// Both strings belong to the tracker and live for the call only: copy what you keep.
+/// **Ownership.** Both strings belong to the tracker and live for the call only: copy what you keep.
+/// They may be changed; nobody reads them afterwards.
 ///
-/// Runs on a tracker's thread, one call at a time in the whole process; a slow callback holds up
-/// every other report. An exception that it throws is swallowed. It may register another callback.
+/// **Threads.** Runs on a tracker's thread, one call at a time in the whole process; a slow callback
+/// holds up every other report, and no report is dropped for it. Do not wait in it for another report.
+/// It may register another callback. It may use a handler object of its own; one that the main thread
+/// uses needs a lock of the host's.
+///
+/// **Failures.** A C++ exception that it throws is swallowed, and the tracker goes on.
 using DeviceConnectCallback = void (*)(std::wstring& deviceKind, std::wstring& deviceId);
 
 extern "C" {
 
 /// Starts the trackers that suit the running version of Windows, each on a thread of its own, and
-/// returns at once. Call it once in a process: a second call starts a second set of trackers and
-/// renews the lock under the first. There is no stop; the trackers run until the process ends, so
-/// the library must stay loaded. Failures are absorbed: a tracker that cannot start reports nothing.
+/// returns at once: volumes and still-image devices on 5.0, 5.1 and 6.0 workstation, WIA on 5.1 and 6.0
+/// workstation, device plugins everywhere. The version is the one that Windows tells this process.
+///
+/// **Call it once in a process**, after TakeControl(), which sets the folder below which plugins are
+/// looked for: a second call starts a second set of trackers and renews the lock under the first.
+///
+/// **Lifetime.** There is no stop; the trackers run until the process ends, so the library must stay
+/// loaded until then. End the process by `ExitProcess`, so that no destructor runs under a tracker.
+///
+/// **Effects.** The trackers make hidden windows and enter COM on their own threads, load "sti.dll",
+/// "twain_32.dll" and the plugins, and take a look at the files of volumes that arrive. For such a
+/// volume they read "SniffDepth" and the supported formats, and **maintain the order, which can end the
+/// process** (CKestraBootInformationHandler::MaintainOrder()). They start no program.
+///
+/// **Failures** are absorbed: a tracker that cannot start reports nothing. What went wrong stands on the
+/// debugger output.
 KESTRABOOT_API void StartDeviceConnectService();
 
-/// Stores the callback in place of the one before; null unregisters. May be called before or after
-/// the start and from any thread. Arrivals while none is registered are dropped.
+/// Stores the callback in place of the one before. May be called before or after the start, from any
+/// thread and from the callback itself; takes no lock and does not wait: a call of the callback before
+/// that has begun goes on. Arrivals while none is registered are dropped, not kept for later.
+///
+/// @param[in] callback null unregisters
 KESTRABOOT_API void RegisterDeviceConnectCallback(DeviceConnectCallback callback);
 }

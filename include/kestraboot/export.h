@@ -1,6 +1,8 @@
-// How the names of the exported interface are marked for the linker.
+/// @file
+/// How the names of the exported interface are marked for the linker.
 #pragma once
 
+/// Stands before every exported name: imported by a host, exported by the library itself.
 #if defined(KESTRABOOT_BUILDING_LIBRARY)
 #define KESTRABOOT_API __declspec(dllexport)
 #elif defined(KESTRABOOT_LINKED_IN) // the objects are part of this very module (the project's own tests)

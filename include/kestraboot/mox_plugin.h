@@ -1,78 +1,84 @@
-// The plugin kit: all that the author of a device plugin needs. It stands alone (C++11, no other header
-// of this system, no library to link with).
-//
-// A device plugin is a 64-bit DLL with the extension ".mox" in the folder "moxplugins" below the current
-// directory of the boot executable. It exports one function, FxPluginMain, which hands out an object;
-// the object is asked for the two interfaces below, and through them the host finds the plugin's device
-// source and registers a callback. From then on the plugin tells the callback of every device that
-// arrives.
-//
-// What the host does
-//   1. Once a minute until it succeeds: it loads "nokiamanager.mox", makes and releases its source
-//   manager,
-//      shuts it down and unloads it. No other plugin is loaded before that.
-//   2. The scan: it loads every plugin of the folder (LOAD), makes a source manager of each and asks for
-//   its
-//      category, releases them, shuts every plugin down and unloads it. A plugin whose category is 1 is
-//      a device source. Plugins that come later are not seen until the host process starts again.
-//   3. For each device source, on a thread of its own: it loads the plugin again (LOAD), makes a source
-//      manager, registers a callback, and then serves the messages of a hidden window of that thread.
-//      The plugin stays loaded until the process ends.
-//   LOAD is: FxPluginMain; Query for interface 1; GetValue, GetIdentifier, GetName; SetListEntry; both
-//      objects released. A plugin with an identifier that is listed already is released and unloaded
-//      before SetListEntry.
-//   To shut down is: FxPluginMain; Query for interface 1; ShutDown; both objects released; FreeLibrary.
-//   To make a source manager is: FxPluginMain; Query for interface 13; the first object released.
-//   So FxPluginMain is called often, and a plugin may be loaded, shut down and loaded again in one
-//   process.
-//
-// Binary contract
-//   Every object is a pointer to a table of function pointers. The number before each operation is its
-//   position in the table, from 0; operations are never overloaded and there is no virtual destructor,
-//   so MSVC, GCC and Clang lay the tables out alike. 64-bit Windows has one calling convention. Text is
-//   UTF-16 in fixed fields of 260 characters, cut at 259 and terminated by zero.
-//
-// Ownership
-//   Objects are reference counted. Whoever is given an object through an output (FxPluginMain, Query)
-//   owns one reference and releases it. An argument is only lent for the call: a plugin that keeps the
-//   callback adds a reference of its own, and releases it when the callback is unregistered. Memory is
-//   never freed across the boundary: what a plugin is to fill is the caller's.
-//
-// Threads
-//   Until its callback is registered a plugin is called by one thread at a time, though not always by
-//   the same; registering and unregistering happen on the thread of its source. The callback may be
-//   called from any thread and from many at once, from inside RegisterCallback, and under the plugin's
-//   own locks: the host holds no lock of its own while it calls an operation. (A DllMain runs under the
-//   lock of Windows' loader, as everywhere: do nothing there.) The callback may stay busy for as long as
-//   the application takes that is being told. The host waits for a slow plugin; it has no time limit.
-//
-// Failures
-//   Operations answer a status. An exception may leave an operation: the host catches it, takes it as
-//   kException and carries on. (That needs the C++ runtime that the host uses, as a DLL; with another
-//   one, let nothing out.) Better is to let nothing out at all. Host and plugins share one process. What
-//   cannot be contained there: an access violation or any other fault in a plugin, on whatever thread,
-//   ends the whole host, and with it the detection of every other device. So does a write past the
-//   memory that an operation was given, a stack overflow, a call of exit or abort, an exception that
-//   leaves one of the plugin's own threads, the use of an object after its last reference was released,
-//   and code that still runs in the plugin after ShutDown has returned. A call that never returns stops
-//   the thread that made it: in the scan, all detection through plugins.
+/// @file
+/// The plugin kit: all that the author of a device plugin needs. It stands alone (C++11, no other header
+/// of this system, no library to link with).
+///
+/// A device plugin is a 64-bit DLL with the extension ".mox" in the folder "moxplugins" below the
+/// current directory of the boot executable. It exports one function, FxPluginMain(), which hands out an
+/// object; the object is asked for two interfaces, IPluginDescriptor and ISourceManager, and through
+/// them the host finds the plugin's device source and registers a callback. From then on the plugin
+/// tells the callback of every device that arrives.
+///
+/// ### What the host does
+///
+/// 1. Once a minute until it succeeds it loads "nokiamanager.mox", makes and releases its source
+///    manager, shuts it down and unloads it. No other plugin is loaded before that.
+/// 2. The scan: it loads every plugin of the folder, makes a source manager of each and asks for its
+///    category, releases them, shuts every plugin down and unloads it. A plugin whose category is
+///    kDeviceSourceCategory is a device source. Plugins that come later are not seen until the host
+///    process starts again.
+/// 3. For each device source, on a thread of its own, it loads the plugin again, makes a source manager,
+///    registers a callback, and then serves the messages of a hidden window of that thread. The plugin
+///    stays loaded until the process ends.
+///
+/// To *load* is: FxPluginMain; Query for interface 1; GetValue, GetIdentifier, GetName; SetListEntry;
+/// both objects released. A plugin with an identifier that is listed already is released and unloaded
+/// before SetListEntry. To *shut down* is: FxPluginMain; Query for interface 1; ShutDown; both objects
+/// released; FreeLibrary. To *make a source manager* is: FxPluginMain; Query for interface 13; the first
+/// object released. So FxPluginMain is called often, and a plugin may be loaded, shut down and loaded
+/// again in one process.
+///
+/// ### Binary contract
+///
+/// Every object is a pointer to a table of function pointers. The number before each operation is its
+/// position in the table, from 0; operations are never overloaded and there is no virtual destructor, so
+/// MSVC, GCC and Clang lay the tables out alike. 64-bit Windows has one calling convention. Text is
+/// UTF-16 in fixed fields of 260 characters, cut at 259 and terminated by zero.
+///
+/// ### Ownership
+///
+/// Objects are reference counted. Whoever is given an object through an output (FxPluginMain, Query)
+/// owns one reference and releases it. An argument is only lent for the call: a plugin that keeps the
+/// callback adds a reference of its own, and releases it when the callback is unregistered. Memory is
+/// never freed across the boundary: what a plugin is to fill is the caller's.
+///
+/// ### Threads
+///
+/// Until its callback is registered a plugin is called by one thread at a time, though not always by the
+/// same; registering and unregistering happen on the thread of its source. The callback may be called
+/// from any thread and from many at once, from inside RegisterCallback, and under the plugin's own
+/// locks: the host holds no lock of its own while it calls an operation. (A DllMain runs under the lock
+/// of Windows' loader, as everywhere: do nothing there.) The callback may stay busy for as long as the
+/// application takes that is being told. The host waits for a slow plugin; it has no time limit.
+///
+/// ### Failures
+///
+/// Operations answer a status. An exception may leave an operation: the host catches it, takes it as
+/// kException and carries on. (That needs the C++ runtime that the host uses, as a DLL; with another
+/// one, let nothing out.) Better is to let nothing out at all. Host and plugins share one process. What
+/// cannot be contained there: an access violation or any other fault in a plugin, on whatever thread,
+/// ends the whole host, and with it the detection of every other device. So does a write past the memory
+/// that an operation was given, a stack overflow, a call of exit or abort, an exception that leaves one
+/// of the plugin's own threads, the use of an object after its last reference was released, and code
+/// that still runs in the plugin after ShutDown has returned. A call that never returns stops the thread
+/// that made it: in the scan, all detection through plugins.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
+/// What is this system's own and not part of the exported classes.
 namespace kestraboot
 {
+/// The plugin kit.
 namespace mox
 {
 
 // ---- Status codes
-// ------------------------------------------------------------------------------------------
 
 /// What every operation but those of reference counting answers. Anything but kSuccess is a failure.
 typedef std::uint32_t Status;
 
-constexpr Status kSuccess = 0;
+constexpr Status kSuccess = 0;                        ///< done
 constexpr Status kNotListed = 0x40000001u;            ///< no listed plugin has that identifier
 constexpr Status kFailure = 0xC0000002u;              ///< any failure without a code of its own
 constexpr Status kException = 0xC0000005u;            ///< an exception was caught
@@ -83,7 +89,6 @@ constexpr Status kSourceManagerNotOpen = 0xC000000Cu; ///< the plugin is listed,
 constexpr Status kEndOfEnumeration = 0xD0000001u;     ///< every entry was given
 
 // ---- Interface numbers
-// -------------------------------------------------------------------------------------
 
 /// What Query is asked for.
 typedef std::uint32_t InterfaceNumber;
@@ -95,7 +100,6 @@ constexpr InterfaceNumber kEnumSourceManagerNumber = 9; ///< IEnumSourceManager,
 constexpr InterfaceNumber kSourceManagerNumber = 13;    ///< ISourceManager
 
 // ---- Values
-// ------------------------------------------------------------------------------------------------
 
 constexpr std::size_t kFieldLength = 260; ///< characters of a fixed text field, the terminator included
 
@@ -108,8 +112,10 @@ constexpr std::uint32_t kDeviceArrived = 0;
 /// DeviceRecord::mobileReady of a mobile device that can be used now.
 constexpr std::uint32_t kMobileReady = 1;
 
-// DeviceRecord::deviceKind, and the word that reaches the application. 8, 9 and whatever is not in this
-// list are "unknown" too.
+/// @name Kinds of device
+/// DeviceRecord::deviceKind, and the word that reaches the application. 8, 9 and whatever is not in this
+/// list are "unknown" too.
+/// @{
 constexpr std::uint32_t kKindUnknown = 0; ///< "unknown"
 constexpr std::uint32_t kKindCamera = 1;  ///< "camera"
 constexpr std::uint32_t kKindMobile = 2;  ///< "mobile"; reported only while mobileReady is kMobileReady
@@ -118,9 +124,9 @@ constexpr std::uint32_t kKindVideo = 4;   ///< "video"
 constexpr std::uint32_t kKindAudio = 5;   ///< "audio"
 constexpr std::uint32_t kKindVolume = 6;  ///< "volume"
 constexpr std::uint32_t kKindArchive = 7; ///< "archive"
+/// @}
 
 // ---- Records
-// -----------------------------------------------------------------------------------------------
 // Little-endian, without packing: every field lies where its own alignment puts it.
 
 static_assert(sizeof(wchar_t) == 2, "text fields are UTF-16: build for Windows");
@@ -128,10 +134,10 @@ static_assert(sizeof(wchar_t) == 2, "text fields are UTF-16: build for Windows")
 /// Identifies a plugin and its source; laid out like GUID of Windows' guiddef.h. Make one for each
 /// plugin.
 struct Identifier {
-    std::uint32_t data1;
-    std::uint16_t data2;
-    std::uint16_t data3;
-    std::uint8_t data4[8];
+    std::uint32_t data1;   ///< the first group of a GUID's text
+    std::uint16_t data2;   ///< the second
+    std::uint16_t data3;   ///< the third
+    std::uint8_t data4[8]; ///< the other two, in the order in which they are written
 };
 static_assert(sizeof(Identifier) == 16 && alignof(Identifier) == 4, "16 bytes");
 
@@ -160,8 +166,8 @@ struct SourceInfo {
     Identifier identifier;      ///< of the plugin
     std::uint32_t reserved556;  ///< not used
 };
-constexpr std::uint32_t kSourceInfoVersion = 1;
-constexpr std::uint32_t kSourceInfoSize = 560;
+constexpr std::uint32_t kSourceInfoVersion = 1; ///< SourceInfo::version
+constexpr std::uint32_t kSourceInfoSize = 560;  ///< SourceInfo::size, in bytes
 static_assert(sizeof(SourceInfo) == kSourceInfoSize, "560 bytes");
 static_assert(offsetof(SourceInfo, version) == 0, "");
 static_assert(offsetof(SourceInfo, reserved4) == 4, "");
@@ -188,7 +194,7 @@ struct DeviceRecord {
     std::uint32_t mobileReady;      ///< kMobileReady, or the device is not ready; for kKindMobile only
     std::uint32_t reserved3652;     ///< not used
 };
-constexpr std::uint32_t kDeviceRecordSize = 3656;
+constexpr std::uint32_t kDeviceRecordSize = 3656; ///< DeviceRecord::size, in bytes
 static_assert(sizeof(DeviceRecord) == kDeviceRecordSize, "3656 bytes");
 static_assert(offsetof(DeviceRecord, eventCode) == 0, "");
 static_assert(offsetof(DeviceRecord, reserved4) == 4, "");
@@ -205,7 +211,6 @@ static_assert(offsetof(DeviceRecord, mobileReady) == 3648, "");
 static_assert(offsetof(DeviceRecord, reserved3652) == 3652, "");
 
 // ---- Interfaces that both sides have
-// -----------------------------------------------------------------------
 
 /// The base of every object.
 class IFxBase
@@ -214,10 +219,18 @@ public:
     /// 0: asks for another interface of the object. Writes it, with a reference added, and answers true;
     /// or writes null and answers false. Write the very pointer of the interface asked for:
     /// `*object = static_cast<ISourceManager*>(this)`.
+    ///
+    /// @param[in] number the interface, such as kSourceManagerNumber
+    /// @param[out] object receives the object; the caller releases it
+    /// @return whether the object has that interface
     virtual bool Query(InterfaceNumber number, void** object) = 0;
-    /// 1: adds a reference; answers the new count. Any thread.
+    /// 1: adds a reference. Any thread.
+    ///
+    /// @return the new count, for diagnosis only
     virtual std::uint32_t AddReference() = 0;
-    /// 2: releases one; at none left the object frees itself. Answers the remaining count. Any thread.
+    /// 2: releases one; at none left the object frees itself. Any thread.
+    ///
+    /// @return the remaining count
     virtual std::uint32_t Release() = 0;
 
 protected:
@@ -228,11 +241,14 @@ protected:
 class ICallbackInterface : public IFxBase
 {
 public:
-    /// 3: tells of a device. `record` is the plugin's and is copied before the call returns; `unused` is
-    /// not looked at. Any thread; calls to one callback are taken one after the other, and the call
-    /// returns when the application has been told. A record that reports nothing (another event code,
-    /// another size, a mobile device that is not ready) is taken with kSuccess too. kBadArgument: no
-    /// record. kOutOfMemory: the report is lost. Nothing is thrown.
+    /// 3: tells of a device. Any thread; calls to one callback are taken one after the other, and the
+    /// call returns when the application has been told. Nothing is thrown.
+    ///
+    /// @param[in] unused not looked at
+    /// @param[in] record the plugin's; copied before the call returns
+    /// @return kSuccess, also for a record that reports nothing (another event code, another size, a
+    /// mobile
+    ///     device that is not ready). kBadArgument: no record. kOutOfMemory: the report is lost
     virtual Status Notify(std::uint64_t unused, const DeviceRecord* record) = 0;
 
 protected:
@@ -240,7 +256,6 @@ protected:
 };
 
 // ---- Interfaces that a plugin implements
-// -------------------------------------------------------------------
 
 /// Interface 1: what the plugin is. Asked of the object that FxPluginMain gives.
 ///
@@ -250,18 +265,31 @@ protected:
 class IPluginDescriptor : public IFxBase
 {
 public:
-    /// 3: writes the plugin's name, of at most `capacity` - 1 characters and a terminating zero. The
-    /// host gives 260. The name stands in the trace line by which the host says that the source is being
-    /// tracked.
+    /// 3: writes the plugin's name. It stands in the trace line by which the host says that the source
+    /// is being tracked.
+    ///
+    /// @param[out] name at most `capacity` - 1 characters and a terminating zero
+    /// @param[in] capacity the room there, in characters; the host gives 260
+    /// @return not read
     virtual Status GetName(wchar_t* name, std::uint32_t capacity) = 0;
-    /// 4: writes a number of the plugin's own. The host keeps it with the plugin and does not use it.
+    /// 4: writes a number of the plugin's own.
+    ///
+    /// @param[out] value kept with the plugin and not used
+    /// @return not read
     virtual Status GetValue(std::uint32_t* value) = 0;
-    /// 5: writes the plugin's identifier, the same each time.
+    /// 5: writes the plugin's identifier.
+    ///
+    /// @param[out] identifier the same each time, and no other plugin's
+    /// @return not read
     virtual Status GetIdentifier(Identifier* identifier) = 0;
-    /// 6: hands over the host's entry of this plugin. It is the host's, is not to be written, and stays
-    /// valid until ShutDown returns.
+    /// 6: hands over the host's entry of this plugin.
+    ///
+    /// @param[in] entry the host's; not to be written; valid until ShutDown returns
+    /// @return not read
     virtual Status SetListEntry(const PluginDescriptor* entry) = 0;
     /// 7: the library is about to be freed. End every thread of the plugin before you return.
+    ///
+    /// @return not read
     virtual Status ShutDown() = 0;
 
 protected:
@@ -274,38 +302,54 @@ class ISourceManager : public IFxBase
 {
 public:
     /// 3: not called by this host.
+    /// @return kFailure
     virtual Status Reserved3() { return kFailure; }
-    /// 4: writes the category: kDeviceSourceCategory for a source of devices. After a failure the source
-    /// is not tracked.
+    /// 4: writes the category.
+    ///
+    /// @param[out] category kDeviceSourceCategory for a source of devices
+    /// @return after a failure the source is not tracked
     virtual Status GetCategory(std::uint32_t* category) = 0;
     /// 5: not called by this host.
+    /// @return kFailure
     virtual Status Reserved5() { return kFailure; }
     /// 6: from now on the plugin tells `callback` of every device that arrives, and at once, if it
-    /// likes, of those that are there already. Add a reference to keep it. After a failure the source is
-    /// not tracked.
+    /// likes, of those that are there already.
+    ///
+    /// @param[in] callback lent for the call; add a reference to keep it
+    /// @return after a failure the source is not tracked
     virtual Status RegisterCallback(ICallbackInterface* callback) = 0;
     /// 7: ends that. Release the reference; no call of the callback may begin after this returns, unless
     /// the plugin still owns a reference.
+    ///
+    /// @param[in] callback the one that was registered
+    /// @return kSuccess, or what went wrong
     virtual Status UnregisterCallback(ICallbackInterface* callback) = 0;
 
 protected:
     ~ISourceManager() = default;
 };
 
-// ---- Interfaces of the host's enumerator
-// ------------------------------------------------------------------- By these the host walks its own
-// list of plugins. No plugin needs them.
+// ---- Interfaces of the host's enumerator, by which it walks its own list; no plugin needs them
 
 /// Interface 8: a walk over entries. One thread at a time; reference counting from any thread.
 class IEnum : public IFxBase
 {
 public:
-    /// 3: writes how many entries there are. kBadArgument: no output.
+    /// 3: writes how many entries there are.
+    ///
+    /// @param[out] count the number
+    /// @return kSuccess. kBadArgument: no output
     virtual Status GetCount(std::uint32_t* count) = 0;
-    /// 4: fills the caller's record from the current entry and goes on to the next. kEndOfEnumeration:
-    /// there is none. kBadArgument: no record, or its version or size is another; nothing was written.
+    /// 4: fills the caller's record from the current entry and goes on to the next.
+    ///
+    /// @param[in,out] info the caller's; its version and size are set before the call
+    /// @return kSuccess. kEndOfEnumeration: there is no entry left. kBadArgument: no record, or its
+    /// version or
+    ///     size is another; nothing was written
     virtual Status Next(SourceInfo* info) = 0;
     /// 5: back to the first entry.
+    ///
+    /// @return kSuccess
     virtual Status Reset() = 0;
 
 protected:
@@ -321,7 +365,6 @@ protected:
 };
 
 // ---- The entry point
-// ---------------------------------------------------------------------------------------
 
 /// The type of FxPluginMain, below.
 typedef Status (*PluginMain)(IFxBase** object);
@@ -331,7 +374,11 @@ typedef Status (*PluginMain)(IFxBase** object);
 
 extern "C" {
 
-/// The one function that a plugin exports. Writes an object with one reference for the caller; null
-/// means that the plugin does not want to be loaded. The host reads the object, not the status.
+/// The one function that a plugin exports.
+///
+/// @param[out] object receives an object with one reference for the caller; null means that the plugin
+/// does
+///     not want to be loaded
+/// @return not read: the host looks at the object
 __declspec(dllexport) kestraboot::mox::Status FxPluginMain(kestraboot::mox::IFxBase** object);
 }
