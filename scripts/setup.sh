@@ -5,6 +5,7 @@ set -euo pipefail
 packages=(
     clang clang-format-14 clang-tidy-14            # the second compiler, formatter, linter
     cmake ninja-build git
+    cppcheck                                       # a second opinion beside the linter's
     doxygen                                        # the reference of the exported interface
     g++-mingw-w64-x86-64-posix                     # the compiler: MinGW-w64, posix threads
     googletest                                     # its sources, cross-built with the tests

@@ -25,6 +25,9 @@ scripts/checks/include_directions.py
 stage "Reference"
 scripts/checks/reference.py
 
+stage "A second opinion"
+scripts/checks/cppcheck.sh
+
 stage "Build"
 cmake --preset release >/dev/null
 cmake --build --preset release

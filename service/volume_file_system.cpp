@@ -8,10 +8,10 @@ namespace kestraboot
 
 bool ReadVolumeFileSystem(const wchar_t* drivePath, bool& isKodak) noexcept
 {
-    wchar_t volumeName[kFieldCapacity] = {};
     wchar_t fileSystem[kFieldCapacity] = {};
     bool read = false;
     {
+        wchar_t volumeName[kFieldCapacity] = {};
         const ErrorModeScope noErrorBoxes(SEM_FAILCRITICALERRORS);
         read = ::GetVolumeInformationW(drivePath, volumeName, kFieldCapacity, nullptr, nullptr, nullptr,
                                        fileSystem, kFieldCapacity) != FALSE;
