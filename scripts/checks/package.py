@@ -66,11 +66,13 @@ def told_versions(files: dict[str, bytes], archive: pathlib.Path, top: str):
     for name, pattern in (
         ("lib/cmake/kestraboot/kestrabootConfigVersion.cmake", r'set\(PACKAGE_VERSION "([^"]*)"'),
         ("lib/cmake/kestraboot/kestrabootConfig.cmake", r"^# kestraboot (\S+):"),
-        ("CHANGELOG.md", r"^## \[?v?(\d+\.\d+\.\d+)"),
     ):
         if name in text:
             found = re.search(pattern, text[name], re.MULTILINE)
             yield name, found.group(1) if found else None
+    newest = re.search(r"^## \[?([^\]\s]+)", text.get("CHANGELOG.md", ""), re.MULTILINE)
+    if newest and newest.group(1) != "Unreleased":
+        yield "CHANGELOG.md", newest.group(1)
     for name, words in text.items():
         if name.startswith("docs/") or name == "README.md":
             for version in re.findall(r"\bkestraboot[- ](\d+\.\d+\.\d+)", words):
