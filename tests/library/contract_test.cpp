@@ -129,8 +129,8 @@ TEST_P(Contract, SaysWhetherItLeavesTheRegistryAlone)
 }
 
 INSTANTIATE_TEST_SUITE_P(OfEachOperation, Contract, testing::ValuesIn(kOperations),
-                         [](const auto& info) {
-                             return info.param.first;
+                         [](const auto& tested) {
+                             return tested.param.first;
                          });
 
 } // namespace
