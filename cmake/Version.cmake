@@ -1,6 +1,7 @@
 # The version is written once, in include/kestraboot/version.h; the project reads it there. Included before
 # project(). Programs and the library carry it in a resource: kestraboot_add_version.
-set(version_header ${CMAKE_CURRENT_LIST_DIR}/../include/kestraboot/version.h)
+cmake_path(SET KESTRABOOT_INCLUDE_FOLDER NORMALIZE ${CMAKE_CURRENT_LIST_DIR}/../include)
+set(version_header ${KESTRABOOT_INCLUDE_FOLDER}/kestraboot/version.h)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${version_header})
 set(KESTRABOOT_VERSION)
 foreach(part IN ITEMS MAJOR MINOR PATCH)
@@ -24,6 +25,6 @@ function(kestraboot_add_version target file_name description)
     configure_file(${CMAKE_CURRENT_FUNCTION_LIST_DIR}/version.rc.in ${resource} @ONLY)
     target_sources(${target} PRIVATE ${resource})
     set_property(SOURCE ${resource} TARGET_DIRECTORY ${target} APPEND PROPERTY OBJECT_DEPENDS
-        ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/../include/kestraboot/version.h)
-    target_include_directories(${target} PRIVATE ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/../include)
+        ${KESTRABOOT_INCLUDE_FOLDER}/kestraboot/version.h)
+    target_include_directories(${target} PRIVATE ${KESTRABOOT_INCLUDE_FOLDER})
 endfunction()

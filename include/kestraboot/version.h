@@ -16,10 +16,11 @@
 #define KESTRABOOT_VERSION_PATCH 0
 
 /// @cond
-#define KESTRABOOT_TEXT_OF(words) #words
-#define KESTRABOOT_DOTTED(major, minor, patch) KESTRABOOT_TEXT_OF(major.minor.patch)
+#define KESTRABOOT_TEXT_OF(number) KESTRABOOT_TEXT(number)
+#define KESTRABOOT_TEXT(number) #number
 /// @endcond
 
 /// The three numbers as text, "1.0.0".
 #define KESTRABOOT_VERSION_TEXT                                                                         \
-    KESTRABOOT_DOTTED(KESTRABOOT_VERSION_MAJOR, KESTRABOOT_VERSION_MINOR, KESTRABOOT_VERSION_PATCH)
+    KESTRABOOT_TEXT_OF(KESTRABOOT_VERSION_MAJOR)                                                        \
+    "." KESTRABOOT_TEXT_OF(KESTRABOOT_VERSION_MINOR) "." KESTRABOOT_TEXT_OF(KESTRABOOT_VERSION_PATCH)

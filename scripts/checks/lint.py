@@ -41,8 +41,8 @@ def main() -> int:
         + sorted(h for room in [*ROOMS, "include"] for h in (ROOT / room).rglob("*.h"))
     )
     compiled = {pathlib.Path(entry["file"]) for entry in json.loads((build / "compile_commands.json").read_text())}
-    sources = sorted(f for f in compiled if f.relative_to(ROOT).parts[0] in ROOMS and f.suffix == ".cpp"
-                     if f.is_relative_to(ROOT))
+    sources = sorted(f for f in compiled if f.is_relative_to(ROOT) and f.suffix == ".cpp"
+                     and f.relative_to(ROOT).parts[0] in ROOMS)
 
     work = []
     for file in sources:
