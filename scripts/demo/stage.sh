@@ -34,7 +34,7 @@ expect_line() {
 }
 
 # The lines of the current step without time and process.
-trace_since_mark() { tail -n +$((mark + 1)) "$demo/trace.log" | tr -d '\r' | cut -c18-; }
+trace_since_mark() { tail -n +$((mark + 1)) "$demo/trace.log" | tr -d '\r' | cut -c43-; }
 
 # expect_report WHAT PROGRAM LINE SECONDS: a line that the started application wrote down since the step began.
 expect_report() {

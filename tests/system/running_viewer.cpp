@@ -1,0 +1,55 @@
+#include "tests/system/running_viewer.h"
+
+#include "tests/system/installation.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace kestraboot::tests
+{
+
+RunningViewer::RunningViewer(const std::wstring& arguments)
+    : process(BuiltPrograms() / "kestratrace.exe", arguments)
+{
+    EXPECT_TRUE(AwaitReader());
+}
+
+std::vector<std::string> RunningViewer::Lines()
+{
+    std::vector<std::string> lines;
+    std::istringstream output(process.Output());
+    for (std::string line; std::getline(output, line);) {
+        if (!output.eof()) {
+            lines.push_back(line);
+        }
+    }
+    return lines;
+}
+
+std::string RunningViewer::Await(const std::string& text)
+{
+    for (const ULONGLONG end = ::GetTickCount64() + 30'000; ::GetTickCount64() < end; ::Sleep(10)) {
+        for (const std::string& line : Lines()) {
+            if (line.find(text) != std::string::npos) {
+                return line;
+            }
+        }
+    }
+    return {};
+}
+
+bool AwaitReader()
+{
+    for (const ULONGLONG end = ::GetTickCount64() + 30'000; ::GetTickCount64() < end; ::Sleep(10)) {
+        // The last thing that a reader makes; writers open it too.
+        const HANDLE section = ::OpenFileMappingW(FILE_MAP_READ, FALSE, L"DBWIN_BUFFER");
+        if (section != nullptr) {
+            ::CloseHandle(section);
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace kestraboot::tests

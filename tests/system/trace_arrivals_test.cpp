@@ -1,0 +1,121 @@
+// The verdicts of the live trace viewer on a real card and a real boot program.
+#include "tests/support/card_slot.h"
+#include "tests/support/registry_sandbox.h"
+#include "tests/support/unix_path.h"
+#include "tests/system/installation.h"
+#include "tests/system/running_viewer.h"
+#include "tests/system/system_test.h"
+
+#include <dbt.h>
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <memory>
+
+namespace kestraboot::tests
+{
+namespace
+{
+
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::StartsWith;
+
+std::string Escaped(std::string path)
+{
+    for (std::size_t at = 0; (at = path.find('\\', at)) != std::string::npos; at += 2) {
+        path.insert(at, 1, '\\');
+    }
+    return path;
+}
+
+class TraceArrivals : public testing::Test
+{
+protected:
+    TraceArrivals() { ClearCorvaneRegistry(); }
+    ~TraceArrivals() override { static_cast<void>(TakeCardOut(L'E')); }
+
+    void Start(const std::wstring& options)
+    {
+        app = std::make_unique<Installation>(L"App");
+        PutText(HKEY_CURRENT_USER, L"Software\\Wine\\AppDefaults\\kestraboot.exe", L"Version", L"vista");
+        viewer = std::make_unique<RunningViewer>(options);
+        boot = std::make_unique<ChildProcess>(app->Proxy());
+        window = AwaitWindow(boot->Id(), L"CardReaderLookupWindow");
+        ASSERT_NE(window, nullptr);
+    }
+
+    void Insert()
+    {
+        ASSERT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
+        DWORD_PTR answer = 0;
+        ::SendMessageTimeoutW(window, WM_DEVICECHANGE, DBT_DEVICEARRIVAL, 0, SMTO_NORMAL, 30'000,
+                              &answer);
+    }
+
+    TempFolder card;
+    std::unique_ptr<Installation> app;
+    std::unique_ptr<RunningViewer> viewer;
+    std::unique_ptr<ChildProcess> boot;
+    HWND window = nullptr;
+};
+
+TEST_F(TraceArrivals, SayWhatACardStarted)
+{
+    card.AddFile(L"DCIM/100TEST/IMG_0001.JPG", "picture");
+    Start(L"--arrivals --json");
+    Insert();
+    const std::string verdict = viewer->Await("\"device\":\"E:\"");
+    const std::string program = Escaped(app->Application().string());
+    EXPECT_THAT(
+        verdict,
+        HasSubstr("\"process\":" + std::to_string(boot->Id()) +
+                  ",\"name\":\"kestraboot.exe\","
+                  "\"tracker\":\"VolumeTracker\",\"source\":\"REMOVABLE DEVICE\","
+                  "\"kind\":\"volume\",\"device\":\"E:\",\"accepted\":true,"
+                  "\"rule\":\"supported-file\",\"why\":\"IMG_0001.JPG is of a supported format\","
+                  "\"attempts\":1,\"folders\":2,\"files\":1,\"deepestLevel\":3,"
+                  "\"lastFile\":\"IMG_0001.JPG\",\"outcome\":\"started\",\"outcomeText\":\"\","
+                  "\"application\":\"" +
+                  program +
+                  "\",\"mode\":\"direct\","
+                  "\"startLine\":\"\\\"" +
+                  program +
+                  "\\\" module=kestrafetch params mode=direct "
+                  "devType=volume priDevId=\\\"E:\\\"\",\"milliseconds\":"));
+}
+
+TEST_F(TraceArrivals, SayWhyACardStartedNothing)
+{
+    card.AddFile(L"notes.txt");
+    Start(L"--arrivals");
+    Insert();
+    EXPECT_THAT(viewer->Await("volume E:"),
+                EndsWith("volume E: <VolumeTracker> refused: no file of a supported format within the "
+                         "folder levels of \"SniffDepth\""));
+    EXPECT_THAT(viewer->Await("looked at"), EndsWith("looked at 0 folders and 1 file, attempts: 3"));
+}
+
+TEST_F(TraceArrivals, OfOneTrackerAloneWhereAsked)
+{
+    RunningViewer wia(L"--arrivals --only WiaTracker");
+    ::OutputDebugStringW(L"<***DeviceConnect***><VolumeTracker><REMOVABLE DEVICE><V|E:>");
+    ::OutputDebugStringW(L"<***DeviceConnect***><VolumeTracker><Launch not possible>.");
+    ::OutputDebugStringW(L"Could not get the device type.");
+    EXPECT_NE(wia.Await("<WiaTracker> refused"), "");
+    EXPECT_EQ(wia.Lines().size(), 2U) << "the day and the verdict";
+}
+
+TEST_F(TraceArrivals, AreToldAtTheEndAsTheyStand)
+{
+    ChildProcess ending{BuiltPrograms() / "kestratrace.exe", L"--arrivals 2"};
+    ASSERT_TRUE(AwaitReader());
+    ::OutputDebugStringW(L"<***DeviceConnect***><VolumeTracker><REMOVABLE DEVICE><V|E:>");
+    EXPECT_EQ(ending.ExitCode(), 0U);
+    EXPECT_THAT(ending.Output(), HasSubstr("undecided: no further line came"));
+}
+
+} // namespace
+} // namespace kestraboot::tests

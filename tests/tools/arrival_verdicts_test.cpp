@@ -1,0 +1,360 @@
+// The verdicts on arrivals from the lines that the library writes.
+#include "tools/trace/arrival_verdicts.h"
+
+#include <gmock/gmock.h>
+
+namespace kestraboot::tools
+{
+namespace
+{
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+const std::string kService = "<***DeviceConnect***>";
+const std::string kVolumes = kService + "<VolumeTracker>";
+const std::string kNotice = kVolumes + "<DEVICE ARRIVED>";
+const std::string kFound = kVolumes + "<REMOVABLE DEVICE><V|E:>";
+const std::string kFits = kService + "<Supported file format is found on device.>";
+const std::string kFails = kService + "<Supported media content check fails...Trying again.>";
+const std::string kNothing = kService + "<Volume does not contain supported media content.>";
+const std::string kRefused = kVolumes + "<Launch not possible>.";
+const std::string kPolling = kVolumes + "<Entering in polling mode.>";
+const std::string kNoneFound =
+    "<KestraBoot><!!! No Kestra Compatible application found. This situation should be avoided.>";
+
+std::string Start(const std::string& kind, const std::string& device)
+{
+    return "\"C:\\v.exe\" module=kestrafetch params mode=direct devType=" + kind + " priDevId=\"" +
+           device + "\"";
+}
+
+class Verdicts : public testing::Test
+{
+protected:
+    /// One line after the other, ten milliseconds apart.
+    void Lines(const std::vector<std::string>& lines, std::uint32_t process = 7)
+    {
+        for (const std::string& line : lines) {
+            now += 10;
+            verdicts.Take({{now, 0, now}, process, "kestraboot.exe", line});
+        }
+    }
+
+    const Arrival& Only()
+    {
+        EXPECT_THAT(told, SizeIs(1));
+        static const Arrival none;
+        return told.size() == 1 ? told[0] : none;
+    }
+
+    std::int64_t now = 1'000'000;
+    std::vector<Arrival> told;
+    ArrivalVerdicts verdicts{[this](const Arrival& arrival) {
+        told.push_back(arrival);
+    }};
+};
+
+TEST_F(Verdicts, OfACardThatStartsAnApplication)
+{
+    Lines({kNotice, kFound, kService + "<1><FILE><notes.txt>\n", kService + "<1><FOLDER><E:\\DCIM>\n",
+           kService + "<2><FILE><IMG_0001.JPG>\n", kFits});
+    EXPECT_THAT(told, IsEmpty());
+    Lines({Start("volume", "E:")});
+    const Arrival& arrival = Only();
+    EXPECT_EQ(arrival.processId, 7U);
+    EXPECT_EQ(arrival.processName, "kestraboot.exe");
+    EXPECT_EQ(arrival.tracker, kVolumeTracker);
+    EXPECT_EQ(arrival.source, "REMOVABLE DEVICE");
+    EXPECT_EQ(arrival.kind, "volume");
+    EXPECT_EQ(arrival.device, "E:");
+    EXPECT_EQ(arrival.decision, Decision::Accepted);
+    EXPECT_STREQ(arrival.rule, kSupportedFile);
+    EXPECT_EQ(arrival.file, "IMG_0001.JPG");
+    EXPECT_EQ(arrival.attempts, 1U);
+    EXPECT_EQ(arrival.folders, 1U);
+    EXPECT_EQ(arrival.files, 2U);
+    EXPECT_EQ(arrival.deepestLevel, 2U);
+    EXPECT_STREQ(arrival.outcome, kStarted);
+    EXPECT_EQ(arrival.application, "C:\\v.exe");
+    EXPECT_EQ(arrival.mode, "direct");
+    EXPECT_EQ(arrival.startLine, Start("volume", "E:"));
+    EXPECT_EQ(arrival.noticed.upMilliseconds, 1'000'010);
+    EXPECT_EQ(arrival.millisecondsToEnd, 60) << "from the notice, which was the first line";
+    EXPECT_EQ(verdicts.OpenCount(), 0U);
+}
+
+TEST_F(Verdicts, CountTheDecidingAttemptAlone)
+{
+    Lines({kFound, kService + "<1><FOLDER><E:\\A>\n", kService + "<2><FILE><a.txt>\n", kFails,
+           kService + "<1><FILE><b.jpg>\n", kFits, Start("volume", "E:")});
+    EXPECT_EQ(Only().attempts, 2U);
+    EXPECT_EQ(Only().folders, 0U);
+    EXPECT_EQ(Only().files, 1U);
+    EXPECT_EQ(Only().deepestLevel, 1U);
+}
+
+TEST_F(Verdicts, OfACardWithoutPictures)
+{
+    const std::string file = kService + "<1><FILE><notes.txt>\n";
+    Lines({kFound, file, kFails, file, kFails, file, kFails, kNothing, kRefused});
+    EXPECT_EQ(Only().decision, Decision::Refused);
+    EXPECT_STREQ(Only().rule, kNoSupportedFile);
+    EXPECT_EQ(Only().attempts, 3U);
+    EXPECT_EQ(Only().files, 1U);
+    EXPECT_EQ(Only().millisecondsToEnd, 80);
+}
+
+TEST_F(Verdicts, OfACardOnWhichNothingCanBeListed)
+{
+    Lines({kFound, kFails, kFails, kFails, kNothing, kRefused});
+    EXPECT_STREQ(Only().rule, kNothingListed);
+}
+
+TEST_F(Verdicts, OfACardThatWasTakenOutInTheMiddle)
+{
+    Lines({kFound, kService + "<1><FILE><a.txt>\n", kFails, kFails, kFails, kNothing, kRefused});
+    EXPECT_STREQ(Only().rule, kNothingListed);
+    EXPECT_EQ(Only().files, 0U);
+}
+
+TEST_F(Verdicts, OfASearchThatIsSwitchedOff)
+{
+    const std::string off = kService + "<Suppressing auto launch...>";
+    Lines({kFound, off, kFails, off, kFails, off, kFails, kNothing, kRefused});
+    EXPECT_STREQ(Only().rule, kSearchOff);
+}
+
+TEST_F(Verdicts, OfADriveThatNoCardComesIn)
+{
+    Lines({kFound, kService + "<Unsupported volume found.>", kRefused});
+    EXPECT_EQ(Only().decision, Decision::Refused);
+    EXPECT_STREQ(Only().rule, kUnfitDrive);
+    EXPECT_EQ(Only().attempts, 0U);
+}
+
+TEST_F(Verdicts, SayWhereTheReasonWasNotSeen)
+{
+    Lines({kFound, kRefused});
+    EXPECT_STREQ(Only().rule, kReasonNotSeen);
+}
+
+TEST_F(Verdicts, IgnoreASearchWhoseBeginningWasNotSeen)
+{
+    Lines({kService + "<1><FILE><a.txt>\n", kFails, kNothing, kRefused, kPolling});
+    EXPECT_THAT(told, IsEmpty());
+}
+
+TEST_F(Verdicts, DoNotTakeAnOldNoticeForTheCards)
+{
+    Lines({kNotice});
+    now += ArrivalVerdicts::kLongestNotice;
+    Lines({kFound, kRefused, kFound, kRefused});
+    EXPECT_EQ(told[0].millisecondsToEnd, 10);
+    EXPECT_EQ(told[1].millisecondsToEnd, 10);
+}
+
+TEST_F(Verdicts, TakeTheFirstOfSeveralNotices)
+{
+    Lines({kNotice, kNotice, kFound, kRefused});
+    EXPECT_EQ(Only().millisecondsToEnd, 30);
+}
+
+TEST_F(Verdicts, OfImagingDevices)
+{
+    Lines({kService + "<WiaTracker><WIA DEVICE><C|{6BDD}\\0001>.", Start("camera", "{6BDD}\\0001"),
+           kService + "<StiTracker><WIA DEVICE><S|scan1>", Start("scanner", "scan1")});
+    ASSERT_THAT(told, SizeIs(2));
+    EXPECT_EQ(told[0].tracker, kWiaTracker);
+    EXPECT_EQ(told[0].kind, "camera");
+    EXPECT_EQ(told[0].device, "{6BDD}\\0001");
+    EXPECT_EQ(told[0].decision, Decision::Accepted);
+    EXPECT_STREQ(told[0].rule, kImagingDevice);
+    EXPECT_STREQ(told[0].outcome, kStarted);
+    EXPECT_EQ(told[1].tracker, kStiTracker);
+    EXPECT_EQ(told[1].kind, "scanner");
+    EXPECT_EQ(told[1].device, "scan1");
+}
+
+TEST_F(Verdicts, OfTwainSources)
+{
+    Lines({kService + "<StiTracker><TWAIN DEVICE><C|\"My camera\">", Start("camera", "My camera"),
+           kService + "<StiTracker><TWAIN DEVICE><\"My source\">", Start("", "y source\"")});
+    ASSERT_THAT(told, SizeIs(2));
+    EXPECT_EQ(told[0].device, "My camera");
+    EXPECT_STREQ(told[0].rule, kTwainSource);
+    EXPECT_STREQ(told[0].outcome, kStarted);
+    EXPECT_EQ(told[1].tracker, kStiTracker);
+    EXPECT_EQ(told[1].kind, "");
+    EXPECT_EQ(told[1].device, "y source\"") << "without a kind the library takes two characters off too";
+    EXPECT_STREQ(told[1].outcome, kStarted);
+}
+
+TEST_F(Verdicts, OfADeviceOfNoUsableType)
+{
+    Lines({"Could not get the device type.", kService + "<StiTracker><Could not get the device type.>"});
+    ASSERT_THAT(told, SizeIs(2));
+    for (const Arrival& arrival : told) {
+        EXPECT_EQ(arrival.decision, Decision::Refused);
+        EXPECT_STREQ(arrival.rule, kNoDeviceType);
+        EXPECT_EQ(arrival.device, "");
+    }
+    EXPECT_EQ(told[0].tracker, kWiaTracker);
+    EXPECT_EQ(told[1].tracker, kStiTracker);
+}
+
+TEST_F(Verdicts, OfAPhoneThatAPluginReports)
+{
+    Lines({Start("mobile", "phone 1")});
+    EXPECT_EQ(Only().tracker, kPluginTracker);
+    EXPECT_EQ(Only().kind, "mobile");
+    EXPECT_EQ(Only().device, "phone 1");
+    EXPECT_STREQ(Only().rule, kPluginReport);
+    EXPECT_STREQ(Only().outcome, kStarted);
+}
+
+TEST_F(Verdicts, GiveAStartToTheDeviceThatItNames)
+{
+    Lines({kService + "<WiaTracker><WIA DEVICE><C|one>.", kFound, kService + "<1><FILE><a.jpg>\n", kFits,
+           Start("volume", "E:"), Start("mobile", "one"), Start("camera", "one")});
+    ASSERT_THAT(told, SizeIs(3));
+    EXPECT_EQ(told[0].tracker, kVolumeTracker);
+    EXPECT_EQ(told[1].tracker, kPluginTracker) << "a phone of the same name is another device";
+    EXPECT_EQ(told[2].tracker, kWiaTracker);
+}
+
+TEST_F(Verdicts, MatchAnIdentityThatTheTraceCut)
+{
+    const std::string whole(300, 'x');
+    Lines({(kService + "<WiaTracker><WIA DEVICE><C|" + whole).substr(0, 259), Start("camera", whole)});
+    EXPECT_EQ(Only().tracker, kWiaTracker);
+    EXPECT_EQ(Only().device, whole);
+    EXPECT_STREQ(Only().outcome, kStarted);
+}
+
+TEST_F(Verdicts, OfALaunchThatTheLauncherRefuses)
+{
+    const std::pair<std::string, const char*> refusals[] = {
+        {"<KestraBoot><!!! Unable to launch Kestra.>", kOutsideConsoleSession},
+        {"<KestraBoot><!!! Mode not set. Unable to launch Kestra.>", kNoMode},
+        {"<KestraBoot><!!! No Kestra application found for this Kestra proxy. This situation should be "
+         "avoided.>",
+         kNoOwnApplication},
+        {"<KestraBoot><!!! Unable to start the process.>", kOrganiserNotStarted},
+        {kNoneFound, kNoApplication},
+    };
+    for (const auto& [line, outcome] : refusals) {
+        told.clear();
+        Lines({kFound, kFits, line});
+        EXPECT_EQ(Only().decision, Decision::Accepted) << line;
+        EXPECT_STREQ(Only().outcome, outcome) << line;
+        EXPECT_EQ(Only().startLine, "");
+    }
+}
+
+TEST_F(Verdicts, GiveARefusalToTheDeviceThatWaitedLongest)
+{
+    Lines({kService + "<WiaTracker><WIA DEVICE><C|one>.", kService + "<StiTracker><WIA DEVICE><C|two>",
+           "<KestraBoot><!!! Unable to launch Kestra.>", Start("camera", "two")});
+    ASSERT_THAT(told, SizeIs(2));
+    EXPECT_EQ(told[0].device, "one");
+    EXPECT_STREQ(told[0].outcome, kOutsideConsoleSession);
+    EXPECT_STREQ(told[1].outcome, kStarted);
+}
+
+TEST_F(Verdicts, TellOfARefusedLaunchThatNoTrackerAnnounced)
+{
+    Lines({"<KestraBoot><!!! Unable to launch Kestra.>"});
+    EXPECT_EQ(Only().tracker, kPluginTracker);
+    EXPECT_STREQ(Only().outcome, kOutsideConsoleSession);
+}
+
+TEST_F(Verdicts, AreNotAboutWhatAnUninstallSays)
+{
+    Lines({kNoneFound,
+           "<KestraBoot><Deleting run key. Auto run is going to discontinue from now onwards.>"});
+    EXPECT_THAT(told, IsEmpty());
+}
+
+TEST_F(Verdicts, DoNotWaitForAHostThatStartsNothing)
+{
+    Lines({kFound, kFits, kPolling});
+    EXPECT_EQ(Only().decision, Decision::Accepted);
+    EXPECT_STREQ(Only().outcome, kNoStartSeen);
+    told.clear();
+    Lines({kFound, kFits, kVolumes + "<REMOVABLE DEVICE><V|F:>"});
+    EXPECT_EQ(Only().device, "E:") << "the tracker has gone on";
+    EXPECT_EQ(verdicts.OpenCount(), 1U);
+}
+
+TEST_F(Verdicts, GiveUpWaitingAfterAWhile)
+{
+    Lines({kService + "<WiaTracker><WIA DEVICE><C|one>."});
+    verdicts.Tick(now + ArrivalVerdicts::kLongestLaunch);
+    EXPECT_THAT(told, IsEmpty());
+    verdicts.Tick(now + ArrivalVerdicts::kLongestLaunch + 1);
+    EXPECT_STREQ(Only().outcome, kNoStartSeen);
+
+    told.clear();
+    Lines({kFound});
+    now += ArrivalVerdicts::kLongestSilence;
+    Lines({kService + "<1><FILE><a.txt>\n"});
+    verdicts.Tick(now + ArrivalVerdicts::kLongestSilence);
+    EXPECT_THAT(told, IsEmpty()) << "a long search is no silence";
+    verdicts.Tick(now + ArrivalVerdicts::kLongestSilence + 1);
+    EXPECT_EQ(Only().decision, Decision::Open);
+    EXPECT_STREQ(Only().rule, kUnfinished);
+}
+
+TEST_F(Verdicts, TellWhatIsOpenAtTheEnd)
+{
+    Lines({kFound, kService + "<1><FILE><a.txt>\n"});
+    verdicts.End();
+    EXPECT_EQ(Only().decision, Decision::Open);
+    EXPECT_EQ(Only().files, 1U);
+    EXPECT_EQ(verdicts.OpenCount(), 0U);
+}
+
+TEST_F(Verdicts, KeepProcessesApart)
+{
+    Lines({kFound}, 1);
+    Lines({kVolumes + "<REMOVABLE DEVICE><V|F:>", kFits}, 2);
+    Lines({kRefused}, 1);
+    Lines({Start("volume", "F:")}, 2);
+    ASSERT_THAT(told, SizeIs(2));
+    EXPECT_EQ(told[0].device, "E:");
+    EXPECT_EQ(told[0].decision, Decision::Refused);
+    EXPECT_EQ(told[1].device, "F:");
+    EXPECT_STREQ(told[1].outcome, kStarted);
+}
+
+TEST_F(Verdicts, KeepABoundedNumberOfProcesses)
+{
+    for (std::uint32_t process = 1; process <= 3 * ArrivalVerdicts::kMostProcesses; ++process) {
+        Lines({kFound}, process);
+    }
+    EXPECT_EQ(verdicts.OpenCount(), ArrivalVerdicts::kMostProcesses);
+    EXPECT_THAT(told, SizeIs(2 * ArrivalVerdicts::kMostProcesses)) << "told as they stand";
+}
+
+TEST_F(Verdicts, KeepABoundedNumberOfWaitingDevices)
+{
+    for (int i = 0; i < 100; ++i) {
+        Lines({kService + "<WiaTracker><WIA DEVICE><C|" + std::to_string(i) + ">."});
+    }
+    EXPECT_EQ(verdicts.OpenCount(), ArrivalVerdicts::kMostWaiting);
+    EXPECT_EQ(told.front().device, "0");
+}
+
+TEST_F(Verdicts, IgnoreEverythingElse)
+{
+    Lines({"", "hello", "<KestraProxy><Took control of the situation>", kVolumes + "<DEVICE REMOVED>",
+           kService + "<0><FILE><a>", kService + "<99999999999999><FILE><a>", kService, kVolumes,
+           kService + "<1><OTHER><a>"});
+    EXPECT_THAT(told, IsEmpty());
+    EXPECT_EQ(verdicts.OpenCount(), 0U);
+}
+
+} // namespace
+} // namespace kestraboot::tools

@@ -1,0 +1,17 @@
+// How a verdict is shown.
+#pragma once
+
+#include "tools/common/styled_text.h"
+#include "tools/trace/arrival.h"
+
+#include <string>
+#include <vector>
+
+namespace kestraboot::tools
+{
+
+/// Several lines, without line ends.
+[[nodiscard]] std::vector<StyledText> FormatArrival(const Arrival& arrival);
+[[nodiscard]] std::string ArrivalJson(const Arrival& arrival);
+
+} // namespace kestraboot::tools

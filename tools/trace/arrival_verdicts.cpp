@@ -1,0 +1,307 @@
+#include "tools/trace/arrival_verdicts.h"
+
+#include "tools/trace/start_line.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace kestraboot::tools
+{
+namespace
+{
+
+std::string_view WithoutLineEnd(std::string_view text) noexcept
+{
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+bool Names(const StartLine& start, const Arrival& arrival)
+{
+    const bool sameKind = start.kind == arrival.kind || start.kind.empty();
+    const bool sameDevice =
+        arrival.deviceCut ? start.device.starts_with(arrival.device) : start.device == arrival.device;
+    return sameKind && sameDevice;
+}
+
+bool IsOpenVolume(const Arrival& arrival)
+{
+    return arrival.tracker == kVolumeTracker && arrival.decision == Decision::Open;
+}
+
+} // namespace
+
+void ArrivalVerdicts::Take(const SeenLine& line)
+{
+    const TraceEvent event = ReadTraceEvent(WithoutLineEnd(line.text));
+    if (event.type == EventType::None) {
+        return;
+    }
+    Process& process = ProcessOf(line);
+    switch (event.type) {
+    case EventType::VolumeNotice:
+        if (!process.notice) {
+            process.notice = line.time;
+        }
+        break;
+    case EventType::VolumeFound:
+        TakeVolumeFound(process, line, event);
+        break;
+    case EventType::VolumeScanDone:
+        EndVolume(process);
+        break;
+    case EventType::DeviceFound:
+    case EventType::TypeUnknownToWia:
+    case EventType::TypeUnknownToSti:
+        TakeDeviceFound(process, line, event);
+        break;
+    case EventType::LaunchRefused:
+    case EventType::NoneInstalled:
+        TakeLaunch(process, line, event);
+        break;
+    case EventType::Started:
+        TakeStart(process, line);
+        break;
+    default:
+        TakeSearch(process, line, event);
+    }
+}
+
+ArrivalVerdicts::Process& ArrivalVerdicts::ProcessOf(const SeenLine& line)
+{
+    const auto known = std::ranges::find(processes, line.processId, &Process::id);
+    if (known != processes.end()) {
+        processes.splice(processes.end(), processes, known);
+    } else {
+        if (processes.size() == kMostProcesses) {
+            CloseAll(processes.front());
+            processes.pop_front();
+        }
+        processes.push_back({line.processId, 0, {}, {}});
+    }
+    Process& process = processes.back();
+    process.lastLine = line.time.upMilliseconds;
+    return process;
+}
+
+ArrivalVerdicts::Place ArrivalVerdicts::Open(Process& process, const SeenLine& line, const char* tracker,
+                                             const TraceEvent& event)
+{
+    if (process.waiting.size() == kMostWaiting) {
+        Close(process, process.waiting.begin());
+    }
+    Arrival arrival;
+    arrival.noticed = line.time;
+    arrival.processId = line.processId;
+    arrival.processName = line.processName;
+    arrival.tracker = tracker;
+    arrival.source = event.source;
+    arrival.kind = event.kind;
+    arrival.device = event.device;
+    arrival.deviceCut = event.cut;
+    process.waiting.push_back({std::move(arrival), line.time.upMilliseconds});
+    return std::prev(process.waiting.end());
+}
+
+void ArrivalVerdicts::TakeVolumeFound(Process& process, const SeenLine& line, const TraceEvent& event)
+{
+    EndVolume(process); // the tracker went on
+    const Place place = Open(process, line, event.tracker, event);
+    if (process.notice && line.time.upMilliseconds - process.notice->upMilliseconds <= kLongestNotice) {
+        place->arrival.noticed = *process.notice;
+    }
+    process.notice.reset();
+}
+
+void ArrivalVerdicts::TakeSearch(Process& process, const SeenLine& line, const TraceEvent& event)
+{
+    const auto place = std::ranges::find_if(process.waiting, [](const Waiting& waiting) {
+        return IsOpenVolume(waiting.arrival);
+    });
+    if (place == process.waiting.end()) {
+        return; // its beginning was before our time
+    }
+    place->lastLine = line.time.upMilliseconds;
+    Arrival& arrival = place->arrival;
+    arrival.millisecondsToEnd = line.time.upMilliseconds - arrival.noticed.upMilliseconds;
+    switch (event.type) {
+    case EventType::VolumeUnfit:
+        place->unfit = true;
+        break;
+    case EventType::SearchOff:
+        place->searchOff = true;
+        break;
+    case EventType::FolderSeen:
+    case EventType::FileSeen:
+        if (place->attemptOver) {
+            place->attemptOver = false;
+            arrival.folders = arrival.files = 0;
+            arrival.deepestLevel = 0;
+        }
+        if (event.type == EventType::FileSeen) {
+            ++arrival.files;
+            arrival.file = event.file;
+        } else {
+            ++arrival.folders;
+        }
+        arrival.deepestLevel = std::max(arrival.deepestLevel, event.level);
+        break;
+    case EventType::AttemptFailed:
+        ++arrival.attempts;
+        if (place->attemptOver) { // not one line in this attempt
+            arrival.folders = arrival.files = 0;
+            arrival.deepestLevel = 0;
+            arrival.file.clear();
+        }
+        place->attemptOver = true;
+        break;
+    case EventType::FileFits:
+        ++arrival.attempts;
+        arrival.decision = Decision::Accepted;
+        arrival.rule = kSupportedFile;
+        arrival.outcome = kNoStartSeen;
+        break;
+    case EventType::VolumeRefused:
+        arrival.decision = Decision::Refused;
+        if (place->unfit) {
+            arrival.rule = kUnfitDrive;
+        } else if (place->searchOff) {
+            arrival.rule = kSearchOff;
+        } else if (arrival.attempts == 0) {
+            arrival.rule = kReasonNotSeen;
+        } else {
+            arrival.rule = arrival.folders + arrival.files == 0 ? kNothingListed : kNoSupportedFile;
+        }
+        Close(process, place);
+        break;
+    default:
+        break;
+    }
+}
+
+void ArrivalVerdicts::TakeDeviceFound(Process& process, const SeenLine& line, const TraceEvent& event)
+{
+    const char* const tracker = event.type == EventType::TypeUnknownToWia   ? kWiaTracker
+                                : event.type == EventType::TypeUnknownToSti ? kStiTracker
+                                                                            : event.tracker;
+    const Place place = Open(process, line, tracker, event);
+    Arrival& arrival = place->arrival;
+    if (event.type != EventType::DeviceFound) {
+        arrival.decision = Decision::Refused;
+        arrival.rule = kNoDeviceType;
+        Close(process, place);
+        return;
+    }
+    arrival.decision = Decision::Accepted;
+    arrival.rule = arrival.source == "TWAIN DEVICE" ? kTwainSource : kImagingDevice;
+    arrival.outcome = kNoStartSeen;
+}
+
+void ArrivalVerdicts::TakeLaunch(Process& process, const SeenLine& line, const TraceEvent& event)
+{
+    auto place = std::ranges::find_if(process.waiting, [](const Waiting& waiting) {
+        return waiting.arrival.decision == Decision::Accepted;
+    });
+    if (place == process.waiting.end()) {
+        if (event.type == EventType::NoneInstalled) {
+            return; // said at the start, by a switch or an uninstall too
+        }
+        place = Open(process, line, kPluginTracker, event);
+        place->arrival.decision = Decision::Accepted;
+        place->arrival.rule = kPluginReport;
+    }
+    Arrival& arrival = place->arrival;
+    arrival.outcome = event.rule;
+    arrival.millisecondsToEnd = line.time.upMilliseconds - arrival.noticed.upMilliseconds;
+    Close(process, place);
+}
+
+void ArrivalVerdicts::TakeStart(Process& process, const SeenLine& line)
+{
+    const std::string_view text = WithoutLineEnd(line.text);
+    const std::optional<StartLine> start = ParseStartLine(text);
+    if (!start) {
+        return;
+    }
+    auto place = std::ranges::find_if(process.waiting, [&](const Waiting& waiting) {
+        return waiting.arrival.decision == Decision::Accepted && Names(*start, waiting.arrival);
+    });
+    if (place == process.waiting.end()) {
+        TraceEvent event;
+        event.kind = start->kind;
+        event.device = start->device;
+        place = Open(process, line, kPluginTracker, event);
+        place->arrival.decision = Decision::Accepted;
+        place->arrival.rule = kPluginReport;
+    }
+    Arrival& arrival = place->arrival;
+    if (arrival.deviceCut) {
+        arrival.device = start->device;
+    }
+    arrival.outcome = kStarted;
+    arrival.application = start->application;
+    arrival.mode = start->mode;
+    arrival.startLine = text;
+    arrival.millisecondsToEnd = line.time.upMilliseconds - arrival.noticed.upMilliseconds;
+    Close(process, place);
+}
+
+void ArrivalVerdicts::EndVolume(Process& process)
+{
+    const auto place = std::ranges::find(process.waiting, kVolumeTracker, [](const Waiting& waiting) {
+        return std::string_view(waiting.arrival.tracker);
+    });
+    if (place != process.waiting.end()) {
+        Close(process, place);
+    }
+}
+
+void ArrivalVerdicts::Close(Process& process, Place place)
+{
+    const Waiting closed = std::move(*place);
+    process.waiting.erase(place);
+    tell(closed.arrival);
+}
+
+void ArrivalVerdicts::CloseAll(Process& process)
+{
+    while (!process.waiting.empty()) {
+        Close(process, process.waiting.begin());
+    }
+}
+
+void ArrivalVerdicts::Tick(std::int64_t upMilliseconds)
+{
+    for (auto process = processes.begin(); process != processes.end();) {
+        for (Place place = process->waiting.begin(); place != process->waiting.end();) {
+            const Place current = place++;
+            const bool launching = current->arrival.decision == Decision::Accepted;
+            if (upMilliseconds - current->lastLine > (launching ? kLongestLaunch : kLongestSilence)) {
+                Close(*process, current);
+            }
+        }
+        const bool silent = upMilliseconds - process->lastLine > kLongestSilence;
+        process = silent && process->waiting.empty() ? processes.erase(process) : std::next(process);
+    }
+}
+
+void ArrivalVerdicts::End()
+{
+    for (Process& process : processes) {
+        CloseAll(process);
+    }
+    processes.clear();
+}
+
+std::size_t ArrivalVerdicts::OpenCount() const noexcept
+{
+    std::size_t count = 0;
+    for (const Process& process : processes) {
+        count += process.waiting.size();
+    }
+    return count;
+}
+
+} // namespace kestraboot::tools

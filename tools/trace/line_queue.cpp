@@ -1,0 +1,56 @@
+#include "tools/trace/line_queue.h"
+
+#include <utility>
+
+namespace kestraboot::tools
+{
+
+void LineQueue::Push(SeenLine line)
+{
+    {
+        const std::lock_guard lock(mutex);
+        if (lines.size() == capacity) {
+            ++lost;
+            return;
+        }
+        lines.push_back(std::move(line));
+    }
+    changed.notify_one();
+}
+
+void LineQueue::Close()
+{
+    {
+        const std::lock_guard lock(mutex);
+        closed = true;
+    }
+    changed.notify_one();
+}
+
+std::optional<SeenLine> LineQueue::Pop(std::chrono::milliseconds longest)
+{
+    std::unique_lock lock(mutex);
+    changed.wait_for(lock, longest, [&] {
+        return closed || !lines.empty();
+    });
+    if (lines.empty()) {
+        return std::nullopt;
+    }
+    SeenLine line = std::move(lines.front());
+    lines.pop_front();
+    return line;
+}
+
+std::uint64_t LineQueue::TakeLost()
+{
+    const std::lock_guard lock(mutex);
+    return std::exchange(lost, 0);
+}
+
+bool LineQueue::Finished()
+{
+    const std::lock_guard lock(mutex);
+    return closed && lines.empty();
+}
+
+} // namespace kestraboot::tools

@@ -1,0 +1,45 @@
+// Between the thread that reads the channel and the one that shows the lines: programs that write debug
+// lines must never wait for a slow console.
+#pragma once
+
+#include "tools/trace/seen_line.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <mutex>
+#include <optional>
+
+namespace kestraboot::tools
+{
+
+class LineQueue
+{
+public:
+    explicit LineQueue(std::size_t most) : capacity(most) {}
+
+    /// A line that finds the queue full is lost, and counted.
+    void Push(SeenLine line);
+
+    /// No more lines will come.
+    void Close();
+
+    /// The next line; nothing when none came in time or none will come any more.
+    [[nodiscard]] std::optional<SeenLine> Pop(std::chrono::milliseconds longest);
+
+    /// How many lines were lost since the last call.
+    [[nodiscard]] std::uint64_t TakeLost();
+
+    [[nodiscard]] bool Finished();
+
+private:
+    const std::size_t capacity;
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::deque<SeenLine> lines;
+    std::uint64_t lost = 0;
+    bool closed = false;
+};
+
+} // namespace kestraboot::tools

@@ -1,0 +1,34 @@
+// The names of the processes that write lines.
+#pragma once
+
+#include "tools/trace/handle.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <list>
+#include <string>
+
+namespace kestraboot::tools
+{
+
+/// Remembers the processes that wrote last. While one is remembered it is held open, so that Windows
+/// gives its number to no other.
+class ProcessNames
+{
+public:
+    static constexpr std::size_t kMost = 64;
+
+    /// The name of its file, UTF-8; "?" for a process that cannot be asked.
+    [[nodiscard]] const std::string& Of(std::uint32_t processId);
+
+private:
+    struct Known {
+        std::uint32_t id;
+        Handle process;
+        std::string name;
+    };
+    std::list<Known> known; ///< the one that wrote last at the front
+    std::string unknown = "?";
+};
+
+} // namespace kestraboot::tools

@@ -1,0 +1,19 @@
+// One debug line as it came.
+#pragma once
+
+#include "tools/trace/time_stamp.h"
+
+#include <cstdint>
+#include <string>
+
+namespace kestraboot::tools
+{
+
+struct SeenLine {
+    TimeStamp time;
+    std::uint32_t processId = 0;
+    std::string processName; ///< the file's name, "kestraboot.exe"; "?" where it cannot be had
+    std::string text;        ///< UTF-8, line end included if the writer sent one
+};
+
+} // namespace kestraboot::tools

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "tools/trace/time_stamp.h"
+
+namespace kestraboot::tools
+{
+
+/// Of a clock that nobody sets.
+[[nodiscard]] std::int64_t UpMilliseconds();
+
+[[nodiscard]] TimeStamp Now();
+
+} // namespace kestraboot::tools

@@ -1,0 +1,29 @@
+// When a line came.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace kestraboot::tools
+{
+
+struct TimeStamp {
+    std::int64_t utcMilliseconds = 0; ///< since 1970
+    int offsetMinutes = 0;            ///< of local time from UTC
+    std::int64_t upMilliseconds =
+        0; ///< of a clock that nobody sets: differences are taken from this one
+};
+
+/// Local time, "12:33:47.123".
+[[nodiscard]] std::string ClockText(const TimeStamp& time);
+
+/// The local day, "2026-11-21".
+[[nodiscard]] std::string DayText(const TimeStamp& time);
+
+/// ISO 8601, "2026-11-21T12:33:47.123+01:00".
+[[nodiscard]] std::string IsoText(const TimeStamp& time);
+
+/// "0.120 s".
+[[nodiscard]] std::string DurationText(std::int64_t milliseconds);
+
+} // namespace kestraboot::tools

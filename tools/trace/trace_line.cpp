@@ -1,0 +1,109 @@
+#include "tools/trace/trace_line.h"
+
+#include "tools/trace/start_line.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kestraboot::tools
+{
+namespace
+{
+
+struct ComponentTag {
+    std::string_view tag;
+    std::string_view name;
+};
+
+constexpr ComponentTag kComponents[] = {
+    {"***DeviceConnect***", "DeviceConnect"},
+    {"KestraBoot", "KestraBoot"},
+    {"KESTRABOOT", "KestraBoot"}, // one message is spelt so
+    {"KestraProxy", "KestraProxy"},
+    {"KestraProxy:OEM", "KestraProxy:OEM"},
+};
+constexpr std::string_view kTrackers[] = {"VolumeTracker", "WiaTracker", "StiTracker"};
+constexpr std::string_view kPluginServed = "Devices will be detected.";
+constexpr std::string_view kUntaggedWiaMessage = "Could not get the device type.";
+
+std::string_view WithoutLineEnd(std::string_view text) noexcept
+{
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+/// Brackets inside a field belong to it; the last field may lack its bracket, since long lines are cut.
+std::vector<std::string> Fields(std::string_view text)
+{
+    std::vector<std::string> fields;
+    int depth = 0;
+    for (const char character : text) {
+        if (character == '>' && depth > 0 && --depth == 0) {
+            continue;
+        }
+        if (character == '<' && depth++ == 0) {
+            fields.emplace_back();
+        } else if (depth > 0) {
+            fields.back() += character;
+        }
+    }
+    return fields;
+}
+
+std::string Joined(const std::vector<std::string>& fields)
+{
+    std::string text;
+    for (const std::string& field : fields) {
+        text += (text.empty() ? "" : " ") + field;
+    }
+    return text;
+}
+
+void TakeTracker(TraceLine& line)
+{
+    if (line.fields.empty()) {
+        return;
+    }
+    const bool plugin = line.fields.size() == 2 && line.fields.back() == kPluginServed;
+    if (plugin || std::ranges::find(kTrackers, line.fields.front()) != std::end(kTrackers)) {
+        line.tracker = line.fields.front();
+        line.fields.erase(line.fields.begin());
+    }
+}
+
+} // namespace
+
+TraceLine ParseTraceLine(std::string_view text)
+{
+    TraceLine line;
+    line.text = WithoutLineEnd(text);
+    if (ParseStartLine(line.text)) {
+        line.kind = LineKind::Start;
+        line.component = "KestraBoot";
+    } else if (line.text == kUntaggedWiaMessage) {
+        line.kind = LineKind::Failure;
+        line.component = "DeviceConnect";
+        line.tracker = "WiaTracker";
+    } else if (line.text.starts_with('<')) {
+        std::vector<std::string> fields = Fields(line.text);
+        const auto known = std::ranges::find(kComponents, fields.front(), &ComponentTag::tag);
+        if (known != std::end(kComponents)) {
+            line.component = known->name;
+            fields.erase(fields.begin());
+            line.fields = std::move(fields);
+            TakeTracker(line);
+            line.message = Joined(line.fields);
+            if (line.message.starts_with("!!! ")) {
+                line.kind = LineKind::Failure;
+            }
+            return line;
+        }
+    }
+    line.message = line.text;
+    line.fields = {line.text};
+    return line;
+}
+
+} // namespace kestraboot::tools
