@@ -7,7 +7,7 @@
 // one.
 #pragma once
 
-#include "tools/trace/handle.h"
+#include "tools/common/handle.h"
 
 #include <windows.h>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // The file that is written on request.
 #pragma once
 
-#include "tools/trace/handle.h"
+#include "tools/common/handle.h"
 
 #include <string>
 #include <string_view>

@@ -1,7 +1,7 @@
 // The names of the processes that write lines.
 #pragma once
 
-#include "tools/trace/handle.h"
+#include "tools/common/handle.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,0 +1,246 @@
+// What kestractl shows of real installations, and that it changes nothing on the machine.
+#include "tests/support/registry_sandbox.h"
+#include "tests/system/registry_dump.h"
+#include "tests/system/system_test.h"
+
+#include <gmock/gmock.h>
+
+namespace kestraboot::tests
+{
+namespace
+{
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+constexpr const wchar_t* kRun = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run";
+
+std::string Escaped(std::string text)
+{
+    for (std::size_t at = 0; (at = text.find_first_of("\\\"", at)) != std::string::npos; at += 2) {
+        text.insert(at, 1, '\\');
+    }
+    return text;
+}
+
+class Kestractl : public SystemTest
+{
+protected:
+    /// Runs it and checks that the registry is the same, that nothing was started and nothing traced.
+    std::string Run(const std::wstring& arguments = {}, DWORD expected = 0)
+    {
+        const std::vector<std::string> before = RegistryDump();
+        ChildProcess tool(BuiltPrograms() / "kestractl.exe", arguments);
+        EXPECT_EQ(tool.ExitCode(), expected);
+        EXPECT_EQ(RegistryDump(), before);
+        EXPECT_THAT(trace.LinesOf(tool.Id()), IsEmpty());
+        return tool.Output();
+    }
+
+    static void Break(const Installation& application)
+    {
+        std::filesystem::remove(application.Application());
+    }
+};
+
+class ThreeApplications : public Kestractl
+{
+protected:
+    ThreeApplications()
+    {
+        Break(broken);
+        PutText(HKEY_LOCAL_MACHINE, kRun, L"Corvane Kestrafetch",
+                L"\"" + second.Proxy().wstring() + L"\"");
+    }
+
+    Installation first{L"First"};
+    Installation broken{L"Broken"};
+    Installation second{L"Second"};
+};
+
+TEST_F(ThreeApplications, AreShownTheBrokenOneWithTheReason)
+{
+    const std::string shown = Run();
+    EXPECT_THAT(shown, AllOf(StartsWith("Applications, in the library's order\n  1. First\n"),
+                             HasSubstr("\n  2. Second\n"), Not(HasSubstr("  3. "))));
+    EXPECT_THAT(shown, HasSubstr("Registered, but left out\n   - Broken\n"));
+    EXPECT_THAT(shown, HasSubstr("why            \"CmdLine\" names a file that does not exist: " +
+                                 broken.Application().string() + "\n"));
+    EXPECT_THAT(shown, HasSubstr("\nDefaults    (none)\nAn arrival  starts First in mode select\n"));
+    EXPECT_THAT(shown, HasSubstr("\nAuto-run    \"" + second.Proxy().string() +
+                                 "\"\n            the proxy of Second\n"));
+    EXPECT_THAT(shown, HasSubstr("\nOrganiser   (not installed)\n"));
+}
+
+TEST_F(ThreeApplications, AreToldToMachines)
+{
+    PutDword(HKEY_CURRENT_USER, second.KeyPath() + L"\\Preferences", L"DefaultFlag", 1);
+    PutDword(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane\\Second", L"kestralaunchstatus", 0);
+    PutText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\Second", L"locale", L"de_de");
+    PutDword(HKEY_CURRENT_USER, second.KeyPath(), L"SniffDepth", 2);
+    const std::string json = Run(L"--json");
+    const auto listed = [](const Installation& application) {
+        return "{\"name\":\"" + std::filesystem::path(application.name).string() +
+               "\",\"application\":\"" + Escaped(application.Application().string()) +
+               "\",\"proxy\":\"" + Escaped(application.Proxy().string()) +
+               "\",\"description\":\"\",\"icon\":\"\",\"formats\":[{\"extension\":\"jpg\","
+               "\"mediaType\":\"Image\"}],\"key\":\"" +
+               Escaped(std::filesystem::path(application.KeyPath()).string()) + "\",";
+    };
+    EXPECT_EQ(json, "{\"applications\":[" + listed(first) +
+                        "\"default\":false,\"mayLaunch\":true,\"locale\":\"en_us\",\"localeSet\":false,"
+                        "\"sniffDepth\":null}," +
+                        listed(second) +
+                        "\"default\":true,\"mayLaunch\":false,\"locale\":\"de_de\",\"localeSet\":true,"
+                        "\"sniffDepth\":2}],\"leftOut\":[{\"name\":\"Broken\",\"key\":\"" +
+                        Escaped(std::filesystem::path(broken.KeyPath()).string()) +
+                        "\",\"application\":\"" + Escaped(broken.Application().string()) +
+                        "\",\"applicationExists\":false,\"proxy\":\"" +
+                        Escaped(broken.Proxy().string()) +
+                        "\",\"proxyExists\":true,\"reasons\":[{\"reason\":\"no-application-file\","
+                        "\"text\":\"\\\"CmdLine\\\" names a file that does not exist: " +
+                        Escaped(broken.Application().string()) +
+                        "\"}]}],\"defaults\":[\"Second\"],\"arrivalStarts\":{\"application\":\"Second\","
+                        "\"mode\":\"direct\"},\"autoRun\":{\"entry\":\"\\\"" +
+                        Escaped(second.Proxy().string()) +
+                        "\\\"\",\"exists\":true,\"application\":\"Second\"},\"organiser\":null}\n");
+}
+
+TEST_F(ThreeApplications, ThatShareAProxyAreToldTheSame)
+{
+    PutText(HKEY_LOCAL_MACHINE, second.KeyPath(), L"ProxyPath", first.Proxy().wstring());
+    PutText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\First", L"locale", L"fr_fr");
+    PutText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\Second", L"locale", L"de_de");
+    const std::string json = Run(L"--json");
+    EXPECT_THAT(json, AllOf(HasSubstr("fr_fr"), Not(HasSubstr("de_de"))));
+}
+
+TEST_F(Kestractl, ChangesNothingWhereTheLibraryWould)
+{
+    // For a user without preferences the library creates them; there is no entry, so it would set one;
+    // the flag of the machine counts once only.
+    const Installation application(L"App");
+    PutDword(HKEY_LOCAL_MACHINE, application.KeyPath() + L"\\Preferences", L"DefaultFlag", 1);
+    for (int time = 1; time <= 2; ++time) {
+        const std::string shown = Run();
+        EXPECT_THAT(shown, HasSubstr("  1. App  [default]\n")) << time;
+        EXPECT_THAT(shown, HasSubstr("Auto-run    (no entry: nothing starts at log-on)\n")) << time;
+    }
+    EXPECT_EQ(AutoRunEntry(), L"(none)");
+    EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, application.KeyPath()));
+}
+
+TEST_F(Kestractl, ChangesAndStartsNothingWhereNoApplicationIsLeft)
+{
+    // The library would give devices back to the organiser, remove the entry and end the process.
+    const LegacyOrganiser organiser;
+    const Installation application(L"App");
+    Break(application);
+    PutText(HKEY_LOCAL_MACHINE, kRun, L"Corvane Kestrafetch", L"\"C:\\gone\\kestraboot.exe\"");
+    const std::string shown = Run();
+    EXPECT_THAT(shown, HasSubstr("(none: a boot program that finds this removes the auto-run entry"));
+    EXPECT_THAT(shown, HasSubstr("An arrival  starts nothing\n"));
+    EXPECT_THAT(shown,
+                HasSubstr("Auto-run    \"C:\\gone\\kestraboot.exe\"\n            a file that does not "
+                          "exist\n"));
+    EXPECT_THAT(shown, HasSubstr("Organiser   Corvane Vellumry 3.0, " +
+                                 organiser.folder.Path().string() + "\\VellumryDeviceConnect.exe\n"));
+    EXPECT_EQ(ReportOf(L"VellumryDeviceConnect"), "");
+}
+
+TEST_F(Kestractl, CountsTheOrganiserAsASecondApplication)
+{
+    const LegacyOrganiser organiser;
+    const Installation application(L"App");
+    EXPECT_THAT(Run(), HasSubstr("An arrival  starts App in mode select\n"));
+    EXPECT_EQ(ReportOf(L"VellumryDeviceConnect"), "");
+}
+
+TEST_F(Kestractl, ShowsAnEmptyRegistry)
+{
+    ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane");
+    ::RegDeleteTreeW(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane");
+    EXPECT_EQ(Run(L"--json"),
+              "{\"applications\":[],\"leftOut\":[],\"defaults\":[],\"arrivalStarts\":null,"
+              "\"autoRun\":null,\"organiser\":null}\n");
+}
+
+TEST_F(Kestractl, FindsTheKeysThatTheLibraryPassesOver)
+{
+    const Installation application(L"App");
+    const std::wstring root = L"SOFTWARE\\Corvane\\";
+    PutText(HKEY_LOCAL_MACHINE, root + L"Case\\corvane kestrafetch", L"Name", L"Case");
+    PutText(HKEY_LOCAL_MACHINE, application.KeyPath() + L"\\Corvane Kestrafetch", L"Name", L"Below");
+    PutText(HKEY_LOCAL_MACHINE, root + L"Kept\\Corvane Kestrafetch", L"Name", L"Kept");
+    PutText(HKEY_LOCAL_MACHINE, root + L"Kept\\Corvane Kestrafetch", L"CmdLine",
+            application.Application().wstring());
+    PutText(HKEY_LOCAL_MACHINE, root + L"Kept\\Corvane Kestrafetch", L"ProxyPath",
+            application.Proxy().wstring());
+    PutDword(HKEY_CURRENT_USER, root + L"Kept\\Corvane Kestrafetch\\Preferences",
+             L"AutoLaunchOnDeviceConnect", 1);
+    PutText(HKEY_LOCAL_MACHINE, root + L"M" + std::wstring(127, L'm'), L"", L"");
+    PutText(HKEY_LOCAL_MACHINE, root + L"Z\\Corvane Kestrafetch", L"Name", L"Behind");
+    const std::string json = Run(L"--json");
+    const auto reasonOf = [&](const std::string& name) {
+        const std::size_t at = json.find("{\"name\":\"" + name + "\"");
+        const std::size_t reason = json.find("\"reason\":\"", at);
+        return at == std::string::npos
+                   ? ""
+                   : json.substr(reason + 10, json.find('"', reason + 10) - reason - 10);
+    };
+    EXPECT_EQ(reasonOf("Case"), "key-name-in-other-case");
+    EXPECT_EQ(reasonOf("Below"), "below-another");
+    EXPECT_EQ(reasonOf("Kept"), "kept-out");
+    EXPECT_EQ(reasonOf("Behind"), "behind-long-name");
+    EXPECT_THAT(json, StartsWith("{\"applications\":[{\"name\":\"App\","));
+}
+
+TEST_F(Kestractl, KeepsNamesOfOtherLanguages)
+{
+    const Installation application(L"App");
+    PutText(HKEY_LOCAL_MACHINE, application.KeyPath(), L"Name", L"B\u00fccher \u20ac \"1\"");
+    EXPECT_THAT(Run(L"--json"), HasSubstr("{\"name\":\"B\xC3\xBC"
+                                          "cher \xE2\x82\xAC \\\"1\\\"\""));
+}
+
+TEST_F(Kestractl, RefusesBadArguments)
+{
+    for (const wchar_t* const arguments : {L"--jsn", L"applications", L"--json x"}) {
+        EXPECT_THAT(Run(arguments, 2), AllOf(StartsWith("kestractl: not understood: "),
+                                             HasSubstr("usage: kestractl [--json]")));
+    }
+    EXPECT_THAT(Run(L"--help"), StartsWith("usage: kestractl "));
+}
+
+TEST_F(Kestractl, ChangesNothingWhereItsOutputCannotBeWritten)
+{
+    const Installation application(L"App");
+    const std::vector<std::string> before = RegistryDump();
+    HANDLE readEnd = nullptr;
+    HANDLE writeEnd = nullptr;
+    SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+    ASSERT_TRUE(::CreatePipe(&readEnd, &writeEnd, &inherited, 0));
+    ::CloseHandle(readEnd); // nobody reads
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof startup;
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdOutput = writeEnd;
+    std::wstring line = L"\"" + (BuiltPrograms() / "kestractl.exe").wstring() + L"\"";
+    PROCESS_INFORMATION tool = {};
+    ASSERT_TRUE(::CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                                 &startup, &tool));
+    ::WaitForSingleObject(tool.hProcess, 30'000);
+    DWORD code = 99;
+    ::GetExitCodeProcess(tool.hProcess, &code);
+    EXPECT_EQ(code, 1U);
+    EXPECT_EQ(RegistryDump(), before);
+    for (const HANDLE handle : {writeEnd, tool.hThread, tool.hProcess}) {
+        ::CloseHandle(handle);
+    }
+}
+
+} // namespace
+} // namespace kestraboot::tests

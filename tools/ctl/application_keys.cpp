@@ -1,0 +1,72 @@
+#include "tools/ctl/application_keys.h"
+
+#include "tools/ctl/registry_key.h"
+#include "tools/ctl/registry_names.h"
+
+#include <deque>
+#include <shlwapi.h>
+
+namespace kestraboot::tools
+{
+namespace
+{
+
+constexpr std::size_t kLongestSearchedName = 127; // a longer one ends the library's search of its key
+
+struct Place {
+    std::wstring path;
+    bool belowAnother;
+    bool behindLongName;
+};
+
+bool Exists(const std::optional<std::wstring>& path) noexcept
+{
+    return path && ::PathFileExistsW(path->c_str());
+}
+
+ApplicationKey ReadApplicationKey(const std::wstring& path)
+{
+    const RegistryKey key(HKEY_LOCAL_MACHINE, path);
+    const std::wstring preferences = path + L"\\Preferences";
+    constexpr const wchar_t* kAutoLaunch = L"AutoLaunchOnDeviceConnect";
+    ApplicationKey read;
+    read.path = path;
+    read.name = key.Text(L"Name");
+    read.proxyPath = key.Text(L"ProxyPath");
+    read.commandPath = key.Text(L"CmdLine");
+    read.proxyExists = Exists(read.proxyPath);
+    read.commandExists = Exists(read.commandPath);
+    read.autoLaunchOfUser = RegistryKey(HKEY_CURRENT_USER, preferences).Number(kAutoLaunch);
+    read.autoLaunchOfMachine = RegistryKey(HKEY_LOCAL_MACHINE, preferences).Number(kAutoLaunch);
+    read.sniffDepth = RegistryKey(HKEY_CURRENT_USER, path).Number(L"SniffDepth");
+    return read;
+}
+
+} // namespace
+
+std::vector<ApplicationKey> FindApplicationKeys()
+{
+    std::vector<ApplicationKey> found;
+    std::deque<Place> pending = {{kCorvaneRoot, false, false}};
+    while (!pending.empty()) {
+        const Place parent = std::move(pending.front());
+        pending.pop_front();
+        bool behindLongName = parent.behindLongName;
+        for (const std::wstring& name : RegistryKey(HKEY_LOCAL_MACHINE, parent.path).Subkeys()) {
+            behindLongName = behindLongName || name.size() > kLongestSearchedName;
+            Place child = {parent.path + L'\\' + name, parent.belowAnother, behindLongName};
+            if (::_wcsicmp(name.c_str(), kApplicationKeyName) == 0) {
+                ApplicationKey key = ReadApplicationKey(child.path);
+                key.nameInOtherCase = name != kApplicationKeyName;
+                key.belowAnother = child.belowAnother;
+                key.behindLongName = child.behindLongName;
+                child.belowAnother = child.belowAnother || !key.nameInOtherCase;
+                found.push_back(std::move(key));
+            }
+            pending.push_back(std::move(child));
+        }
+    }
+    return found;
+}
+
+} // namespace kestraboot::tools

@@ -1,0 +1,31 @@
+// The keys by which applications register, as they stand in the registry: also those that the library
+// leaves out.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kestraboot::tools
+{
+
+struct ApplicationKey {
+    std::wstring path; ///< below HKEY_LOCAL_MACHINE
+    bool nameInOtherCase = false;
+    bool belowAnother = false;   ///< below another application's key
+    bool behindLongName = false; ///< the search of the keys beside it ends before it
+    std::optional<std::wstring> name;
+    std::optional<std::wstring> proxyPath;
+    std::optional<std::wstring> commandPath;
+    bool proxyExists = false;
+    bool commandExists = false;
+    std::optional<std::uint32_t> autoLaunchOfUser;
+    std::optional<std::uint32_t> autoLaunchOfMachine;
+    std::optional<std::uint32_t> sniffDepth; ///< the user's; the library takes 4 where there is none
+};
+
+/// In the order in which the library searches.
+[[nodiscard]] std::vector<ApplicationKey> FindApplicationKeys();
+
+} // namespace kestraboot::tools

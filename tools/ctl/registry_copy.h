@@ -1,0 +1,36 @@
+// A copy of the keys that the library reads, put in the place of HKEY_LOCAL_MACHINE and
+// HKEY_CURRENT_USER for this process. The library writes when it loads: it creates per-user keys and
+// keeps the auto-run entry. It does so in the copy, and the machine stays as it is.
+//
+// The copy lies below HKEY_CURRENT_USER\Software, in a key of this process's own, until it ends. Its
+// keys are volatile: what a process leaves that was ended in the middle never reaches the disk, and the
+// next copy removes it.
+#pragma once
+
+#include "tools/ctl/registry_key.h"
+
+#include <string>
+
+namespace kestraboot::tools
+{
+
+class RegistryCopy
+{
+public:
+    /// Throws std::runtime_error, with nothing left behind, where the copy cannot be made.
+    RegistryCopy();
+    RegistryCopy(const RegistryCopy&) = delete;
+    RegistryCopy& operator=(const RegistryCopy&) = delete;
+    ~RegistryCopy();
+
+private:
+    void Fill();
+    void Remove() noexcept;
+
+    RegistryKey parent; ///< the real one, opened before it is replaced
+    std::wstring name;
+    RegistryKey machine;
+    RegistryKey user;
+};
+
+} // namespace kestraboot::tools

@@ -1,0 +1,49 @@
+// All that kestractl shows.
+#pragma once
+
+#include "kestraboot/application_info.h"
+#include "tools/ctl/left_out.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kestraboot::tools
+{
+
+/// An application in the library's list.
+struct ListedApplication {
+    appInfo_tag info;
+    bool mayLaunch = true; ///< the launch status that its proxy is told
+    std::wstring locale;   ///< that its proxy is told
+    bool localeStored = false;
+    std::optional<std::uint32_t> sniffDepth;
+};
+
+/// One that is registered, but not in the list.
+struct LeftOutApplication {
+    ApplicationKey key;
+    std::vector<Reason> reasons;
+};
+
+/// What an arrival starts with the registry as it is.
+struct NextLaunch {
+    std::wstring application; ///< its name
+    const wchar_t* mode = L"";
+};
+
+struct Report {
+    std::vector<ListedApplication> applications; ///< in the library's order
+    std::vector<std::wstring> defaults;          ///< names, in the same order
+    std::vector<LeftOutApplication> leftOut;
+    std::optional<NextLaunch> next; ///< nothing is started without one
+
+    std::optional<std::wstring> autoRun;            ///< as stored
+    bool autoRunExists = false;                     ///< the file that it names
+    std::optional<std::wstring> autoRunApplication; ///< whose proxy it is
+
+    std::optional<appInfo_tag> organiser;
+};
+
+} // namespace kestraboot::tools
