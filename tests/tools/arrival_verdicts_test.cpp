@@ -155,6 +155,14 @@ TEST_F(Verdicts, DoNotTakeAnOldNoticeForTheCards)
     EXPECT_EQ(told[1].millisecondsToEnd, 10);
 }
 
+TEST_F(Verdicts, TakeANoticeForOneCardOnly)
+{
+    Lines({kNotice, kFound, kRefused, kFound, kRefused});
+    ASSERT_THAT(told, SizeIs(2));
+    EXPECT_EQ(told[0].millisecondsToEnd, 20);
+    EXPECT_EQ(told[1].millisecondsToEnd, 10);
+}
+
 TEST_F(Verdicts, TakeTheFirstOfSeveralNotices)
 {
     Lines({kNotice, kNotice, kFound, kRefused});

@@ -23,6 +23,11 @@ TEST(Utf8, StaysValidWhereASurrogateStandsAlone)
     EXPECT_EQ(ToUtf8(std::wstring{wchar_t(0xDCF7), wchar_t(0xD83D)}), "\xEF\xBF\xBD\xEF\xBF\xBD");
 }
 
+TEST(Utf8, DoesNotLookBehindTheEnd)
+{
+    EXPECT_EQ(ToUtf8(std::wstring_view(L"\U0001F4F7").substr(0, 1)), "\xEF\xBF\xBD");
+}
+
 TEST(Utf8, KeepsZerosAndBounds)
 {
     EXPECT_EQ(ToUtf8(std::wstring_view(L"a\0b", 3)), std::string("a\0b", 3));

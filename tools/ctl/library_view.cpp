@@ -3,7 +3,6 @@
 #include "kestraboot/information_handler.h"
 #include "tools/ctl/auto_run.h"
 #include "tools/ctl/registry_key.h"
-#include "tools/ctl/registry_names.h"
 
 #include <stdexcept>
 
@@ -66,8 +65,6 @@ LibraryView AskLibrary()
 void AskAsEachProxy(std::vector<ListedApplication>& applications)
 {
     const std::wstring program = RunningProgram();
-    // No organiser: nothing that goes wrong here may start its programs.
-    static_cast<void>(::RegDeleteTreeW(HKEY_LOCAL_MACHINE, kOrganiserKey));
     for (const ListedApplication& application : applications) {
         PutText(application.info.KeyPath, L"ProxyPath", L"");
     }

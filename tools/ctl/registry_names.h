@@ -9,8 +9,6 @@ inline constexpr const wchar_t* kCorvaneRoot = L"SOFTWARE\\Corvane";
 inline constexpr const wchar_t* kApplicationKeyName = L"Corvane Kestrafetch"; ///< case included
 inline constexpr const wchar_t* kRunKey = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run";
 inline constexpr const wchar_t* kRunValue = L"Corvane Kestrafetch";
-inline constexpr const wchar_t* kOrganiserKey =
-    L"SOFTWARE\\Corvane\\Vellumry\\3.0\\Organizer\\ApplicationPath";
 inline constexpr const wchar_t* kAutoPlayKey =
     L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\AutoplayHandlers\\Handlers\\"
     L"CorvaneVellumryShowPicturesOnArrival";
