@@ -8,7 +8,7 @@ scripts/setup.sh
 stage() { printf '\n== %s (%d s)\n' "$*" $SECONDS; }
 
 stage "Format"
-mapfile -t sources < <(find boot foundation include launcher legacy registry samples service tests tools trackers \
+mapfile -t sources < <(find bench boot foundation include launcher legacy registry samples service tests tools trackers \
     -name '*.h' -o -name '*.cpp')
 clang-format-14 --dry-run -Werror "${sources[@]}"
 echo "${#sources[@]} files"

@@ -1,0 +1,50 @@
+#include "bench/card.h"
+
+#include "tests/support/card_slot.h"
+
+#include <windows.h>
+#include <stdexcept>
+
+namespace kestraboot::bench
+{
+namespace
+{
+
+/// The mount manager answers before the letter is there, or gone.
+void AwaitLetter(wchar_t letter, bool there)
+{
+    const DWORD bit = DWORD{1} << (letter - L'A');
+    while (((::GetLogicalDrives() & bit) != 0) != there) {
+        ::Sleep(1);
+    }
+}
+
+} // namespace
+
+Card::Card(wchar_t driveLetter, const std::string& unixFolder) : letter(driveLetter), folder(unixFolder)
+{
+    Insert();
+}
+
+Card::~Card()
+{
+    static_cast<void>(tests::TakeCardOut(letter));
+}
+
+void Card::Insert() const
+{
+    if (!tests::InsertCard(letter, folder)) {
+        throw std::runtime_error("the mount manager refuses the card " + folder);
+    }
+    AwaitLetter(letter, true);
+}
+
+void Card::TakeOut() const
+{
+    if (!tests::TakeCardOut(letter)) {
+        throw std::runtime_error("the mount manager keeps the card " + folder);
+    }
+    AwaitLetter(letter, false);
+}
+
+} // namespace kestraboot::bench

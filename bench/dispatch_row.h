@@ -1,0 +1,11 @@
+#pragma once
+
+#include "bench/request.h"
+
+namespace kestraboot::bench
+{
+
+/// Reports to the host's callback; the size is the number of threads that report.
+void CompeteInDispatch(const Request& request);
+
+} // namespace kestraboot::bench

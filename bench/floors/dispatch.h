@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+namespace kestraboot::bench
+{
+
+using Report = void (*)(std::wstring&, std::wstring&);
+
+/// Before the first report.
+void PrepareReports(Report report);
+
+/// An indirect call in a critical section.
+void ReportInTurn(std::wstring& kind, std::wstring& deviceId);
+
+} // namespace kestraboot::bench

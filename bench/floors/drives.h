@@ -1,0 +1,9 @@
+#pragma once
+
+namespace kestraboot::bench
+{
+
+/// The calls of one look at the drives: of the volume tracker's poll while nothing changes.
+void LookAtDrives();
+
+} // namespace kestraboot::bench

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+namespace kestraboot::bench
+{
+
+/// What there is on the road from a card to an application.
+struct Road {
+    std::wstring drive;          ///< "E:"
+    std::wstring applicationKey; ///< of the one, default, application whose proxy is this program
+    std::wstring proxyPath;
+    std::wstring commandPath;
+};
+
+/// The calls of that road, from the look that finds the card to the started application.
+void TravelRoad(const Road& road);
+
+} // namespace kestraboot::bench

@@ -1,0 +1,62 @@
+#include "bench/launch_row.h"
+
+#include "bench/contest.h"
+#include "kestraboot/command_handler.h"
+#include "tests/support/import_patch.h"
+
+#include <cstdint>
+
+namespace kestraboot::bench
+{
+namespace
+{
+
+std::intptr_t StartNothing(int, const wchar_t*, const wchar_t*, ...) noexcept
+{
+    return -1;
+}
+
+void CALLBACK DropLine(const wchar_t*) noexcept {}
+
+BOOL CALLBACK TellNoVersion(OSVERSIONINFOW* version) noexcept
+{
+    version->dwPlatformId = VER_PLATFORM_WIN32_NT;
+    version->dwMajorVersion = 10;
+    return TRUE;
+}
+
+/// The line alone, in one string.
+void Compose(const std::wstring& path, const std::wstring& mode, const std::wstring& type,
+             const std::wstring& id)
+{
+    std::wstring line;
+    line.reserve(path.size() + mode.size() + type.size() + id.size() + 64);
+    line.append(L"\"").append(path).append(L"\" module=kestrafetch params mode=").append(mode);
+    line.append(L" devType=").append(type).append(L" priDevId=\"").append(id).append(L"\"");
+    ::OutputDebugStringW(line.c_str());
+}
+
+} // namespace
+
+void CompeteInComposing(const Request& request)
+{
+    const tests::ImportPatch start("_wspawnlp", reinterpret_cast<void*>(&StartNothing));
+    const tests::ImportPatch trace("OutputDebugStringW", reinterpret_cast<void*>(&DropLine));
+    const tests::ImportPatch version("GetVersionExW", reinterpret_cast<void*>(&TellNoVersion));
+
+    CKestraBootCommandHandler handler;
+    std::wstring path = L"C:\\Program Files\\Picture Organiser\\organiser.exe";
+    std::wstring mode = L"direct";
+    std::wstring type = L"volume";
+    std::wstring id = L"E:";
+    Compete(request.row, request.size, request.rounds,
+            {{"library", 0,
+              [&] {
+                  handler.LaunchKestra(path, mode, type, id);
+              }},
+             {"floor", 2.0, [&] {
+                  Compose(path, mode, type, id);
+              }}});
+}
+
+} // namespace kestraboot::bench

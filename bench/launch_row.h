@@ -1,0 +1,11 @@
+#pragma once
+
+#include "bench/request.h"
+
+namespace kestraboot::bench
+{
+
+/// Composing the command line of an application; nothing is started, and the trace costs nothing.
+void CompeteInComposing(const Request& request);
+
+} // namespace kestraboot::bench

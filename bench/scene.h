@@ -1,0 +1,30 @@
+#pragma once
+
+#include "bench/floors/road.h"
+#include "tests/support/registry_sandbox.h"
+
+namespace kestraboot::bench
+{
+
+/// A registry of this process's own with applications as their installers leave them, in its steady
+/// state: the user's preference keys are there. The first application is a default one, started from
+/// `commandPath`, with this program as its proxy.
+class Scene
+{
+public:
+    /// `otherKeys` below the same root belong to nobody.
+    Scene(int applications, int otherKeys, const std::wstring& commandPath);
+
+    [[nodiscard]] const std::wstring& FirstKey() const noexcept { return firstKey; }
+    [[nodiscard]] const std::wstring& ProxyPath() const noexcept { return proxyPath; }
+
+private:
+    tests::RegistrySandbox sandbox;
+    std::wstring firstKey;
+    std::wstring proxyPath;
+};
+
+/// A program beside this one.
+[[nodiscard]] std::wstring BesideThisProgram(const wchar_t* name);
+
+} // namespace kestraboot::bench

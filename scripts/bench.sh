@@ -1,0 +1,97 @@
+#!/usr/bin/env bash
+# Measures what the library costs against what Windows itself costs: builds, runs, prints one table. The rows
+# stay in build/bench as CSV, the growth curves as curves.svg.
+#   --rounds N      at least so many rounds of each row (15); rows that are quick make more
+#   --rows REGEX    only the rows whose "name size" matches, such as 'walk 1000$' or '^dispatch'
+#   --resume        leaves rows alone that were measured already
+#   --record        also writes the table and the curves into docs/speed.md and docs/speed.svg
+#   --report        measures nothing: the table of what was measured before
+set -euo pipefail
+cd "$(dirname "$0")/.."
+. scripts/wine.sh
+
+rounds=15 wanted=. resume= record= report=
+while [ $# -gt 0 ]; do
+    case $1 in
+    --rounds) rounds=$2 && shift ;;
+    --rows) wanted=$2 && shift ;;
+    --resume) resume=1 ;;
+    --record) record=--record ;;
+    --report) report=1 ;;
+    *) sed -n '2,8s/^# \{0,1\}//p' "$0" >&2 && exit 2 ;;
+    esac
+    shift
+done
+
+# name, size, program, card
+rows='walk 1000 bench_rooms walk
+walk 10000 bench_rooms walk
+walk 100000 bench_rooms walk
+quiet-walk 1000 bench_rooms walk
+quiet-walk 10000 bench_rooms walk
+quiet-walk 100000 bench_rooms walk
+search 10000 bench_rooms search
+load-information 1+0 bench_rooms
+load-information 10+0 bench_rooms
+load-information 100+0 bench_rooms
+load-information 1000+0 bench_rooms
+load-information 1+10000 bench_rooms
+load-information 10+10000 bench_rooms
+load-information 100+10000 bench_rooms
+load-information 1000+10000 bench_rooms
+launch 1 bench_rooms
+dispatch 1 bench_rooms
+dispatch 8 bench_rooms
+poll 1 bench_rooms search
+poll 20 bench_rooms search
+load needs bench_load
+load alone bench_load
+road 1 bench_rooms search
+road-without-start 1 bench_rooms search
+allocations 1 bench_rooms search
+memory 10 bench_memory search'
+
+out=build/bench
+prefix=$PWD/$out/wine
+bin=build/release/bin
+mkdir -p $out/rows $out/cards
+
+measure() {
+    scripts/setup.sh
+    echo "== Build"
+    cmake --preset release >/dev/null
+    cmake --build --preset release --target bench >$out/build.log 2>&1 || { cat $out/build.log && exit 1; }
+
+    local chosen count=0 name size program card file arguments status=0
+    chosen=$(awk -v wanted="$wanted" '($1 " " $2) ~ wanted' <<<"$rows")
+    [ -n "$chosen" ] || { echo "no row matches $wanted" >&2 && exit 2; }
+    scripts/test-prefix.sh begin "$prefix"
+    trap 'scripts/test-prefix.sh end "$prefix"' EXIT
+    while read -r name size program card; do
+        count=$((count + 1))
+        file=$out/rows/$name-$size.csv
+        printf '== %d of %d: %s %s ' "$count" "$(wc -l <<<"$chosen")" "$name" "$size"
+        if [ -n "$resume" ] && [ -s "$file" ]; then
+            echo "(measured before)"
+            continue
+        fi
+        arguments=()
+        if [ -n "$card" ]; then
+            local files=$size
+            [ "$card" = search ] && files=10000
+            bench/cards.py "$out/cards/$card-$files" "$card" "$files"
+            arguments=("$PWD/$out/cards/$card-$files")
+        fi
+        local start=$SECONDS
+        if wine_run "$prefix" 300 $bin/"$program".exe "$name" "$size" "$rounds" "${arguments[@]}" >"$file.new"; then
+            mv "$file.new" "$file"
+            echo "($((SECONDS - start)) s)"
+        else
+            echo "FAILED" && cat "$file.new" && status=1
+        fi
+    done <<<"$chosen"
+    return $status
+}
+
+[ -n "$report" ] || measure
+bench/report.py $record $out
