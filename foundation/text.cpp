@@ -2,6 +2,30 @@
 
 namespace kestraboot
 {
+namespace
+{
+
+constexpr wchar_t kAsciiEnd = 0x80;
+
+constexpr int AsciiLower(wchar_t character) noexcept
+{
+    return character >= L'A' && character <= L'Z' ? character + (L'a' - L'A') : character;
+}
+
+} // namespace
+
+int CompareIgnoringCase(const wchar_t* left, const wchar_t* right) noexcept
+{
+    for (;; ++left, ++right) {
+        if (*left >= kAsciiEnd || *right >= kAsciiEnd) {
+            return _wcsicmp(left, right);
+        }
+        const int difference = AsciiLower(*left) - AsciiLower(*right);
+        if (difference != 0 || *left == L'\0') {
+            return difference;
+        }
+    }
+}
 
 bool EqualIgnoringCase(const std::wstring& left, const std::wstring& right) noexcept
 {

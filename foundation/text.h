@@ -20,6 +20,10 @@ void CopyToField(wchar_t (&field)[Capacity], std::wstring_view text) noexcept
     std::wmemset(field + copied, L'\0', Capacity - copied);
 }
 
+/// The order of the C runtime's _wcsicmp, which is asked only where a character is not ASCII: it costs
+/// ten times as much as reading a short file name.
+[[nodiscard]] int CompareIgnoringCase(const wchar_t* left, const wchar_t* right) noexcept;
+
 /// Whole strings, as the C runtime's _wcsicmp compares them.
 [[nodiscard]] bool EqualIgnoringCase(const std::wstring& left, const std::wstring& right) noexcept;
 

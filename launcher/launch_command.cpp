@@ -1,7 +1,7 @@
 // The one place where a compatible application is started for a device.
 #include "foundation/handles.h"
-#include "foundation/text.h"
 #include "kestraboot/command_handler.h"
+#include "launcher/start_line.h"
 #include "legacy/proxy_launch.h"
 #include "service/console_session.h"
 #include "service/windows_version.h"
@@ -13,9 +13,6 @@ using namespace kestraboot;
 
 namespace
 {
-
-constexpr const wchar_t* kModule = L"module=kestrafetch";
-constexpr const wchar_t* kParams = L"params"; // an argument of its own, without a value
 
 bool InConsoleSession() noexcept
 {
@@ -45,18 +42,19 @@ void Forget(std::intptr_t started) noexcept
 void CKestraBootCommandHandler::LaunchKestra(std::wstring& appPath, std::wstring& mode,
                                              std::wstring& deviceType, std::wstring& deviceId)
 {
-    const std::wstring modeArgument = L"mode=" + mode;
-    const std::wstring deviceTypeArgument = L"devType=" + deviceType;
     if (mode.empty()) {
         ::OutputDebugStringW(L"<KestraBoot><!!! Mode not set. Unable to launch Kestra.>");
         return;
     }
-    const std::wstring quotedPath = QuoteUnlessQuoted(appPath);
-    std::wstring line = quotedPath + L' ' + kModule + L' ' + kParams + L' ' + modeArgument;
-    std::wstring deviceIdArgument;
+    constexpr std::size_t kFixedText = 80; // the words between what is given
+    StartLine line(appPath.size() + mode.size() + deviceType.size() + deviceId.size() + kFixedText);
+    line.Add({QuoteFor(appPath), appPath, QuoteFor(appPath)});
+    line.Add({L"module=kestrafetch"});
+    line.Add({L"params"}); // an argument of its own, without a value
+    line.Add({L"mode=", mode});
     if (!deviceId.empty()) {
-        deviceIdArgument = L"priDevId=" + QuoteUnlessQuoted(deviceId);
-        line += L' ' + deviceTypeArgument + L' ' + deviceIdArgument;
+        line.Add({L"devType=", deviceType});
+        line.Add({L"priDevId=", QuoteFor(deviceId), deviceId, QuoteFor(deviceId)});
     }
 
     if (!MayLaunch(!deviceId.empty())) {
@@ -65,15 +63,15 @@ void CKestraBootCommandHandler::LaunchKestra(std::wstring& appPath, std::wstring
     }
     constexpr const wchar_t* kEnd = nullptr;
     if (!deviceId.empty()) {
-        Forget(::_wspawnlp(_P_NOWAIT, appPath.c_str(), quotedPath.c_str(), kModule, kParams,
-                           modeArgument.c_str(), deviceTypeArgument.c_str(), deviceIdArgument.c_str(),
+        Forget(::_wspawnlp(_P_NOWAIT, appPath.c_str(), line.Argument(0), line.Argument(1),
+                           line.Argument(2), line.Argument(3), line.Argument(4), line.Argument(5),
                            kEnd));
     } else {
         // Without an identifier the type of the device is left out too, on purpose.
-        Forget(::_wspawnlp(_P_NOWAIT, appPath.c_str(), quotedPath.c_str(), kModule, kParams,
-                           modeArgument.c_str(), kEnd));
+        Forget(::_wspawnlp(_P_NOWAIT, appPath.c_str(), line.Argument(0), line.Argument(1),
+                           line.Argument(2), line.Argument(3), kEnd));
     }
-    ::OutputDebugStringW(line.c_str());
+    ::OutputDebugStringW(line.Join());
 }
 
 void CKestraBootCommandHandler::LaunchVel3Proxy(std::wstring& proxyPath, std::wstring& deviceType,

@@ -35,9 +35,10 @@ void ReadTexts(const std::wstring& keyPath, appInfo_tag& record)
 
 std::vector<formatInfo_tag> ReadFileFormats(const std::wstring& keyPath)
 {
+    const std::wstring formatsPath = keyPath + L"\\File Formats";
     std::vector<formatInfo_tag> formats;
     for (const wchar_t* const mediaType : {L"Image", L"Audio", L"Video"}) {
-        RegistryKey key = RegistryKey::OpenLocalMachine(keyPath + L"\\File Formats", KEY_READ);
+        RegistryKey key = RegistryKey::OpenLocalMachine(formatsPath, KEY_READ);
         if (const wchar_t* const extensions = key.QueryString(mediaType)) {
             AppendFormats(formats, extensions, mediaType);
         }

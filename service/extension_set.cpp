@@ -1,5 +1,7 @@
 #include "service/extension_set.h"
 
+#include "foundation/text.h"
+
 #include <algorithm>
 #include <cwchar>
 
@@ -13,19 +15,19 @@ ExtensionSet::ExtensionSet(const std::vector<formatInfo_tag>& formats)
         sorted.push_back(format.Extension);
     }
     std::ranges::sort(sorted, [](const std::wstring& left, const std::wstring& right) {
-        return _wcsicmp(left.c_str(), right.c_str()) < 0;
+        return CompareIgnoringCase(left.c_str(), right.c_str()) < 0;
     });
 }
 
 bool ExtensionSet::Contains(const wchar_t* extension) const noexcept
 {
-    if (_wcsicmp(extension, L"pdf") == 0) {
+    if (CompareIgnoringCase(extension, L"pdf") == 0) {
         return false; // documents are no media, even where an application handles them as pictures
     }
     const auto notLess = std::ranges::partition_point(sorted, [&](const std::wstring& listed) {
-        return _wcsicmp(listed.c_str(), extension) < 0;
+        return CompareIgnoringCase(listed.c_str(), extension) < 0;
     });
-    return notLess != sorted.end() && _wcsicmp(notLess->c_str(), extension) == 0;
+    return notLess != sorted.end() && CompareIgnoringCase(notLess->c_str(), extension) == 0;
 }
 
 const wchar_t* FileExtension(const wchar_t* fileName) noexcept

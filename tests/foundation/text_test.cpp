@@ -32,6 +32,27 @@ TEST(Field, IsZeroBehindTheText)
     EXPECT_EQ(std::wstring(field, 8), std::wstring(L"ab\0\0\0\0\0\0", 8));
 }
 
+int Sign(int difference)
+{
+    return (difference > 0) - (difference < 0);
+}
+
+TEST(CompareIgnoringCase, OrdersAsTheRuntimeDoes)
+{
+    const std::vector<std::wstring> texts = {
+        L"",        L"j",       L"jp",      L"jpg",   L"JPG",   L"jpe",    L"jpeg", L"JPEG",
+        L"jPgx",    L"[",       L"`",       L"@",     L"{",     L"a b",    L"A_b",  L"a\xC4",
+        L"A\xE4",   L"\xE4",    L"\xC4",    L"\x7F",  L"j\x80", L"\x212A", L"k",    L"K\x212A",
+        L"\x212Ak", L"z\xD800", L"Z\xDC00", L"\x130", L"i",     L"\xFFFF"};
+    for (const std::wstring& left : texts) {
+        for (const std::wstring& right : texts) {
+            EXPECT_EQ(Sign(CompareIgnoringCase(left.c_str(), right.c_str())),
+                      Sign(_wcsicmp(left.c_str(), right.c_str())))
+                << testing::PrintToString(left) << " and " << testing::PrintToString(right);
+        }
+    }
+}
+
 TEST(EqualIgnoringCase, ComparesWholeStrings)
 {
     EXPECT_TRUE(EqualIgnoringCase(L"C:\\Apps\\PROXY.EXE", L"c:\\apps\\proxy.exe"));
