@@ -13,6 +13,11 @@ namespace kestraboot::bench
 namespace
 {
 
+struct OneReport {
+    OneReport() { ::InitializeCriticalSection(&section); }
+    CRITICAL_SECTION section;
+} oneReport;
+
 void ReadFileSystem(const wchar_t* drive)
 {
     wchar_t volumeName[260];
@@ -51,12 +56,6 @@ void Start(const Road& road)
 
 void TravelRoad(const Road& road)
 {
-    static CRITICAL_SECTION oneReport = [] {
-        CRITICAL_SECTION made;
-        ::InitializeCriticalSection(&made);
-        return made;
-    }();
-
     LookAtDrives();
     ReadFileSystem(road.drive.c_str());
     ::OutputDebugStringW(
@@ -66,10 +65,10 @@ void TravelRoad(const Road& road)
     ReadOwnPath();
     ReadUserNumber(road.applicationKey.c_str(), L"SniffDepth");
     TracedSearch(road.drive, 4, L"jpg");
-    ::EnterCriticalSection(&oneReport);
+    ::EnterCriticalSection(&oneReport.section);
     MaintainOrder(road.proxyPath.c_str());
     Start(road);
-    ::LeaveCriticalSection(&oneReport);
+    ::LeaveCriticalSection(&oneReport.section);
 }
 
 } // namespace kestraboot::bench

@@ -1,0 +1,53 @@
+#include "tests/cost/call_count.h"
+
+#include "tests/endurance/faults/call_gate.h"
+
+#include <intrin.h>
+
+namespace kestraboot::tests
+{
+namespace
+{
+
+constexpr int kMostCalls = 4096;
+
+// Kept without taking memory: the calls come from the middle of the product.
+const char* calls[kMostCalls];
+int made = 0;
+DWORD countedThread = 0;
+
+/// GetCurrentThreadId without a call: every call of this program passes the gate.
+DWORD ThisThread() noexcept
+{
+    constexpr unsigned long kThreadIdInTeb = 0x48;
+    return __readgsdword(kThreadIdInTeb);
+}
+
+bool Count(GatedCall& call) noexcept
+{
+    const bool ofWindows = call.function[0] >= 'A' && call.function[0] <= 'Z';
+    if (ThisThread() == countedThread && ofWindows && made < kMostCalls) {
+        calls[made++] = call.function;
+    }
+    return true;
+}
+
+} // namespace
+
+CallCounts CallsOf(const std::function<void()>& work)
+{
+    {
+        const CallGate gate(::GetModuleHandleW(nullptr), Count);
+        made = 0;
+        countedThread = ThisThread();
+        work();
+        countedThread = 0;
+    }
+    CallCounts counts;
+    for (int i = 0; i < made; ++i) {
+        ++counts[calls[i]];
+    }
+    return counts;
+}
+
+} // namespace kestraboot::tests

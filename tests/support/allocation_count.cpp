@@ -1,0 +1,39 @@
+#include "tests/support/allocation_count.h"
+
+#include "tests/support/import_patch.h"
+
+#include <cstdlib>
+
+namespace kestraboot::tests
+{
+namespace
+{
+
+DWORD countedThread = 0;
+long taken = 0;
+
+// Stands in the import table of the runtime's DLL: operator new of everybody is there.
+void* Allocate(std::size_t size)
+{
+    if (::GetCurrentThreadId() == countedThread) {
+        ++taken;
+    }
+    return std::malloc(size);
+}
+
+} // namespace
+
+long AllocationsOf(const std::function<void()>& work)
+{
+    const HMODULE before = ModuleUnderTest();
+    SetModuleUnderTest(::GetModuleHandleW(L"libstdc++-6.dll"));
+    const ImportPatch counting("malloc", reinterpret_cast<void*>(&Allocate));
+    SetModuleUnderTest(before);
+    taken = 0;
+    countedThread = ::GetCurrentThreadId();
+    work();
+    countedThread = 0;
+    return taken;
+}
+
+} // namespace kestraboot::tests

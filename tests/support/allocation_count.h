@@ -1,0 +1,12 @@
+#pragma once
+
+#include <functional>
+
+namespace kestraboot::tests
+{
+
+/// How often `work` takes memory with operator new on this thread, in this executable and in the
+/// functions of the C++ runtime that it uses.
+[[nodiscard]] long AllocationsOf(const std::function<void()>& work);
+
+} // namespace kestraboot::tests
