@@ -1,4 +1,5 @@
 // Measures one row: bench.exe ROW SIZE ROUNDS [CARD]
+#include "bench/allocations_row.h"
 #include "bench/dispatch_row.h"
 #include "bench/launch_row.h"
 #include "bench/poll_row.h"
@@ -17,15 +18,11 @@ namespace
 {
 
 const std::map<std::string, std::function<void(const Request&)>> kRows = {
-    {"dispatch", CompeteInDispatch},
-    {"launch", CompeteInComposing},
-    {"load-information", CompeteInLoading},
-    {"poll", CompeteInPolling},
-    {"quiet-walk", CompeteInQuietWalk},
-    {"road", CompeteOnRoad},
-    {"road-without-start", CompeteOnRoadWithoutStart},
-    {"search", CompeteInSearch},
-    {"walk", CompeteInWalk},
+    {"allocations", CountAllocations}, {"dispatch", CompeteInDispatch},
+    {"launch", CompeteInComposing},    {"load-information", CompeteInLoading},
+    {"poll", CompeteInPolling},        {"quiet-walk", CompeteInQuietWalk},
+    {"road", CompeteOnRoad},           {"road-without-start", CompeteOnRoadWithoutStart},
+    {"search", CompeteInSearch},       {"walk", CompeteInWalk},
 };
 
 } // namespace

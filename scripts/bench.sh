@@ -49,7 +49,8 @@ load alone bench_load
 road 1 bench_rooms search
 road-without-start 1 bench_rooms search
 allocations 1 bench_rooms search
-memory 10 bench_memory search'
+memory 0 bench_memory
+memory 10 bench_memory'
 
 out=build/bench
 prefix=$PWD/$out/wine

@@ -1,0 +1,87 @@
+#include "bench/allocations_row.h"
+
+#include "bench/card.h"
+#include "bench/scene.h"
+#include "foundation/trace.h"
+#include "kestraboot/command_handler.h"
+#include "kestraboot/device_connect.h"
+#include "service/dispatch.h"
+#include "service/media_walk.h"
+#include "tests/support/allocation_count.h"
+#include "tests/support/import_patch.h"
+#include "trackers/volume/volume_scan.h"
+
+#include <cstdint>
+#include <cstdio>
+
+namespace kestraboot::bench
+{
+namespace
+{
+
+using tests::AllocationsOf;
+
+void Print(const char* what, double number)
+{
+    std::printf("allocations,%s,%g\n", what, number);
+}
+
+long AllocationsOfLoading(int applications)
+{
+    const Scene scene(applications, 0, BesideThisProgram(L"bench_application.exe"));
+    CKestraBootInformationHandler handler;
+    handler.LoadInformation();
+    return AllocationsOf([&] {
+        handler.LoadInformation();
+    });
+}
+
+std::intptr_t StartNothing(int, const wchar_t*, const wchar_t*, ...) noexcept
+{
+    return -1;
+}
+
+} // namespace
+
+void CountAllocations(const Request& request)
+{
+    const Card card(L'E', request.card);
+    DriveWatch watch;
+    VolumeScan scan(watch);
+    scan.Scan();
+    Print("an idle poll", static_cast<double>(AllocationsOf([&] {
+              scan.Scan();
+          })));
+
+    const ExtensionSet none(std::vector<formatInfo_tag>{});
+    Print("media walk of 10,000 files in 103 folders", static_cast<double>(AllocationsOf([&] {
+              static_cast<void>(FindSupportedFile(card.Drive().c_str(), 4, none));
+          })));
+    Print("a trace line", static_cast<double>(AllocationsOf([] {
+              TraceBuffer line = {};
+              FormatTraceLine(line, L"<***DeviceConnect***><%d><%ls><%ls>\n", 1, L"FILE",
+                              L"IMG_0001.JPG");
+          })));
+
+    InitializeDispatch();
+    RegisterDeviceConnectCallback([](std::wstring&, std::wstring&) {});
+    std::wstring kind = L"volume";
+    std::wstring deviceId = L"E:";
+    Print("a dispatch", static_cast<double>(AllocationsOf([&] {
+              NotifyDeviceConnect(kind, deviceId);
+          })));
+
+    const tests::ImportPatch start("_wspawnlp", reinterpret_cast<void*>(&StartNothing));
+    CKestraBootCommandHandler handler;
+    std::wstring path = L"C:\\Program Files\\Picture Organiser\\organiser.exe";
+    std::wstring mode = L"direct";
+    Print("a launch", static_cast<double>(AllocationsOf([&] {
+              handler.LaunchKestra(path, mode, kind, deviceId);
+          })));
+
+    constexpr int kMore = 64;
+    Print("an application loaded (16 formats), on average",
+          static_cast<double>(AllocationsOfLoading(2 * kMore) - AllocationsOfLoading(kMore)) / kMore);
+}
+
+} // namespace kestraboot::bench
