@@ -23,7 +23,7 @@ using tests::AllocationsOf;
 
 void Print(const char* what, double number)
 {
-    std::printf("allocations,%s,%g\n", what, number);
+    std::printf("allocations,\"%s\",%g\n", what, number);
 }
 
 long AllocationsOfLoading(int applications)

@@ -12,9 +12,9 @@ namespace
 using Clock = std::chrono::steady_clock;
 using Nanoseconds = std::chrono::duration<double, std::nano>;
 
-constexpr Nanoseconds kSample = std::chrono::milliseconds(5);
+constexpr Nanoseconds kSample = std::chrono::milliseconds(1);
 constexpr Nanoseconds kQuick = std::chrono::milliseconds(2500);
-constexpr int kMostRounds = 301;
+constexpr int kMostRounds = 601;
 
 Nanoseconds Time(const Side& side, long repetitions)
 {

@@ -13,7 +13,7 @@ struct Side {
     double goal = 0; ///< how many times as long the library may take; 0 where nothing is promised
     std::function<void()> work;
     /// Makes ready for one piece of work, outside the time taken. Where it is set, each measurement is
-    /// of one piece of work; otherwise of as many as take some milliseconds.
+    /// of one piece of work; otherwise of as many as take a millisecond.
     std::function<void()> prepare = nullptr;
 };
 

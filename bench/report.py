@@ -14,9 +14,11 @@ import subprocess
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
+import footprint  # noqa: E402
 from curves import curves  # noqa: E402
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
+LIBRARY = ROOT / "build/release/bin/kestraboot.dll"
 ORDER = ["walk", "quiet-walk", "search", "load-information", "launch", "dispatch", "poll", "load", "road",
          "road-without-start"]
 TITLES = {
@@ -102,7 +104,8 @@ def growth(rows) -> list[str]:
     lines = []
     for row in in_order(rows):
         smaller = re.sub(r"^(\d+)0(?=\+|$)", r"\1", row.size)
-        if row.name in {"walk", "quiet-walk", "load-information"} and smaller != row.size and (row.name, smaller) in rows:
+        alone = not row.size.endswith("+10000")
+        if row.name in {"walk", "quiet-walk", "load-information"} and alone and smaller != row.size and (row.name, smaller) in rows:
             before = rows[row.name, smaller]
             factors = [statistics.median(row.sides[side]) / statistics.median(before.sides[side])
                        for side in ("library", "floor")]
@@ -146,7 +149,9 @@ def main() -> int:
     if not rows and not counted:
         print("report: nothing was measured yet", file=sys.stderr)
         return 1
-    blocks = [block for block in (times(rows) if rows else [], growth(rows), counts(counted)) if block]
+    blocks = [block for block in (times(rows) if rows else [], growth(rows), counts(counted),
+                             footprint.table({"kestraboot.dll": str(LIBRARY)}) if LIBRARY.exists() else [])
+              if block]
     table = "\n\n".join(["Times are medians, with the quartiles in brackets; a ratio is the median of the rounds' own "
                          "ratios. " + machine(), *("\n".join(block) for block in blocks)]) + "\n"
     print(table)

@@ -11,6 +11,7 @@ namespace
 
 DWORD countedThread = 0;
 long taken = 0;
+void* (*original)(std::size_t) = std::malloc;
 
 // Stands in the import table of the runtime's DLL: operator new of everybody is there.
 void* Allocate(std::size_t size)
@@ -18,7 +19,7 @@ void* Allocate(std::size_t size)
     if (::GetCurrentThreadId() == countedThread) {
         ++taken;
     }
-    return std::malloc(size);
+    return original(size);
 }
 
 } // namespace
@@ -29,6 +30,7 @@ long AllocationsOf(const std::function<void()>& work)
     SetModuleUnderTest(::GetModuleHandleW(L"libstdc++-6.dll"));
     const ImportPatch counting("malloc", reinterpret_cast<void*>(&Allocate));
     SetModuleUnderTest(before);
+    original = reinterpret_cast<void* (*)(std::size_t)>(counting.Original());
     taken = 0;
     countedThread = ::GetCurrentThreadId();
     work();
