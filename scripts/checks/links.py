@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Checks that each link of the pages for people leads to a file of the tree, and to a heading where it names one.
-Links into the web are not followed."""
+"""Checks that each link of the pages for people leads to a file of the tree, and to a heading where it names one,
+and that README leads to each page of docs. Links into the web are not followed."""
 import pathlib
 import re
 import sys
@@ -17,7 +17,7 @@ def anchors(page: pathlib.Path) -> set[str]:
 
 def main() -> int:
     pages = sorted([*ROOT.glob("*.md"), *(ROOT / "docs").rglob("*.md")])
-    wrong, count = [], 0
+    wrong, count, reached = [], 0, set()
     for page in pages:
         name = page.relative_to(ROOT)
         text = CODE.sub("", page.read_text(encoding="utf-8"))
@@ -31,6 +31,10 @@ def main() -> int:
                 wrong.append(f"{name}: no such file: {link}")
             elif anchor and (target.suffix != ".md" or anchor not in anchors(target)):
                 wrong.append(f"{name}: no such heading: {link}")
+            elif page == ROOT / "README.md":
+                reached.add(target)
+    wrong += [f"README.md does not lead to {page.relative_to(ROOT)}" for page in pages
+              if page.parent == ROOT / "docs" and page not in reached]
     print(f"links: {count} in {len(pages)} pages, {len(wrong)} wrong")
     print("\n".join(wrong))
     return 1 if wrong or count == 0 else 0
