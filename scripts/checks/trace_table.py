@@ -63,7 +63,7 @@ def lines_of_code(name: str, code: str, wrong: list[str]) -> list[tuple[str, str
         elif call[1] == "OutputDebugStringW":
             argument = rest.partition(")")[0].strip()
             buffer = re.search(rf"FormatTraceLine\s*\(\s*{re.escape(argument)}\s*,", code[:call.start()])
-            composed = argument == "line.c_str(" and name in COMPOSED.values()
+            composed = argument in ("line.c_str(", "line.Join(") and name in COMPOSED.values()
             if not buffer and not composed:
                 wrong.append(f"{where}: writes a line whose text this check cannot read: {argument}")
         elif not re.match(r"\s*\w*\s*(TraceBuffer|const wchar_t)", code[call.end():]):  # no declaration either

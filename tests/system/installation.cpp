@@ -94,7 +94,7 @@ std::wstring AutoRunEntry()
 
 LegacyOrganiser::LegacyOrganiser()
 {
-    CopyProgram(L"viewer.exe", folder.Path() / (std::wstring(kDeviceConnect) + L".exe"));
+    CopyProgram(L"viewer.exe", DeviceConnect());
     for (const wchar_t* const dll :
          {L"libstdc++-6.dll", L"libgcc_s_seh-1.dll", L"libwinpthread-1.dll"}) {
         CopyProgram(dll, folder.Path() / dll);
@@ -103,11 +103,15 @@ LegacyOrganiser::LegacyOrganiser()
             folder.Path().wstring());
 }
 
+std::filesystem::path LegacyOrganiser::DeviceConnect() const
+{
+    return folder.Path() / (std::wstring(kDeviceConnect) + L".exe");
+}
+
 std::vector<std::string> LegacyOrganiser::Orders() const
 {
     // The organisers of all tests write into one report.
-    const std::string ownLine =
-        "command line: \"" + (folder.Path() / kDeviceConnect).string() + ".exe\" ";
+    const std::string ownLine = "command line: \"" + DeviceConnect().string() + "\" ";
     std::vector<std::string> orders;
     std::istringstream report(ReportOf(kDeviceConnect));
     for (std::string line; std::getline(report, line);) {

@@ -54,6 +54,8 @@ class LegacyOrganiser
 public:
     LegacyOrganiser();
 
+    [[nodiscard]] std::filesystem::path DeviceConnect() const;
+
     /// What its device-connect program was started with so far ("-d", "-i"), in the order of the starts.
     /// They are detached: one may come long after the program that started it has ended.
     [[nodiscard]] std::vector<std::string> Orders() const;

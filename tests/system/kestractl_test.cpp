@@ -147,8 +147,8 @@ TEST_F(Kestractl, ChangesAndStartsNothingWhereNoApplicationIsLeft)
                 HasSubstr("Auto-run    \"C:\\gone\\kestraboot.exe\"\n            a file that does not "
                           "exist\n"));
     EXPECT_THAT(shown, HasSubstr("Organiser   Corvane Vellumry 3.0, " +
-                                 organiser.folder.Path().string() + "\\VellumryDeviceConnect.exe\n"));
-    EXPECT_EQ(ReportOf(L"VellumryDeviceConnect"), "");
+                                 organiser.DeviceConnect().string() + "\n"));
+    EXPECT_THAT(organiser.Orders(), testing::IsEmpty());
 }
 
 TEST_F(Kestractl, CountsTheOrganiserAsASecondApplication)
@@ -156,7 +156,7 @@ TEST_F(Kestractl, CountsTheOrganiserAsASecondApplication)
     const LegacyOrganiser organiser;
     const Installation application(L"App");
     EXPECT_THAT(Run(), HasSubstr("An arrival  starts App in mode select\n"));
-    EXPECT_EQ(ReportOf(L"VellumryDeviceConnect"), "");
+    EXPECT_THAT(organiser.Orders(), testing::IsEmpty());
 }
 
 TEST_F(Kestractl, ShowsAnEmptyRegistry)
