@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The main job, end to end, on real input: builds, makes a Wine prefix of its own, and shows the live trace
-# (seconds, process, line) while devices come and go. Ends with a table; fails where it differs from what is expected.
+# (time, process, line) while devices come and go. Ends with a table; fails where it differs from what is expected.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/wine.sh

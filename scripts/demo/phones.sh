@@ -18,6 +18,6 @@ act_phone() {
     step "It becomes ready"
     in_wine 60 "$bin/phone.exe" ready "Phone 1"
     expect_line "a phone that is ready is reported" "$start" 15
-    expect "and was reported only then" 1 "$(tr -d '\r' <"$demo/trace.log" | cut -c18- | grep -cxF -- "$start")"
+    expect "and was reported only then" 1 "$(trace_text <"$demo/trace.log" | grep -cxF -- "$start")"
     expect_report "the application was started for it" viewer 'device: mobile Phone 1' 15
 }

@@ -33,8 +33,11 @@ expect_line() {
     expect "$1" "$2" "$seen"
 }
 
-# The lines of the current step without time and process.
-trace_since_mark() { tail -n +$((mark + 1)) "$demo/trace.log" | tr -d '\r' | cut -c43-; }
+# What kestratrace shows, without time and process.
+trace_text() { tr -d '\r' | cut -c43-; }
+
+# The lines of the current step.
+trace_since_mark() { tail -n +$((mark + 1)) "$demo/trace.log" | trace_text; }
 
 # expect_report WHAT PROGRAM LINE SECONDS: a line that the started application wrote down since the step began.
 expect_report() {
