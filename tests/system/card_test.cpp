@@ -26,7 +26,7 @@ protected:
         SetWindowsVersion(L"kestraboot.exe", L"vista");
         boot = std::make_unique<ChildProcess>(app.Proxy());
         ASSERT_NE(AwaitWindow(boot->Id(), kBootTitle), nullptr);
-        window = AwaitWindow(boot->Id(), L"CardReaderLookupWindow");
+        window = AwaitWindow(boot->Id(), kVolumeWindow);
         ASSERT_NE(window, nullptr);
         AwaitTrackers({kNoWia, kNoSti, kNoPhones});
     }
@@ -164,7 +164,7 @@ TEST_P(OnWindows, VolumesAreWatchedOrNot)
     ChildProcess process(own.Proxy());
     ASSERT_NE(AwaitWindow(process.Id(), kBootTitle), nullptr);
     if (GetParam().watched) {
-        EXPECT_NE(AwaitWindow(process.Id(), L"CardReaderLookupWindow"), nullptr);
+        EXPECT_NE(AwaitWindow(process.Id(), kVolumeWindow), nullptr);
     }
     AwaitTrackers(GetParam().others);
     Quit(process);

@@ -14,6 +14,12 @@ void SystemTest::Quit(ChildProcess& boot)
 {
     const HWND window = AwaitWindow(boot.Id(), kBootTitle);
     ASSERT_NE(window, nullptr);
+    // Under Wine a process may wait for ever when it ends while one of its threads asks a drive: when
+    // its tracker has answered, it waits for messages.
+    if (const HWND tracker = AwaitWindow(boot.Id(), kVolumeWindow, 0)) {
+        DWORD_PTR answer = 0;
+        EXPECT_NE(::SendMessageTimeoutW(tracker, WM_NULL, 0, 0, SMTO_NORMAL, 30'000, &answer), 0);
+    }
     ::SendMessageW(window, WM_QUIT, 0, 0);
     EXPECT_EQ(boot.ExitCode(), kDone);
 }

@@ -13,6 +13,7 @@ namespace kestraboot::tests
 {
 
 inline const std::wstring kBootTitle = L"Corvane Kestrafetch Boot";
+inline const std::wstring kVolumeWindow = L"CardReaderLookupWindow";
 
 inline const std::string kTookControl = "<KestraProxy><Took control of the situation>";
 inline const std::string kFolderSet = "<KestraProxy><Current working directory is set.>";

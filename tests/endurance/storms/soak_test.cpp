@@ -84,7 +84,7 @@ double Mean(const std::vector<ResourceUse>& samples, std::size_t from, std::size
 TEST_F(Soak, OfAllDevicesAtOnceLeavesTheBootProgramAsItWas)
 {
     ChildProcess boot(app.Proxy());
-    const HWND volumes = AwaitWindow(boot.Id(), L"CardReaderLookupWindow");
+    const HWND volumes = AwaitWindow(boot.Id(), kVolumeWindow);
     ASSERT_NE(AwaitWindow(boot.Id(), L"STITrackerWindow"), nullptr);
     ASSERT_TRUE(trace.Await(kDetected + "<WiaTracker><WIA devices will be detected>."));
     ASSERT_TRUE(trace.Await(kDetected + "<Phones><Devices will be detected.>"));
