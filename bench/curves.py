@@ -4,6 +4,7 @@ import statistics
 
 WIDTH, HEIGHT, LEFT, TOP, RIGHT, BOTTOM = 440, 340, 64, 40, 16, 48
 COLOURS = {"library": "#1f5fa8", "floor": "#d9822b", "std::filesystem": "#7a7a7a"}
+PALE = {"library": "#7fb2e5", "floor": "#e8b98a"}  # of a second pair of lines
 
 
 def panels(rows):
@@ -48,13 +49,14 @@ def draw(title, label, lines, x0):
                    f'<text x="{x0 + LEFT - 6}" y="{at + 4:.1f}" text-anchor="end">{10.0**power:g} ms</text>')
     out.append(f'<text x="{x0 + (LEFT + WIDTH - RIGHT) / 2}" y="{HEIGHT - 10}" text-anchor="middle">{label}</text>')
     for index, (name, side, line) in enumerate(lines):
+        colour = (PALE if "," in name else COLOURS)[side]
         dash = ' stroke-dasharray="5 4"' if side != "library" else ""
         path = "M" + "L".join(f"{x(w):.1f} {y(ms):.1f}" for w, ms in line)
-        out.append(f'<path d="{path}" fill="none" stroke="{COLOURS[side]}" stroke-width="2"{dash}/>')
-        out += [f'<circle cx="{x(w):.1f}" cy="{y(ms):.1f}" r="3" fill="{COLOURS[side]}"/>' for w, ms in line]
-        row = TOP + 14 + 15 * index
-        out.append(f'<path d="M{x0 + LEFT + 8} {row - 4}h22" stroke="{COLOURS[side]}" stroke-width="2"{dash}/>'
-                   f'<text x="{x0 + LEFT + 36}" y="{row}">{name}</text>')
+        out.append(f'<path d="{path}" fill="none" stroke="{colour}" stroke-width="2"{dash}/>')
+        out += [f'<circle cx="{x(w):.1f}" cy="{y(ms):.1f}" r="3" fill="{colour}"/>' for w, ms in line]
+        row = HEIGHT - BOTTOM - 10 - 15 * (len(lines) - 1 - index)
+        out.append(f'<path d="M{x0 + WIDTH - 200} {row - 4}h22" stroke="{colour}" stroke-width="2"{dash}/>'
+                   f'<text x="{x0 + WIDTH - 172}" y="{row}">{name}</text>')
     return "\n".join(out)
 
 

@@ -118,7 +118,7 @@ def counts(counted) -> list[str]:
     allocations = [line for line in counted if line[0] == "allocations"]
     if allocations:
         lines += ["| allocations | number |", "|---|---|"]
-        lines += [f"| {what} | {number} |" for _, what, number in allocations]
+        lines += [f"| {what} | {float(number):.0f} |" for _, what, number in allocations]
     memory = [line for line in counted if line[0] == "memory"]
     if memory:
         lines += ["", "| idle host | simulated days of polling | private bytes |", "|---|---|---|"]
