@@ -23,10 +23,19 @@ wine_prefix_copy() {
     cp -a --reflink=auto "$1" "$2"
 }
 
-# wine_prefix_start FOLDER: its server and services, which stay until wine_prefix_end.
+# wine_prefix_start FOLDER: its server and services, which stay until wine_prefix_end. Once in some thousand
+# times Wine's own first programs do not come up.
 wine_prefix_start() {
-    WINEPREFIX=$1 wineserver -p >/dev/null 2>&1 </dev/null
-    WINEPREFIX=$1 timeout 60 wine cmd /c exit >/dev/null 2>&1 </dev/null
+    local attempt
+    for attempt in 1 2 3; do
+        if WINEPREFIX=$1 wineserver -p >/dev/null 2>&1 </dev/null &&
+            WINEPREFIX=$1 timeout 60 wine cmd /c exit >/dev/null 2>&1 </dev/null; then
+            return 0
+        fi
+        echo "wine: $1 does not start, attempt $attempt of 3" >&2
+        wine_prefix_end "$1"
+    done
+    return 1
 }
 
 # wine_run FOLDER SECONDS PROGRAM ...: a program, ended after that many seconds; its output at the end.
