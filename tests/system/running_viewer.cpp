@@ -42,10 +42,17 @@ std::string RunningViewer::Await(const std::string& text)
 bool AwaitReader()
 {
     for (const ULONGLONG end = ::GetTickCount64() + 30'000; ::GetTickCount64() < end; ::Sleep(10)) {
-        // The last thing that a reader makes; writers open it too.
+        // The section is the last thing that a reader makes; that of one which has just ended may still
+        // be there without its events.
+        const HANDLE dataReady = ::OpenEventW(SYNCHRONIZE, FALSE, L"DBWIN_DATA_READY");
         const HANDLE section = ::OpenFileMappingW(FILE_MAP_READ, FALSE, L"DBWIN_BUFFER");
-        if (section != nullptr) {
-            ::CloseHandle(section);
+        const bool reads = dataReady != nullptr && section != nullptr;
+        for (const HANDLE opened : {dataReady, section}) {
+            if (opened != nullptr) {
+                ::CloseHandle(opened);
+            }
+        }
+        if (reads) {
             return true;
         }
     }
