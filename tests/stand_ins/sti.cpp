@@ -16,30 +16,10 @@
 //   short COUNT                        GetDeviceList reports so many devices, whatever the memory holds
 // A file "sti_calls.txt" beside it, where it exists, receives a line for each call.
 #include "tests/stand_ins/configuration.h"
-
-#include <windows.h>
+#include "tests/support/unanswered_still_image.h"
 
 #include <cstring>
-#include <sti.h>
 #include <string>
-
-// The header of this toolchain leaves three operations without a body.
-HRESULT IStillImageW::GetDeviceValue(LPWSTR, LPWSTR, LPDWORD, LPBYTE, LPDWORD)
-{
-    return E_NOTIMPL;
-}
-HRESULT IStillImageW::SetDeviceValue(LPWSTR, LPWSTR, DWORD, LPBYTE, DWORD)
-{
-    return E_NOTIMPL;
-}
-HRESULT IStillImageW::LaunchApplicationForDevice(LPWSTR, LPWSTR, LPSTINOTIFY)
-{
-    return E_NOTIMPL;
-}
-HRESULT IStillImageW::SetupDeviceParameters(PSTI_DEVICE_INFORMATIONW)
-{
-    return E_NOTIMPL;
-}
 
 namespace
 {
@@ -75,7 +55,7 @@ bool ToDevice(const Entry& entry, STI_DEVICE_INFORMATIONW& device)
     return true;
 }
 
-class StillImage final : private IStillImageW
+class StillImage final : public kestraboot::tests::UnansweredStillImage
 {
 public:
     static IStillImageW* Only()
@@ -84,12 +64,6 @@ public:
         return &only;
     }
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** object) override
-    {
-        *object = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
     ULONG STDMETHODCALLTYPE Release() override
     {
         Log("release");
@@ -134,18 +108,6 @@ public:
         }
         return Says(entries, "other-success") ? S_FALSE : S_OK;
     }
-
-    // clang-format off
-    HRESULT STDMETHODCALLTYPE GetDeviceInfo(LPWSTR, void**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE CreateDevice(LPWSTR, DWORD, PSTIDEVICE*, IUnknown*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetSTILaunchInformation(LPWSTR, DWORD*, LPWSTR) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE RegisterLaunchApplication(LPWSTR, LPWSTR) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE UnregisterLaunchApplication(LPWSTR) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE EnableHwNotifications(LPCWSTR, WINBOOL) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetHwNotificationState(LPCWSTR, WINBOOL*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE RefreshDeviceBus(LPCWSTR) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE WriteToErrorLog(DWORD, LPCWSTR) override { return E_NOTIMPL; }
-    // clang-format on
 };
 
 } // namespace

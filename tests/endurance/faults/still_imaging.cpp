@@ -3,30 +3,12 @@
 #include "tests/endurance/faults/armed.h"
 #include "tests/endurance/faults/journal.h"
 #include "tests/endurance/faults/wia_camera.h"
+#include "tests/support/unanswered_still_image.h"
 #include "trackers/still_image/twain.h"
 
 #include <cstring>
 #include <cwchar>
 #include <iterator>
-#include <sti.h>
-
-// The header of this toolchain leaves three operations without a body.
-HRESULT IStillImageW::GetDeviceValue(LPWSTR, LPWSTR, LPDWORD, LPBYTE, LPDWORD)
-{
-    return E_NOTIMPL;
-}
-HRESULT IStillImageW::SetDeviceValue(LPWSTR, LPWSTR, DWORD, LPBYTE, DWORD)
-{
-    return E_NOTIMPL;
-}
-HRESULT IStillImageW::LaunchApplicationForDevice(LPWSTR, LPWSTR, LPSTINOTIFY)
-{
-    return E_NOTIMPL;
-}
-HRESULT IStillImageW::SetupDeviceParameters(PSTI_DEVICE_INFORMATIONW)
-{
-    return E_NOTIMPL;
-}
 
 namespace kestraboot::tests
 {
@@ -43,25 +25,10 @@ int twainLoads = 0;
 int deviceLists = 0;
 bool twainIsOpen = false;
 
-class StillImage final : private IStillImageW
+class StillImage final : public UnansweredStillImage
 {
 public:
     IStillImageW* Itself() noexcept { return this; } // its one reference is never given back
-    // clang-format off
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-    HRESULT STDMETHODCALLTYPE Initialize(HINSTANCE, DWORD) override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE GetDeviceInfo(LPWSTR, void**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE CreateDevice(LPWSTR, DWORD, PSTIDEVICE*, IUnknown*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetSTILaunchInformation(LPWSTR, DWORD*, LPWSTR) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE RegisterLaunchApplication(LPWSTR, LPWSTR) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE UnregisterLaunchApplication(LPWSTR) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE EnableHwNotifications(LPCWSTR, WINBOOL) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetHwNotificationState(LPCWSTR, WINBOOL*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE RefreshDeviceBus(LPCWSTR) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE WriteToErrorLog(DWORD, LPCWSTR) override { return E_NOTIMPL; }
-    // clang-format on
     HRESULT STDMETHODCALLTYPE GetDeviceList(DWORD, DWORD, DWORD* count, void** buffer) override
     {
         *count = 0;

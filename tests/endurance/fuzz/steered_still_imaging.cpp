@@ -1,26 +1,9 @@
 #include "tests/endurance/fuzz/steered_still_imaging.h"
 
+#include "tests/support/unanswered_still_image.h"
 #include "trackers/still_image/twain.h"
 
 #include <cstring>
-
-// The header of this toolchain leaves these operations without a body.
-HRESULT IStillImageW::GetDeviceValue(LPWSTR, LPWSTR, LPDWORD, LPBYTE, LPDWORD)
-{
-    return E_NOTIMPL;
-}
-HRESULT IStillImageW::SetDeviceValue(LPWSTR, LPWSTR, DWORD, LPBYTE, DWORD)
-{
-    return E_NOTIMPL;
-}
-HRESULT IStillImageW::LaunchApplicationForDevice(LPWSTR, LPWSTR, LPSTINOTIFY)
-{
-    return E_NOTIMPL;
-}
-HRESULT IStillImageW::SetupDeviceParameters(PSTI_DEVICE_INFORMATIONW)
-{
-    return E_NOTIMPL;
-}
 
 namespace kestraboot::fuzz
 {
@@ -31,7 +14,7 @@ const auto kStillImaging = reinterpret_cast<HMODULE>(std::uintptr_t{0x571});
 const auto kTwain = reinterpret_cast<HMODULE>(std::uintptr_t{0x7A1});
 const auto kWindow = reinterpret_cast<HWND>(std::uintptr_t{0x111D});
 
-class StillImage final : private IStillImageW
+class StillImage final : public tests::UnansweredStillImage
 {
 public:
     static IStillImageW* Only()
@@ -39,13 +22,6 @@ public:
         static StillImage only;
         return &only;
     }
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** object) override
-    {
-        *object = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
     HRESULT STDMETHODCALLTYPE Initialize(HINSTANCE, DWORD) override
     {
         return SteeredStillImaging::Current()->Initialize();
@@ -54,17 +30,6 @@ public:
     {
         return SteeredStillImaging::Current()->GetDeviceList(count, buffer);
     }
-    // clang-format off
-    HRESULT STDMETHODCALLTYPE GetDeviceInfo(LPWSTR, void**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE CreateDevice(LPWSTR, DWORD, PSTIDEVICE*, IUnknown*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetSTILaunchInformation(LPWSTR, DWORD*, LPWSTR) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE RegisterLaunchApplication(LPWSTR, LPWSTR) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE UnregisterLaunchApplication(LPWSTR) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE EnableHwNotifications(LPCWSTR, WINBOOL) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetHwNotificationState(LPCWSTR, WINBOOL*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE RefreshDeviceBus(LPCWSTR) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE WriteToErrorLog(DWORD, LPCWSTR) override { return E_NOTIMPL; }
-    // clang-format on
 };
 
 HRESULT WINAPI CreateStillImage(HINSTANCE, DWORD, IStillImageW** created, IUnknown*)

@@ -66,8 +66,8 @@ TEST(WiaLookUps, OfTheStillImageTrackerOnXpLeaveNothingBehind)
     HostProcess host(L"imaging_host_5_1.exe");
     ASSERT_TRUE(host.WaitFor("trace <***DeviceConnect***><StiTracker><STI Devices will be detected.>"));
     standIns.Write("sti_devices.txt", {"every-second", "camera C"});
-    // Each enters and leaves an apartment and connects to the service anew. Wine's COM was seen to stop in
-    // the middle of that, once in some thousand times.
+    // Each enters and leaves an apartment and connects to the service anew. Wine's COM was seen to stop
+    // in the middle of that, once in some thousand times.
     constexpr int kAtOnce = 10;
     const int turns = StormSize(1, 100);
     EXPECT_TRUE(LeaveNothingBehind(
