@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Everything that must pass: format, include directions, the build, every test, the second compiler, the linter.
+# Everything that must pass: format, the checks of the tree, the build, every test, the second compiler, the linter.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -32,14 +32,16 @@ stage "Build"
 cmake --preset release >/dev/null
 cmake --build --preset release
 
-stage "Tests"
-ctest --preset release --parallel 2
+stage "Tests; meanwhile the second compiler and the linter"
+log=build/clang.log
+nice -n 19 scripts/checks/clang.sh >$log 2>&1 &
+clang=$!
+trap 'kill $clang 2>/dev/null || true' EXIT
+ctest --preset release --parallel 3 # many wait for processes of theirs
 
-stage "The second compiler"
-cmake --preset clang >/dev/null
-cmake --build --preset clang --target product # the whole suite with it: scripts/test-clang.sh
-
-stage "Linter"
-scripts/checks/lint.py build/clang
+stage "The second compiler and the linter"
+wait $clang || { cat $log; exit 1; }
+trap - EXIT
+tail -n 3 $log
 
 stage "All passed"

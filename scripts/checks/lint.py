@@ -24,8 +24,8 @@ def digest(files) -> str:
     return total.hexdigest()
 
 
-def lint(build: pathlib.Path, file: pathlib.Path, stamp: pathlib.Path) -> tuple[str, str]:
-    run = subprocess.run([TIDY, "-p", build, "--quiet", file], capture_output=True, text=True)
+def lint(commands: pathlib.Path, file: pathlib.Path, stamp: pathlib.Path) -> tuple[str, str]:
+    run = subprocess.run([TIDY, "-p", commands, "--quiet", file], capture_output=True, text=True)
     if run.returncode == 0 and "warning:" not in run.stdout and "error:" not in run.stdout:
         stamp.touch()
         return file.relative_to(ROOT).as_posix(), ""
@@ -40,9 +40,15 @@ def main() -> int:
         [ROOT / ".clang-tidy"]
         + sorted(h for room in [*ROOMS, "include"] for h in (ROOT / room).rglob("*.h"))
     )
-    compiled = {pathlib.Path(entry["file"]) for entry in json.loads((build / "compile_commands.json").read_text())}
-    sources = sorted(f for f in compiled if f.is_relative_to(ROOT) and f.suffix == ".cpp"
+    # Tests compile some of these files once more, behind a precompiled header that is not built here.
+    commands = {
+        pathlib.Path(entry["file"]): entry
+        for entry in json.loads((build / "compile_commands.json").read_text())
+        if " -o tests/" not in entry["command"]
+    }
+    sources = sorted(f for f in commands if f.is_relative_to(ROOT) and f.suffix == ".cpp"
                      and f.relative_to(ROOT).parts[0] in ROOMS)
+    (stamps / "compile_commands.json").write_text(json.dumps([commands[f] for f in sources]))
 
     work = []
     for file in sources:
@@ -53,7 +59,7 @@ def main() -> int:
 
     bad = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        for name, said in pool.map(lambda item: lint(build, *item), work):
+        for name, said in pool.map(lambda item: lint(stamps, *item), work):
             print(f"   {name}{' FAILED' if said else ''}", flush=True)
             if said:
                 bad += 1
