@@ -36,6 +36,8 @@ Value Unseen(Value value)
     return hidden;
 }
 
+// Most of these end their process, so none runs in this one: the tests at the end of this file run them,
+// every one, in child processes.
 TEST(ChildWithAGuardedHeap, DISABLED_KeepsToItsBlocks)
 {
     CallInChild([] {
