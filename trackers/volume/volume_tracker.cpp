@@ -56,14 +56,18 @@ HWND CreateLookupWindow(const wchar_t* windowClass, HINSTANCE instance) noexcept
 /// Answers sent messages and scans on time until a message for the loop is there.
 void AwaitMessage(HWND window) noexcept
 {
-    MSG message = {};
-    // Looking for a message is also what lets sent messages in.
-    while (!::PeekMessageW(&message, window, WM_DEVICECHANGE, WM_DEVICECHANGE, PM_NOREMOVE)) {
-        const DWORD wait = volumeScan.MillisecondsToNextScan();
-        const DWORD woken =
-            wait == 0
-                ? WAIT_TIMEOUT
-                : ::MsgWaitForMultipleObjectsEx(0, nullptr, wait, QS_SENDMESSAGE | QS_POSTMESSAGE, 0);
+    for (;;) {
+        // Before the messages: however many there are, they put no scan off.
+        if (volumeScan.MillisecondsToNextScan() == 0) {
+            volumeScan.Scan();
+        }
+        MSG message = {};
+        // Looking for a message is also what lets sent messages in.
+        if (::PeekMessageW(&message, window, WM_DEVICECHANGE, WM_DEVICECHANGE, PM_NOREMOVE)) {
+            return;
+        }
+        const DWORD woken = ::MsgWaitForMultipleObjectsEx(
+            0, nullptr, volumeScan.MillisecondsToNextScan(), QS_SENDMESSAGE | QS_POSTMESSAGE, 0);
         if (woken == WAIT_TIMEOUT) {
             volumeScan.Scan();
         } else if (woken == WAIT_FAILED) {

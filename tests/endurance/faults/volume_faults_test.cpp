@@ -82,7 +82,7 @@ BOOL EndListing(HANDLE listing) noexcept
 
 ULONGLONG Time() noexcept
 {
-    return now += 1000;
+    return now;
 }
 
 BOOL LookForMessage(MSG*, HWND, UINT, UINT, UINT) noexcept
@@ -91,8 +91,9 @@ BOOL LookForMessage(MSG*, HWND, UINT, UINT, UINT) noexcept
     return looks++ >= kLooks;
 }
 
-DWORD AwaitAnything(DWORD, const HANDLE*, DWORD, DWORD, DWORD) noexcept
+DWORD AwaitAnything(DWORD, const HANDLE*, DWORD milliseconds, DWORD, DWORD) noexcept
 {
+    now += milliseconds; // nothing comes
     return WAIT_TIMEOUT;
 }
 

@@ -116,6 +116,7 @@ protected:
     std::atomic<DWORD> longestPoll = 0;
 
     std::atomic<int> failingWaits = 0;
+    std::atomic<bool> flooded = false; ///< the next posted message is there when one was handled
     std::atomic<std::size_t> reportedAtCreation =
         0; ///< when the window procedure is done with WM_NCCREATE
     HANDLE tick = ::CreateEventW(nullptr, FALSE, FALSE, nullptr);
@@ -147,6 +148,9 @@ protected:
         }
         if (message == WM_NCCREATE) {
             reportedAtCreation = scene.Events().size();
+        }
+        if (message == WM_DEVICECHANGE && flooded) {
+            ::PostMessageW(handle, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0);
         }
         return defaultProcedure.CallOriginal(handle, message, wParam, lParam);
     }};
@@ -315,6 +319,27 @@ TEST_F(VolumeTracker, WhilePollingAScanThatIsDueComesBeforeMoreMessages)
         ::SwitchToThread();
     }
     EXPECT_EQ(scene.Events(), (Events{{L"volume", L"E:"}}));
+    End(); // while the clock is the test's
+}
+
+TEST_F(VolumeTracker, WhilePollingPostedMessagesWithoutEndPutNoScanOff)
+{
+    std::atomic<ULONGLONG> now = 10'000;
+    const FAKE_IMPORT(GetTickCount64) clock([&]() -> ULONGLONG {
+        return now;
+    });
+    scene.TakeCardOut(L'E');
+    Start();
+    flooded = true;
+    ::PostMessageW(window, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0);
+    scene.InsertCard(L'E');
+    now += 500;
+    const ULONGLONG end = clock.CallOriginal() + kGiveUp;
+    while (scene.Events().empty() && clock.CallOriginal() < end) {
+        ::SwitchToThread();
+    }
+    EXPECT_EQ(scene.Events(), (Events{{L"volume", L"E:"}}));
+    flooded = false;
     End(); // while the clock is the test's
 }
 
