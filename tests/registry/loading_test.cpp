@@ -5,7 +5,7 @@
 #include "tests/support/temp_folder.h"
 #include "tests/support/trace_recorder.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <shlwapi.h>
 
@@ -101,18 +101,27 @@ TEST_F(Loading, LeavesOutAnApplicationWhosePathsAreQuotedOrEmpty)
 
 TEST_F(Loading, TestsTheCommandThenTheProxyThenThePreference)
 {
-    RegisterSample(folder.Path(), L"Viewer");
+    const SampleApplication sample = RegisterSample(folder.Path(), L"Viewer");
+    PutDword(HKEY_LOCAL_MACHINE, sample.Preferences(), kAutoLaunch, 0);
     std::vector<std::wstring> tested;
     bool commandExists = false;
     const FAKE_IMPORT(PathFileExistsW) exists([&](const wchar_t* path) -> BOOL {
         tested.push_back(std::filesystem::path(path).filename().wstring());
         return commandExists;
     });
+    const FAKE_IMPORT(RegQueryValueExW) read([&](HKEY key, const wchar_t* value, DWORD* reserved,
+                                                 DWORD* type, BYTE* data, DWORD* size) -> LSTATUS {
+        if (value != nullptr && std::wcscmp(value, kAutoLaunch) == 0) {
+            tested.push_back(value);
+        }
+        return read.CallOriginal(key, value, reserved, type, data, size);
+    });
     handler.LoadInformation();
     EXPECT_EQ(tested, (Names{L"viewer.exe"}));
+    tested.clear();
     commandExists = true;
     handler.LoadInformation();
-    EXPECT_EQ(tested, (Names{L"viewer.exe", L"viewer.exe", L"proxy.exe"}));
+    EXPECT_THAT(tested, testing::ElementsAre(L"viewer.exe", L"proxy.exe", kAutoLaunch));
     EXPECT_EQ(handler.Names(), Names{L"Viewer"});
 }
 

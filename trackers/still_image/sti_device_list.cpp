@@ -30,8 +30,8 @@ void StiDeviceList::Clear() noexcept
 {
     try {
         for (StiDeviceRecord*& record : records) {
-            // Not through the owner, which would end the process: a damaged heap may raise here. The
-            // record is off the list first, so that no later Clear frees it again.
+            // Not through the owner, which would end the process if this threw. The record is off the
+            // list first, so that no later Clear frees it again.
             StiDeviceRecord* const freed = std::exchange(record, nullptr);
             if (freed != nullptr) {
                 ::HeapFree(::GetProcessHeap(), 0, freed);
