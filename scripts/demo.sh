@@ -25,8 +25,8 @@ cmake --build --preset release --target demo
 cmake --install build/release --prefix "$package" >/dev/null
 
 title "A Wine prefix of its own"
-wine_prefix_make "$prefix"
 trap 'trace_end; wine_prefix_end "$prefix"' EXIT
+wine_prefix_make "$prefix"
 wine_prefix_start "$prefix"
 in_wine 30 reg add 'HKCU\Software\Wine\AppDefaults\kestraboot.exe' /v Version /d vista /f >/dev/null
 install_viewer

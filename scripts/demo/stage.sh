@@ -64,6 +64,8 @@ boot() {
     (cd "$1" && WINEPREFIX=$prefix timeout 300 wine kestraboot.exe "${@:2}" </dev/null >/dev/null 2>&1) &
 }
 
+trace_shown= # the process that shows it
+
 # The trace of every process of the prefix, with times, shown as it comes.
 trace_start() {
     : >"$demo/trace.log"
@@ -72,7 +74,7 @@ trace_start() {
     trace_shown=$!
 }
 
-trace_end() { kill "$trace_shown" 2>/dev/null || true; }
+trace_end() { [ -z "$trace_shown" ] || kill "$trace_shown" 2>/dev/null || true; }
 
 # The table; false where a row differs.
 print_table() {
