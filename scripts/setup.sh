@@ -10,6 +10,7 @@ packages=(
     g++-mingw-w64-x86-64-posix                     # the compiler: MinGW-w64, posix threads
     googletest                                     # its sources, cross-built with the tests
     libjpeg-turbo-progs                            # makes the demo's picture
+    lld                                            # the second compiler's linker
     python3                                        # the checks of the tree
     wine wine64                                    # runs what was built
 )

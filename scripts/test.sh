@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Everything that must pass: format, the checks of the tree, the build, every test, the second compiler, the linter.
+# Everything that must pass: format, the checks of the tree, the build and every test with either compiler, the linter.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -32,16 +32,17 @@ stage "Build"
 cmake --preset release >/dev/null
 cmake --build --preset release
 
-stage "Tests; meanwhile the second compiler and the linter"
+stage "Tests; meanwhile the second compiler's, and the linter"
 log=build/clang.log
-nice -n 19 scripts/checks/clang.sh >$log 2>&1 &
+set -m # a process group of its own, which can be ended as a whole
+scripts/test-clang.sh >$log 2>&1 </dev/null &
 clang=$!
-trap 'kill $clang 2>/dev/null || true' EXIT
+set +m
+trap 'kill -- -$clang 2>/dev/null; scripts/test-prefix.sh end build/release/wine; scripts/test-prefix.sh end build/clang/wine' EXIT
 ctest --preset release --parallel 3 # many wait for processes of theirs
 
 stage "The second compiler and the linter"
-wait $clang || { cat $log; exit 1; }
-trap - EXIT
-tail -n 3 $log
+tail -n +1 -f --pid=$clang $log
+wait $clang
 
 stage "All passed"
