@@ -12,6 +12,9 @@ shift 2
 case $action in
 begin)
     wine_prefix_end "$folder"
+    for made in "$folder" "$folder.pristine"; do # before there was a mark: known by the pristine one
+        if [ -d "$folder.pristine" ] && [ -d "$made" ]; then wine_prefix_mark "$made"; fi
+    done
     [ -d "$folder.pristine" ] || { wine_prefix_make "$folder.new" && mv "$folder.new" "$folder.pristine"; }
     wine_prefix_copy "$folder.pristine" "$folder"
     wine_prefix_start "$folder"

@@ -1,26 +1,42 @@
-# Sourced by the scripts that run something under Wine: a prefix of one's own, its server, its end.
-# No display is needed; nothing of the user's own Wine is touched.
+# Sourced by whoever runs something under Wine: a prefix of one's own, its server, its end. Defines functions, and
+# changes nothing else in the shell. No display is needed; nothing of the user's own Wine is touched.
 
-export WINEDEBUG=${WINEDEBUG:--all}                                 # Wine's own messages are not ours
-# No debugger on a crash, no add-ons; a twain_32.dll beside a program goes before Wine's own, as on Windows.
-export WINEDLLOVERRIDES='winedbg.exe=d;mscoree=d;mshtml=d;twain_32=n,b'
-export WINEARCH=win64
-unset DISPLAY WAYLAND_DISPLAY
+# wine_in FOLDER COMMAND ...: a command whose Wine programs run in that prefix, without a display, a debugger on a
+# crash and add-ons, and without Wine's own messages. A twain_32.dll beside a program goes before Wine's, as on Windows.
+wine_in() {
+    local folder=$1
+    shift
+    env -u DISPLAY -u WAYLAND_DISPLAY WINEPREFIX="$folder" WINEARCH=win64 WINEDEBUG="${WINEDEBUG:--all}" \
+        WINEDLLOVERRIDES='winedbg.exe=d;mscoree=d;mshtml=d;twain_32=n,b' "$@"
+}
+
+# wine_prefix_mark FOLDER: by this file a folder is known as one that may be removed again.
+wine_prefix_mark() { touch "$1/.kestraboot-prefix"; }
+
+# wine_prefix_clear FOLDER: an empty folder with the mark. What is there and has no mark is left alone, and refused.
+wine_prefix_clear() {
+    if [ -e "$1" ] && [ ! -e "$1/.kestraboot-prefix" ] && [ -n "$(ls -A "$1")" ]; then
+        echo "wine: $1 was not made here, so it stays as it is: take another folder" >&2
+        return 1
+    fi
+    mkdir -p "$1" && wine_prefix_mark "$1" || return 1
+    # The mark stays all the while, so that what an interrupted run leaves can be cleared too.
+    find "$1" -mindepth 1 -maxdepth 1 ! -name .kestraboot-prefix -exec rm -rf {} +
+}
 
 # wine_prefix_make FOLDER: a fresh prefix in which windows work without a display.
 wine_prefix_make() {
-    rm -rf "$1"
-    mkdir -p "$1"
-    WINEPREFIX=$1 timeout 180 wine wineboot -i >/dev/null 2>&1 </dev/null || return 1
-    WINEPREFIX=$1 timeout 60 wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f \
+    wine_prefix_clear "$1" || return 1
+    wine_in "$1" timeout 180 wine wineboot -i >/dev/null 2>&1 </dev/null || return 1
+    wine_in "$1" timeout 60 wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f \
         >/dev/null 2>&1 </dev/null || return 1
     wine_prefix_end "$1"
 }
 
 # wine_prefix_copy FROM TO: a prefix as fresh as FROM, in a fraction of the time.
 wine_prefix_copy() {
-    rm -rf "$2"
-    cp -a --reflink=auto "$1" "$2"
+    wine_prefix_clear "$2" || return 1
+    cp -a --reflink=auto "$1/." "$2"
 }
 
 # wine_prefix_start FOLDER: its server and services, which stay until wine_prefix_end. Once in some thousand
@@ -28,8 +44,8 @@ wine_prefix_copy() {
 wine_prefix_start() {
     local attempt
     for attempt in 1 2 3; do
-        if WINEPREFIX=$1 wineserver -p >/dev/null 2>&1 </dev/null &&
-            WINEPREFIX=$1 timeout 60 wine cmd /c exit >/dev/null 2>&1 </dev/null; then
+        if wine_in "$1" wineserver -p >/dev/null 2>&1 </dev/null &&
+            wine_in "$1" timeout 60 wine cmd /c exit >/dev/null 2>&1 </dev/null; then
             return 0
         fi
         echo "wine: $1 does not start, attempt $attempt of 3" >&2
@@ -44,7 +60,7 @@ wine_run() {
     local folder=$1 seconds=$2 log status=0
     shift 2
     log=$(mktemp)
-    WINEPREFIX=$folder timeout --kill-after=10 "$seconds" wine "$@" >"$log" 2>&1 </dev/null || status=$?
+    wine_in "$folder" timeout --kill-after=10 "$seconds" wine "$@" >"$log" 2>&1 </dev/null || status=$?
     cat "$log"
     rm -f "$log"
     return $status
@@ -52,6 +68,6 @@ wine_run() {
 
 # wine_prefix_end FOLDER: ends every process in it, and its server.
 wine_prefix_end() {
-    WINEPREFIX=$1 timeout 30 wineserver -k >/dev/null 2>&1 </dev/null || true
-    WINEPREFIX=$1 timeout 30 wineserver -w >/dev/null 2>&1 </dev/null || true
+    wine_in "$1" timeout 30 wineserver -k >/dev/null 2>&1 </dev/null || true
+    wine_in "$1" timeout 30 wineserver -w >/dev/null 2>&1 </dev/null || true
 }

@@ -79,7 +79,7 @@ REG
     quietly wine_run "$own" 60 regedit /S "Z:${work//\//\\}\\maker.reg"
 
     said=$work/host.$type.txt
-    WINEPREFIX=$own timeout --kill-after=10 150 wine "$installed/host.exe" >"$said" 2>&1 </dev/null &
+    wine_in "$own" timeout --kill-after=10 150 wine "$installed/host.exe" >"$said" 2>&1 </dev/null &
     host=$!
     within 60 says "$said" waiting || { echo "the host did not start:"; cat "$said"; exit 1; }
     # What is in the reader when the tracker starts is known to it: a card that went in too early goes in again.

@@ -1,0 +1,67 @@
+#!/usr/bin/env bash
+# What scripts/wine.sh does to the folders and the shell of whoever uses it: nothing that it did not make is removed,
+# nothing in the shell changes. Wine itself is not started: a stand-in says what it was called with.
+#   wine_prefix.sh SOURCE-FOLDER WORK-FOLDER
+set -euo pipefail
+source=$1 work=$2
+rm -rf "$work"
+mkdir -p "$work/bin"
+cd "$work"
+fail() { echo "wine_prefix: $*"; exit 1; }
+
+for program in wine wineserver; do
+    cat >bin/$program <<'STAND_IN'
+#!/usr/bin/env bash
+echo "$WINEPREFIX ${DISPLAY-none} $WINEARCH $WINEDLLOVERRIDES: $*" >>"$WINE_CALLS"
+case "$*" in wineboot*) touch "$WINEPREFIX/system.reg" && exit "${WINEBOOT_ENDS_WITH:-0}" ;; esac
+STAND_IN
+    chmod +x bin/$program
+done
+export PATH=$work/bin:$PATH WINE_CALLS=$work/calls DISPLAY=:7 WINEDLLOVERRIDES=mine
+
+# ---- The shell: new functions, and nothing else
+export -p >before
+. "$source/scripts/wine.sh"
+export -p >after
+diff before after || fail "the variables of the shell have changed"
+
+# ---- A folder of somebody else's stays
+mkdir theirs
+echo mail >theirs/user.reg
+for make in "wine_prefix_make theirs" "wine_prefix_copy bin theirs"; do
+    ! $make 2>said || fail "$make takes a folder that it did not make"
+    [ "$(ls -A theirs)" = user.reg ] && [ "$(cat theirs/user.reg)" = mail ] || fail "$make touches it"
+    grep -q "theirs was not made here" said || fail "$make does not say why"
+done
+[ ! -e calls ] || fail "Wine was started all the same"
+
+# ---- Its own folder is made anew, also after a run that was interrupted
+mkdir empty
+for folder in fresh empty; do
+    wine_prefix_make $folder || fail "no prefix in $folder"
+    grep -q "^$folder none win64 winedbg.exe=d;.*: wineboot -i$" calls || { cat calls; fail "other variables than Wine's own"; }
+    touch $folder/old
+    wine_prefix_make $folder || fail "no second prefix in $folder"
+    [ ! -e $folder/old ] && [ -e $folder/system.reg ] || fail "the second prefix is not fresh"
+done
+! WINEBOOT_ENDS_WITH=1 wine_prefix_make broken || fail "a failed start of Wine is not seen"
+wine_prefix_make broken || fail "what an interrupted run left is in the way"
+
+# ---- A copy is one of ours
+wine_prefix_copy fresh copy
+touch copy/old
+wine_prefix_copy fresh copy || fail "no second copy"
+[ ! -e copy/old ] && [ -e copy/system.reg ] || fail "the second copy is not fresh"
+
+# ---- The tests' prefix that was made before there was a mark
+mkdir -p old.pristine old
+touch old.pristine/system.reg old/left
+"$source/scripts/test-prefix.sh" begin old || fail "a prefix without a mark beside its pristine one is refused"
+[ ! -e old/left ] && [ -e old/system.reg ] || fail "it is not fresh"
+mkdir -p mine
+touch mine/system.reg
+! "$source/scripts/test-prefix.sh" begin mine 2>said || fail "test-prefix.sh takes somebody else's folder"
+[ -e mine/system.reg ] || fail "test-prefix.sh removes it"
+export -p >after
+diff before after || fail "a function changes the variables of the shell"
+echo "wine_prefix: as it should be"
