@@ -21,8 +21,10 @@
 /// | HKLM *key* above | `locale` | string | language of the user interface, such as `de_de` | `en_us` |
 ///
 /// Both paths are full, stand without quotes and must exist. Extensions stand without dots, separated by
-/// single blanks. *key* above is the key that holds *key*. `SniffDepth` counts while the application's
-/// own proxy is the running program.
+/// single blanks. *key* above is *key* up to the first `\Corvane Kestrafetch` in it: the key that holds
+/// *key*, but `SOFTWARE\Corvane` itself for a product whose own key begins with these words, such as
+/// `SOFTWARE\Corvane\Corvane Kestrafetch Viewer\Corvane Kestrafetch`. `SniffDepth` counts while the
+/// application's own proxy is the running program.
 ///
 /// The per-user Preferences key hides the machine-wide `DefaultFlag` as soon as it exists. The library
 /// creates it, with `DefaultFlag` 0, when it reads the application for a user who has none, provided

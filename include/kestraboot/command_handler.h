@@ -63,18 +63,19 @@ public:
     /// (StopVel3AutoLaunch()), also where another holds the claim, but not where the OEM file stops the
     /// install. Writes nothing to the registry.
     ///
-    /// @return false when another process (or this one, before) holds the claim, or when the first line
-    /// of
-    ///     the section "KestraProxyStopInstall" of `.\OEM\album.ini` is read as the number 1; the claim
-    ///     is then free for another
+    /// @return false when another process (or this one, before) holds the claim; when it cannot be made,
+    ///     as where a process with higher rights holds it; or when the first line of the section
+    ///     "KestraProxyStopInstall" of `.\OEM\album.ini` is read as the number 1, and the claim is then
+    ///     free for another
     [[nodiscard]] KESTRABOOT_API bool TakeControl();
 
     /// Starts an executable for a device. Refused for an empty `mode`, and outside the active console
     /// session on Windows XP and, where there is a device identifier, on Windows Vista. Reads and writes
     /// nothing in the registry.
     ///
-    /// @param[in] appPath the executable, with or without quotes; searched along PATH where it names no
-    ///     folder
+    /// @param[in] appPath the executable, without quotes: it is the name of the file to run, and only
+    ///     what the started program sees of it is put in quotes. A path that begins with a quote is not
+    ///     found. Searched along PATH where it names no folder
     /// @param[in] mode "direct", "select" or a word of the caller's own, without blanks
     /// @param[in] deviceType kind of the device, as the callback was told
     /// @param[in] deviceId its identifier, as the callback was told; empty: the started program is told
@@ -107,7 +108,7 @@ public:
     /// with the mark V for a volume, S for a scanner and C for everything else. Reads and writes nothing
     /// in the registry.
     ///
-    /// @param[in] proxyPath the CmdLine of GetVel3Info(), with or without quotes
+    /// @param[in] proxyPath the CmdLine of GetVel3Info(), without quotes, as for LaunchKestra()
     /// @param[in] deviceType kind of the device, without regard to case
     /// @param[in] deviceId its identifier; may be empty
     KESTRABOOT_API void LaunchVel3Proxy(std::wstring& proxyPath, std::wstring& deviceType,

@@ -14,8 +14,17 @@
 #include <string>
 
 /// Receives one arrival: its kind, a word of the table in device_connect.h, and the device's identifier
-/// in the form of the tracker that found it; for a volume its drive, "E:". At most 259 characters where
-/// a device reports it.
+/// in the form of the tracker that found it.
+///
+/// | who reports it | the identifier is | characters |
+/// |---|---|---|
+/// | the volume tracker | the drive, "E:" | 2 |
+/// | the still-image tracker | the TWAIN source's name, or still imaging's of the device | up to 259 |
+/// | a plugin | what stands in its record | up to 259 |
+/// | the WIA tracker | WIA's name of the device, **whole** | no limit |
+///
+/// A `camera` or `scanner` can come from any of the last three: look at the length before you copy an
+/// identifier into a buffer. It may be empty.
 ///
 /// **Ownership.** Both strings belong to the tracker and live for the call only: copy what you keep.
 /// They may be changed; nobody reads them afterwards.

@@ -217,7 +217,8 @@ class IFxBase
 {
 public:
     /// 0: asks for another interface of the object. Writes it, with a reference added, and answers true;
-    /// or writes null and answers false. Write the very pointer of the interface asked for:
+    /// or writes null and answers false (but see ICallbackInterface). Write the very pointer of the
+    /// interface asked for:
     /// `*object = static_cast<ISourceManager*>(this)`.
     ///
     /// @param[in] number the interface, such as kSourceManagerNumber
@@ -237,7 +238,9 @@ protected:
     ~IFxBase() = default; // through Release alone
 };
 
-/// The host's end of a device source. One belongs to each source.
+/// The host's end of a device source. One belongs to each source. It has no other interface: its Query
+/// answers false to every number and, unlike a plugin's, leaves `*object` as it was. Set that to null
+/// before, or look at the answer alone.
 class ICallbackInterface : public IFxBase
 {
 public:

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+
 namespace kestraboot
 {
 namespace
@@ -116,6 +118,22 @@ TEST_F(StartedApplication, ThatIsMissingIsTracedAsIfItHadStartedAndLeavesNoHandl
     path.clear();
     CKestraBootCommandHandler().LaunchKestra(path, mode, none, none);
     EXPECT_EQ(trace.Lines().back(), L"\"\" module=kestrafetch params mode=direct");
+}
+
+TEST_F(StartedApplication, IsNotFoundByAPathInQuotes)
+{
+    // The path is the name of the file to run as it stands; no file's name holds a quote.
+    const EchoChild child;
+    std::wstring path = L'"' + child.Program() + L'"';
+    std::wstring mode = L"direct";
+    std::wstring none;
+    errno = 0;
+    CKestraBootCommandHandler().LaunchKestra(path, mode, none, none);
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(trace.Lines(), Words{path + L" module=kestrafetch params mode=direct"});
+    trace.Clear();
+    CKestraBootCommandHandler().LaunchVel3Proxy(path, none, none);
+    EXPECT_EQ(trace.Lines(), Words{L"<KestraBoot><!!! Unable to start the process.>"});
 }
 
 TEST_F(StartedApplication, WithACommandLineLongerThanWindowsTakesIsNotStarted)
