@@ -2,12 +2,17 @@
 /// How the names of the exported interface are marked for the linker.
 #pragma once
 
+#include <cstddef> // says which standard library this is
+
 /// Stands before every exported name: imported by a host, exported by the library itself.
 #if defined(KESTRABOOT_BUILDING_LIBRARY)
 #define KESTRABOOT_API __declspec(dllexport)
 #elif defined(KESTRABOOT_LINKED_IN) // the objects are part of this very module (the project's own tests)
 #define KESTRABOOT_API
 #else
+#if defined(__MINGW32__) && (!defined(__GLIBCXX__) || !defined(_GLIBCXX_HAS_GTHREADS))
+#error "kestraboot: strings, vectors, exceptions cross the boundary: use libstdc++ with posix threads"
+#endif
 #if defined(_GLIBCXX_DEBUG)
 #error "kestraboot: _GLIBCXX_DEBUG gives strings and vectors another layout than the library's"
 #endif
