@@ -52,12 +52,13 @@ install(FILES ${PROJECT_BINARY_DIR}/kestrabootConfig.cmake ${PROJECT_BINARY_DIR}
 # ---- Samples: their sources, the reference host's among them, and two built ones
 install(DIRECTORY samples/ DESTINATION samples)
 install(DIRECTORY boot DESTINATION samples)
+install(FILES scripts/wine.sh DESTINATION samples) # the guides run what they build with it
 install(TARGETS viewer sample_plugin
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     LIBRARY DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 # ---- To read
-install(FILES README.md DESTINATION .)
+install(FILES README.md CONTRIBUTING.md DESTINATION .)
 install(FILES CHANGELOG.md DESTINATION . OPTIONAL)
 install(DIRECTORY docs DESTINATION .)
 configure_file(cmake/VERSION.txt.in ${PROJECT_BINARY_DIR}/VERSION.txt @ONLY)

@@ -1,11 +1,14 @@
 #!/usr/bin/env python3
 """Checks that each link of the pages for people leads to a file of the tree, and to a heading where it names one,
-and that README leads to each page of docs. Links into the web are not followed."""
+and that README leads to each page of docs. Links into the web are not followed.
+
+usage: links.py [FOLDER]     the pages of that folder, such as an unpacked package; of these sources without one
+"""
 import pathlib
 import re
 import sys
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
+ROOT = pathlib.Path(sys.argv[1] if sys.argv[1:] else pathlib.Path(__file__).parents[2]).resolve()
 CODE = re.compile(r"^```.*?^```$|`[^`\n]*`", re.MULTILINE | re.DOTALL)
 LINK = re.compile(r"\]\(([^)\s]+)\)")
 

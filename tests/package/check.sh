@@ -21,6 +21,7 @@ config=$(sed -n 's/^CMAKE_BUILD_TYPE:STRING=//p' "$build/CMakeCache.txt")
     "$config" "$@"
 (cd "$work" && cmake -E tar xf "${archives[0]}")
 unpacked=$work/$(basename "${archives[0]}" .zip)
+"$source/scripts/checks/links.py" "$unpacked"
 
 # ---- The maker's project, in both build types, and the samples, from the archive alone
 cp -r "$source/tests/package/integrator" "$work/integrator"
