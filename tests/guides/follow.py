@@ -4,7 +4,8 @@ looks for the output that it shows.
 
     ```cpp file=NAME      a file
     ```sh                 commands; all blocks are one script, which stops at the first failure
-    ```sh prefix          makes a Wine prefix at ~/wine; here that is a copy of the tests' own
+    ```sh sources         the same; only such blocks use the sources ($SRC, $BUILD), the others the package
+    ```sh prefix          the same, but that a Wine prefix is not made: it is a copy of the tests' own
     ```text output        lines that the commands before print, in this order
     any other block       for the reader alone
 
@@ -33,8 +34,10 @@ def script_of(guide: str, home: pathlib.Path, pristine: pathlib.Path) -> tuple[s
             file.write_text(text, encoding="utf-8")
         elif language == "sh":
             block += 1
+            if "sources" not in words and re.search(r"\$(SRC|BUILD)\b", text):
+                sys.exit(f"block {block + 1} of commands needs the sources, and does not say so:\n{text}")
             if "prefix" in words:
-                text = f'. $SRC/scripts/wine.sh\ncp -a --reflink=auto "{pristine}" ~/wine\n'
+                text = re.sub(r"^wine_prefix_make", f'wine_prefix_copy "{pristine}"', text, flags=re.MULTILINE)
             script.append(f"{text}\necho '{ENDED}'")
         elif language == "text" and "output" in words:
             shown.append((block, text))
@@ -65,13 +68,13 @@ def main() -> int:
         except subprocess.TimeoutExpired:
             status = -1
         finally:
-            wine = environment | {"WINEPREFIX": str(home / "wine")}
+            wine = environment | {"WINEPREFIX": str(home / "kestraboot-wine")}
             subprocess.run(["timeout", "30", "wineserver", "-k"], env=wine, check=False, stdout=out, stderr=out)
             try:
                 os.killpg(running.pid, signal.SIGKILL)
             except ProcessLookupError:
                 pass
-    shutil.rmtree(home / "wine", ignore_errors=True)
+    shutil.rmtree(home / "kestraboot-wine", ignore_errors=True)
 
     output = (home / "guide.out").read_text(encoding="utf-8", errors="replace")
     outputs = output.split(ENDED)
