@@ -9,7 +9,8 @@ looks for the output that it shows.
     ```text output        lines that the commands before print, in this order
     any other block       for the reader alone
 
-usage: follow.py GUIDE SOURCES BUILD PRISTINE-PREFIX SECONDS
+usage: follow.py GUIDE SOURCES BUILD PRISTINE-PREFIX SECONDS [PACKAGE]
+With an unpacked package it lies at ~/kestraboot, and the blocks that need the sources are left out.
 """
 import os
 import pathlib
@@ -23,7 +24,7 @@ BLOCK = re.compile(r"^```(\w+)([^\n]*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 ENDED = "== end of block"
 
 
-def script_of(guide: str, home: pathlib.Path, pristine: pathlib.Path) -> tuple[str, list[tuple[int, str]]]:
+def script_of(guide: str, home: pathlib.Path, pristine: pathlib.Path, has_sources: bool) -> tuple[str, list[tuple[int, str]]]:
     """The commands, and (number of the block of commands, output that it shows)."""
     script, shown, block = ["set -euo pipefail"], [], -1
     for language, rest, text in BLOCK.findall(guide):
@@ -36,6 +37,8 @@ def script_of(guide: str, home: pathlib.Path, pristine: pathlib.Path) -> tuple[s
             block += 1
             if "sources" not in words and re.search(r"\$(SRC|BUILD)\b", text):
                 sys.exit(f"block {block + 1} of commands needs the sources, and does not say so:\n{text}")
+            if "sources" in words and not has_sources:
+                text = ""
             if "prefix" in words:
                 text = re.sub(r"^wine_prefix_make", f'wine_prefix_copy "{pristine}"', text, flags=re.MULTILINE)
             script.append(f"{text}\necho '{ENDED}'")
@@ -51,14 +54,18 @@ def missing_line(output: str, shown: str) -> str | None:
 
 def main() -> int:
     guide, sources, build, pristine = (pathlib.Path(each).resolve() for each in sys.argv[1:5])
-    home = build / "guides" / guide.stem
+    package = pathlib.Path(sys.argv[6]).resolve() if sys.argv[6:] else None
+    home = build / "guides" / (guide.stem + ("-from-the-package" if package else ""))
     shutil.rmtree(home, ignore_errors=True)
     home.mkdir(parents=True)
-    script, shown = script_of(guide.read_text(encoding="utf-8"), home, pristine)
+    script, shown = script_of(guide.read_text(encoding="utf-8"), home, pristine, package is None)
     (home / "guide.sh").write_text(script, encoding="utf-8")
 
-    environment = os.environ | {"HOME": str(home), "SRC": str(sources), "BUILD": str(build),
-                                "CXXFLAGS": "-Wall -Wextra -Wpedantic -Werror"}
+    environment = os.environ | {"HOME": str(home), "CXXFLAGS": "-Wall -Wextra -Wpedantic -Werror"}
+    if package:
+        shutil.copytree(package, home / "kestraboot")
+    else:
+        environment |= {"SRC": str(sources), "BUILD": str(build)}
     # Into a file: what Wine starts on the way inherits the output and would keep a pipe open.
     with (home / "guide.out").open("wb") as out:
         running = subprocess.Popen(["bash", "guide.sh"], cwd=home, env=environment, stdin=subprocess.DEVNULL,

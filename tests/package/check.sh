@@ -36,6 +36,9 @@ for built in boot/Release/kestraboot.exe viewer/Release/viewer.exe mox_plugin/Re
     [ -f "$work/samples-build/$built" ] || { echo "the samples gave no $built"; exit 1; }
 done
 
+# ---- A guide, followed with nothing else
+quietly "$source/tests/guides/follow.py" "$unpacked/docs/device-plugin.md" "$source" "$work" "$prefix.pristine" 120 "$unpacked"
+
 # ---- Run where nothing else is
 own=$work/wine
 trap 'wine_prefix_end "$own"; rm -rf "$own"' EXIT
