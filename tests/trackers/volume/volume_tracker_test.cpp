@@ -131,8 +131,8 @@ protected:
         }
         lastWait = milliseconds;
         longestPoll = std::max<DWORD>(longestPoll, milliseconds == INFINITE ? 0 : milliseconds);
-        if (milliseconds == INFINITE) {
-            return wait.CallOriginal(0, nullptr, INFINITE, mask, flags);
+        if (milliseconds == INFINITE || milliseconds == 0) {
+            return wait.CallOriginal(0, nullptr, milliseconds, mask, flags);
         }
         if (wait.CallOriginal(1, &tick, INFINITE, mask, flags) == WAIT_OBJECT_0) {
             ::SetEvent(ticked);
