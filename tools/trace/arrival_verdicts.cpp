@@ -1,6 +1,6 @@
 #include "tools/trace/arrival_verdicts.h"
 
-#include "tools/trace/start_line.h"
+#include "tools/trace/start_match.h"
 
 #include <algorithm>
 #include <string_view>
@@ -16,14 +16,6 @@ std::string_view WithoutLineEnd(std::string_view text) noexcept
         text.remove_suffix(1);
     }
     return text;
-}
-
-bool Names(const StartLine& start, const Arrival& arrival)
-{
-    const bool sameKind = start.kind == arrival.kind || start.kind.empty();
-    const bool sameDevice =
-        arrival.deviceCut ? start.device.starts_with(arrival.device) : start.device == arrival.device;
-    return sameKind && sameDevice;
 }
 
 bool IsOpenVolume(const Arrival& arrival)
@@ -126,58 +118,9 @@ void ArrivalVerdicts::TakeSearch(Process& process, const SeenLine& line, const T
     place->lastLine = line.time.upMilliseconds;
     Arrival& arrival = place->arrival;
     arrival.millisecondsToEnd = line.time.upMilliseconds - arrival.noticed.upMilliseconds;
-    switch (event.type) {
-    case EventType::VolumeUnfit:
-        place->unfit = true;
-        break;
-    case EventType::SearchOff:
-        place->searchOff = true;
-        break;
-    case EventType::FolderSeen:
-    case EventType::FileSeen:
-        if (place->attemptOver) {
-            place->attemptOver = false;
-            arrival.folders = arrival.files = 0;
-            arrival.deepestLevel = 0;
-        }
-        if (event.type == EventType::FileSeen) {
-            ++arrival.files;
-            arrival.file = event.file;
-        } else {
-            ++arrival.folders;
-        }
-        arrival.deepestLevel = std::max(arrival.deepestLevel, event.level);
-        break;
-    case EventType::AttemptFailed:
-        ++arrival.attempts;
-        if (place->attemptOver) { // not one line in this attempt
-            arrival.folders = arrival.files = 0;
-            arrival.deepestLevel = 0;
-            arrival.file.clear();
-        }
-        place->attemptOver = true;
-        break;
-    case EventType::FileFits:
-        ++arrival.attempts;
-        arrival.decision = Decision::Accepted;
-        arrival.rule = kSupportedFile;
-        arrival.outcome = kNoStartSeen;
-        break;
-    case EventType::VolumeRefused:
-        arrival.decision = Decision::Refused;
-        if (place->unfit) {
-            arrival.rule = kUnfitDrive;
-        } else if (place->searchOff) {
-            arrival.rule = kSearchOff;
-        } else if (arrival.attempts == 0) {
-            arrival.rule = kReasonNotSeen;
-        } else {
-            arrival.rule = arrival.folders + arrival.files == 0 ? kNothingListed : kNoSupportedFile;
-        }
+    TakeSearchLine(place->search, arrival, event);
+    if (arrival.decision == Decision::Refused) {
         Close(process, place);
-        break;
-    default:
-        break;
     }
 }
 

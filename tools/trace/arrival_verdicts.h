@@ -18,6 +18,7 @@
 #include "tools/trace/arrival.h"
 #include "tools/trace/seen_line.h"
 #include "tools/trace/trace_event.h"
+#include "tools/trace/volume_search.h"
 
 #include <cstdint>
 #include <functional>
@@ -54,9 +55,7 @@ private:
     struct Waiting {
         Arrival arrival;
         std::int64_t lastLine; ///< upMilliseconds
-        bool attemptOver = false;
-        bool searchOff = false;
-        bool unfit = false;
+        VolumeSearch search = {};
     };
     struct Process {
         std::uint32_t id;
