@@ -98,6 +98,17 @@ TEST_F(TraceArrivals, SayWhyACardStartedNothing)
     EXPECT_THAT(viewer->Await("looked at"), EndsWith("looked at 0 folders and 1 file, attempts: 3"));
 }
 
+TEST_F(TraceArrivals, SayThatNoApplicationIsLeft)
+{
+    card.AddFile(L"IMG_0001.JPG", "picture");
+    Start(L"--arrivals");
+    std::filesystem::remove(app->Application());
+    Insert();
+    EXPECT_THAT(viewer->Await("volume E:"), EndsWith("volume E: <VolumeTracker> refused: no compatible "
+                                                     "application is left: the process ends"));
+    EXPECT_EQ(boot->ExitCode(), 0U);
+}
+
 TEST_F(TraceArrivals, OfOneTrackerAloneWhereAsked)
 {
     RunningViewer wia(L"--arrivals --only WiaTracker");

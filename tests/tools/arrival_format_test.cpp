@@ -115,9 +115,9 @@ TEST(FormattedArrival, IsToldToMachines)
 TEST(FormattedArrival, HasWordsForEveryRuleAndOutcome)
 {
     Arrival card = Card();
-    for (const char* const rule :
-         {kSupportedFile, kImagingDevice, kTwainSource, kPluginReport, kUnfitDrive, kSearchOff,
-          kNoSupportedFile, kNothingListed, kNoDeviceType, kReasonNotSeen, kUnfinished}) {
+    for (const char* const rule : {kSupportedFile, kImagingDevice, kTwainSource, kPluginReport,
+                                   kUnfitDrive, kSearchOff, kNoSupportedFile, kNothingListed,
+                                   kNoDeviceType, kNoApplication, kReasonNotSeen, kUnfinished}) {
         card.rule = rule;
         EXPECT_NE(WhyText(card), "") << rule;
     }

@@ -23,6 +23,8 @@ const std::string kRefused = kVolumes + "<Launch not possible>.";
 const std::string kPolling = kVolumes + "<Entering in polling mode.>";
 const std::string kNoneFound =
     "<KestraBoot><!!! No Kestra Compatible application found. This situation should be avoided.>";
+const std::string kRunKeyDeleted =
+    "<KestraBoot><Deleting run key. Auto run is going to discontinue from now onwards.>";
 
 std::string Start(const std::string& kind, const std::string& device)
 {
@@ -39,6 +41,15 @@ protected:
         for (const std::string& line : lines) {
             now += 10;
             verdicts.Take({{now, 0, now}, process, "kestraboot.exe", line});
+        }
+    }
+
+    /// The same for a process of another name.
+    void Speaker(const std::string& name, const std::vector<std::string>& lines)
+    {
+        for (const std::string& line : lines) {
+            now += 10;
+            verdicts.Take({{now, 0, now}, 99, name, line});
         }
     }
 
@@ -280,9 +291,30 @@ TEST_F(Verdicts, TellOfARefusedLaunchThatNoTrackerAnnounced)
 
 TEST_F(Verdicts, AreNotAboutWhatAnUninstallSays)
 {
-    Lines({kNoneFound,
-           "<KestraBoot><Deleting run key. Auto run is going to discontinue from now onwards.>"});
+    Lines({kNoneFound, kRunKeyDeleted});
     EXPECT_THAT(told, IsEmpty());
+}
+
+TEST_F(Verdicts, OfACardThatFindsNoApplicationLeft)
+{
+    // The search asks for the application's settings first, and the process ends there.
+    Lines({kNotice, kFound, kNoneFound, kRunKeyDeleted});
+    EXPECT_EQ(Only().tracker, kVolumeTracker);
+    EXPECT_EQ(Only().decision, Decision::Refused);
+    EXPECT_STREQ(Only().rule, kNoApplication);
+    EXPECT_STREQ(Only().outcome, "");
+    EXPECT_EQ(Only().millisecondsToEnd, 20);
+    EXPECT_EQ(verdicts.OpenCount(), 0U);
+}
+
+TEST_F(Verdicts, OfAllThatWaitsWhereNoApplicationIsLeft)
+{
+    Lines({kService + "<WiaTracker><WIA DEVICE><C|one>.", kFound,
+           kService + "<StiTracker><WIA DEVICE><C|two>", kNoneFound, kRunKeyDeleted});
+    ASSERT_THAT(told, SizeIs(3));
+    EXPECT_STREQ(told[0].outcome, kNoApplication);
+    EXPECT_STREQ(told[1].rule, kNoApplication);
+    EXPECT_STREQ(told[2].outcome, kNoApplication);
 }
 
 TEST_F(Verdicts, DoNotWaitForAHostThatStartsNothing)

@@ -21,6 +21,7 @@ constexpr Words kWhy[] = {
     {kNoSupportedFile, "no file of a supported format within the folder levels of \"SniffDepth\""},
     {kNothingListed, "nothing on it could be listed: it is empty or cannot be read"},
     {kNoDeviceType, "neither a camera nor a scanner in the imaging service's list"},
+    {kNoApplication, "no compatible application is left: the process ends"},
     {kReasonNotSeen, "the line that says why was not seen"},
     {kUnfinished, "no further line came"},
 };

@@ -25,6 +25,7 @@ inline constexpr const char* kSearchOff = "search-off";
 inline constexpr const char* kNoSupportedFile = "no-supported-file";
 inline constexpr const char* kNothingListed = "nothing-listed";
 inline constexpr const char* kNoDeviceType = "no-device-type";
+inline constexpr const char* kNoApplication = "no-application"; ///< an outcome too
 inline constexpr const char* kReasonNotSeen = "reason-not-seen";
 inline constexpr const char* kUnfinished = "unfinished";
 
@@ -33,7 +34,6 @@ inline constexpr const char* kStarted = "started";
 inline constexpr const char* kOutsideConsoleSession = "outside-console-session";
 inline constexpr const char* kNoMode = "no-mode";
 inline constexpr const char* kNoOwnApplication = "no-own-application";
-inline constexpr const char* kNoApplication = "no-application";
 inline constexpr const char* kOrganiserNotStarted = "organiser-not-started";
 inline constexpr const char* kNoStartSeen = "no-start-seen";
 

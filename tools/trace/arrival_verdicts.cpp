@@ -50,8 +50,10 @@ void ArrivalVerdicts::Take(const SeenLine& line)
         TakeDeviceFound(process, line, event);
         break;
     case EventType::LaunchRefused:
-    case EventType::NoneInstalled:
         TakeLaunch(process, line, event);
+        break;
+    case EventType::NoneInstalled:
+        TakeNoneInstalled(process, line);
         break;
     case EventType::Started:
         TakeStart(process, line);
@@ -148,9 +150,6 @@ void ArrivalVerdicts::TakeLaunch(Process& process, const SeenLine& line, const T
         return waiting.arrival.decision == Decision::Accepted;
     });
     if (place == process.waiting.end()) {
-        if (event.type == EventType::NoneInstalled) {
-            return; // said at the start, by a switch or an uninstall too
-        }
         place = Open(process, line, kPluginTracker, event);
         place->arrival.decision = Decision::Accepted;
         place->arrival.rule = kPluginReport;
@@ -159,6 +158,21 @@ void ArrivalVerdicts::TakeLaunch(Process& process, const SeenLine& line, const T
     arrival.outcome = event.rule;
     arrival.millisecondsToEnd = line.time.upMilliseconds - arrival.noticed.upMilliseconds;
     Close(process, place);
+}
+
+void ArrivalVerdicts::TakeNoneInstalled(Process& process, const SeenLine& line)
+{
+    for (Waiting& waiting : process.waiting) {
+        Arrival& arrival = waiting.arrival;
+        if (arrival.decision == Decision::Accepted) {
+            arrival.outcome = kNoApplication;
+        } else {
+            arrival.decision = Decision::Refused;
+            arrival.rule = kNoApplication;
+        }
+        arrival.millisecondsToEnd = line.time.upMilliseconds - arrival.noticed.upMilliseconds;
+    }
+    CloseAll(process);
 }
 
 void ArrivalVerdicts::TakeStart(Process& process, const SeenLine& line)

@@ -5,7 +5,9 @@
 // then says what it started, or why not. Trackers run on threads of their own and a line does not say
 // which wrote it: a start line is given to the device that it names, a refusal of the launcher to the
 // device that has waited longest, since devices are handed over one at a time. A start line that names
-// no waiting device is an arrival of its own: plugins write no line.
+// no waiting device is an arrival of its own: plugins write no line. A process that finds no application
+// left ends: at a start, or when a search asks for its settings, so also before the volume is decided
+// on.
 //
 // A verdict is told as soon as nothing more can come. An accepted device for which the launcher says
 // nothing waits for kLongestLaunch; one in the middle of its search for kLongestSilence, since its
@@ -71,6 +73,7 @@ private:
     void TakeSearch(Process& process, const SeenLine& line, const TraceEvent& event);
     void TakeDeviceFound(Process& process, const SeenLine& line, const TraceEvent& event);
     void TakeLaunch(Process& process, const SeenLine& line, const TraceEvent& event);
+    void TakeNoneInstalled(Process& process, const SeenLine& line);
     void TakeStart(Process& process, const SeenLine& line);
     void EndVolume(Process& process);
     void Close(Process& process, Place place);

@@ -34,7 +34,7 @@ constexpr FixedLine kFixedLines[] = {
     {"<KestraBoot><!!! Unable to start the process.>", EventType::LaunchRefused, kOrganiserNotStarted},
     {"<KestraBoot><!!! Unable to launch Vel 3.0.>", EventType::LaunchRefused, kOrganiserNotStarted},
     {"<KestraBoot><!!! No Kestra Compatible application found. This situation should be avoided.>",
-     EventType::NoneInstalled, kNoApplication},
+     EventType::NoneInstalled},
 };
 
 /// Lines that name a device: a tag with a letter and a bar, "C|", then its identity.

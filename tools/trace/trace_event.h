@@ -26,7 +26,7 @@ enum class EventType {
     TypeUnknownToSti, ///< the same by the still-image tracker
 
     LaunchRefused, ///< `rule`; the arrival that was being told is not served
-    NoneInstalled, ///< `rule`; said at other times than arrivals too
+    NoneInstalled, ///< nothing of this process is served any more; said at other times than arrivals too
     Started,       ///< the line is a start line
 };
 
