@@ -317,6 +317,13 @@ TEST_F(Verdicts, OfAllThatWaitsWhereNoApplicationIsLeft)
     EXPECT_STREQ(told[2].outcome, kNoApplication);
 }
 
+TEST_F(Verdicts, CountTheWaitFromTheAcceptance)
+{
+    Lines({kFound, kService + "<WiaTracker><WIA DEVICE><C|one>.", kFits,
+           "<KestraBoot><!!! Unable to launch Kestra.>"});
+    EXPECT_EQ(Only().device, "one") << "the card was found first, but searched for longer";
+}
+
 TEST_F(Verdicts, DoNotWaitForAHostThatStartsNothing)
 {
     Lines({kFound, kFits, kPolling});

@@ -123,6 +123,8 @@ void ArrivalVerdicts::TakeSearch(Process& process, const SeenLine& line, const T
     TakeSearchLine(place->search, arrival, event);
     if (arrival.decision == Decision::Refused) {
         Close(process, place);
+    } else if (arrival.decision == Decision::Accepted) {
+        process.waiting.splice(process.waiting.end(), process.waiting, place);
     }
 }
 

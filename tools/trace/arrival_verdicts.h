@@ -4,7 +4,7 @@
 // accepted by the very line that names them. An accepted device is handed to the host, and the launcher
 // then says what it started, or why not. Trackers run on threads of their own and a line does not say
 // which wrote it: a start line is given to the device that it names, a refusal of the launcher to the
-// device that has waited longest, since devices are handed over one at a time. A start line that names
+// device that was accepted first, since devices are handed over one at a time. A start line that names
 // no waiting device is an arrival of its own: plugins write no line. A process that finds no application
 // left ends: at a start, or when a search asks for its settings, so also before the volume is decided
 // on.
@@ -63,7 +63,7 @@ private:
         std::uint32_t id;
         std::int64_t lastLine;
         std::optional<TimeStamp> notice;
-        std::list<Waiting> waiting; ///< oldest first
+        std::list<Waiting> waiting; ///< accepted ones in the order of their acceptance
     };
     using Place = std::list<Waiting>::iterator;
 
