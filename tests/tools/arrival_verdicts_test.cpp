@@ -324,6 +324,14 @@ TEST_F(Verdicts, CountTheWaitFromTheAcceptance)
     EXPECT_EQ(Only().device, "one") << "the card was found first, but searched for longer";
 }
 
+TEST_F(Verdicts, ForgetANoticeThatLedToNothing)
+{
+    Lines({kNotice});
+    now += ArrivalVerdicts::kLongestNotice;
+    Lines({kNotice, kFound, kRefused});
+    EXPECT_EQ(Only().millisecondsToEnd, 20) << "from the card's own notice";
+}
+
 TEST_F(Verdicts, DoNotWaitForAHostThatStartsNothing)
 {
     Lines({kFound, kFits, kPolling});

@@ -34,7 +34,7 @@ void ArrivalVerdicts::Take(const SeenLine& line)
     Process& process = ProcessOf(line);
     switch (event.type) {
     case EventType::VolumeNotice:
-        if (!process.notice) {
+        if (!HasFreshNotice(process, line)) {
             process.notice = line.time;
         }
         break;
@@ -99,11 +99,16 @@ ArrivalVerdicts::Place ArrivalVerdicts::Open(Process& process, const SeenLine& l
     return std::prev(process.waiting.end());
 }
 
+bool ArrivalVerdicts::HasFreshNotice(const Process& process, const SeenLine& line)
+{
+    return process.notice && line.time.upMilliseconds - process.notice->upMilliseconds <= kLongestNotice;
+}
+
 void ArrivalVerdicts::TakeVolumeFound(Process& process, const SeenLine& line, const TraceEvent& event)
 {
     EndVolume(process); // the tracker went on
     const Place place = Open(process, line, event.tracker, event);
-    if (process.notice && line.time.upMilliseconds - process.notice->upMilliseconds <= kLongestNotice) {
+    if (HasFreshNotice(process, line)) {
         place->arrival.noticed = *process.notice;
     }
     process.notice.reset();

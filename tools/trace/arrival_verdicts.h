@@ -62,13 +62,14 @@ private:
     struct Process {
         std::uint32_t id;
         std::int64_t lastLine;
-        std::optional<TimeStamp> notice;
-        std::list<Waiting> waiting; ///< accepted ones in the order of their acceptance
+        std::optional<TimeStamp> notice; ///< the first of those that came together
+        std::list<Waiting> waiting;      ///< accepted ones in the order of their acceptance
     };
     using Place = std::list<Waiting>::iterator;
 
     Process& ProcessOf(const SeenLine& line);
     Place Open(Process& process, const SeenLine& line, const char* tracker, const TraceEvent& event);
+    static bool HasFreshNotice(const Process& process, const SeenLine& line);
     void TakeVolumeFound(Process& process, const SeenLine& line, const TraceEvent& event);
     void TakeSearch(Process& process, const SeenLine& line, const TraceEvent& event);
     void TakeDeviceFound(Process& process, const SeenLine& line, const TraceEvent& event);
