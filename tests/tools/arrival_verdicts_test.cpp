@@ -332,6 +332,19 @@ TEST_F(Verdicts, ForgetANoticeThatLedToNothing)
     EXPECT_EQ(Only().millisecondsToEnd, 20) << "from the card's own notice";
 }
 
+TEST_F(Verdicts, OfDevicesThatTheOrganiserIsToldAreCameras)
+{
+    Lines({kService + "<StiTracker><TWAIN DEVICE><\"My source\">",
+           "\"C:\\V\\VelProxy.exe\" -d \"C|y source\"\""});
+    EXPECT_EQ(Only().tracker, kStiTracker);
+    EXPECT_EQ(Only().kind, "");
+    EXPECT_STREQ(Only().outcome, kStarted);
+    told.clear();
+    Lines({kService + "<StiTracker><WIA DEVICE><S|one>", "\"C:\\V\\VelProxy.exe\" -d \"C|one\""});
+    EXPECT_EQ(Only().tracker, kPluginTracker) << "scanners have a mark of their own";
+    EXPECT_EQ(Only().kind, "") << "it may be a phone";
+}
+
 TEST_F(Verdicts, DoNotWaitForAHostThatStartsNothing)
 {
     Lines({kFound, kFits, kPolling});

@@ -47,6 +47,13 @@ TEST(StartLine, MayBeTheLegacyOrganisers)
     Expect(R"("C:\V\VelProxy.exe" -d "C|")", R"(C:\V\VelProxy.exe)", "", "camera", "");
 }
 
+TEST(StartLine, OfTheLegacyOrganiserKnowsVolumesAndScanners)
+{
+    EXPECT_FALSE(ParseStartLine(R"("VelProxy.exe" -d "V|E:")")->kindGuessed);
+    EXPECT_FALSE(ParseStartLine(R"("VelProxy.exe" -d "S|a")")->kindGuessed);
+    EXPECT_TRUE(ParseStartLine(R"("VelProxy.exe" -d "C|a")")->kindGuessed);
+}
+
 TEST(StartLine, IsNothingElse)
 {
     for (const char* const text :

@@ -194,7 +194,7 @@ void ArrivalVerdicts::TakeStart(Process& process, const SeenLine& line)
     });
     if (place == process.waiting.end()) {
         TraceEvent event;
-        event.kind = start->kind;
+        event.kind = start->kindGuessed ? std::string() : start->kind;
         event.device = start->device;
         place = Open(process, line, kPluginTracker, event);
         place->arrival.decision = Decision::Accepted;

@@ -35,7 +35,8 @@ std::optional<StartLine> ParseOrganiserLine(std::string_view text)
     } else if (tagged.starts_with("S|")) {
         line.kind = "scanner";
     } else if (tagged.starts_with("C|")) {
-        line.kind = "camera"; // or anything that the organiser does not know
+        line.kind = "camera";
+        line.kindGuessed = true;
     } else {
         return std::nullopt;
     }

@@ -18,7 +18,9 @@ struct StartLine {
     std::string application; ///< without quotes
     std::string mode;        ///< empty for the legacy organiser
     std::string kind;        ///< "volume", "camera", ...; empty where there is none
-    std::string device;      ///< as in the line, without the quotes around it; may be empty
+    bool kindGuessed =
+        false;          ///< the legacy organiser is told that all but volumes and scanners are cameras
+    std::string device; ///< as in the line, without the quotes around it; may be empty
 };
 
 [[nodiscard]] std::optional<StartLine> ParseStartLine(std::string_view text);

@@ -3,12 +3,24 @@
 namespace kestraboot::tools
 {
 
+namespace
+{
+
+bool FitsKind(const StartLine& start, const std::string& kind)
+{
+    if (start.kindGuessed) {
+        return kind != "volume" && kind != "scanner";
+    }
+    return start.kind == kind || start.kind.empty();
+}
+
+} // namespace
+
 bool Names(const StartLine& start, const Arrival& arrival)
 {
-    const bool sameKind = start.kind == arrival.kind || start.kind.empty();
     const bool sameDevice =
         arrival.deviceCut ? start.device.starts_with(arrival.device) : start.device == arrival.device;
-    return sameKind && sameDevice;
+    return FitsKind(start, arrival.kind) && sameDevice;
 }
 
 } // namespace kestraboot::tools
