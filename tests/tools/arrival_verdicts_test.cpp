@@ -345,6 +345,26 @@ TEST_F(Verdicts, OfDevicesThatTheOrganiserIsToldAreCameras)
     EXPECT_EQ(Only().kind, "") << "it may be a phone";
 }
 
+TEST_F(Verdicts, AreNotAboutAnApplicationThatTracesItsOwnCommandLine)
+{
+    Speaker("V.EXE", {Start("volume", "E:"), "<and more of its own>"});
+    Speaker("VelProxy.exe", {"\"C:\\V\\VelProxy.exe\" -d \"V|E:\""});
+    EXPECT_THAT(told, IsEmpty());
+    EXPECT_EQ(verdicts.OpenCount(), 0U);
+}
+
+TEST_F(Verdicts, AreNotAboutAStartThatAProcessWithoutANameWrites)
+{
+    Speaker("?", {Start("volume", "E:")});
+    EXPECT_THAT(told, IsEmpty()) << "it was gone at once: a boot program stays";
+}
+
+TEST_F(Verdicts, OfAnApplicationThatIsItsOwnBootProgram)
+{
+    Speaker("v.exe", {kVolumes + "<Volumes will be detected.>", Start("mobile", "phone 1")});
+    EXPECT_EQ(Only().device, "phone 1");
+}
+
 TEST_F(Verdicts, DoNotWaitForAHostThatStartsNothing)
 {
     Lines({kFound, kFits, kPolling});

@@ -1,6 +1,7 @@
 #include "tools/trace/arrival_verdicts.h"
 
 #include "tools/trace/start_match.h"
+#include "tools/trace/trace_line.h"
 
 #include <algorithm>
 #include <string_view>
@@ -27,11 +28,14 @@ bool IsOpenVolume(const Arrival& arrival)
 
 void ArrivalVerdicts::Take(const SeenLine& line)
 {
-    const TraceEvent event = ReadTraceEvent(WithoutLineEnd(line.text));
-    if (event.type == EventType::None) {
+    const std::string_view text = WithoutLineEnd(line.text);
+    const TraceEvent event = ReadTraceEvent(text);
+    const bool tagged = event.type != EventType::Started && !ParseTraceLine(text).component.empty();
+    if (event.type == EventType::None && !tagged) {
         return;
     }
     Process& process = ProcessOf(line);
+    process.hasTheLibrary = process.hasTheLibrary || tagged;
     switch (event.type) {
     case EventType::VolumeNotice:
         if (!HasFreshNotice(process, line)) {
@@ -58,6 +62,8 @@ void ArrivalVerdicts::Take(const SeenLine& line)
     case EventType::Started:
         TakeStart(process, line);
         break;
+    case EventType::None:
+        break;
     default:
         TakeSearch(process, line, event);
     }
@@ -73,7 +79,7 @@ ArrivalVerdicts::Process& ArrivalVerdicts::ProcessOf(const SeenLine& line)
             CloseAll(processes.front());
             processes.pop_front();
         }
-        processes.push_back({line.processId, 0, {}, {}});
+        processes.push_back({line.processId, 0, false, {}, {}});
     }
     Process& process = processes.back();
     process.lastLine = line.time.upMilliseconds;
@@ -193,6 +199,9 @@ void ArrivalVerdicts::TakeStart(Process& process, const SeenLine& line)
         return waiting.arrival.decision == Decision::Accepted && Names(*start, waiting.arrival);
     });
     if (place == process.waiting.end()) {
+        if (!process.hasTheLibrary && MayBeOfTheStarted(*start, line.processName)) {
+            return;
+        }
         TraceEvent event;
         event.kind = start->kindGuessed ? std::string() : start->kind;
         event.device = start->device;

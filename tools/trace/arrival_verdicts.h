@@ -5,9 +5,9 @@
 // then says what it started, or why not. Trackers run on threads of their own and a line does not say
 // which wrote it: a start line is given to the device that it names, a refusal of the launcher to the
 // device that was accepted first, since devices are handed over one at a time. A start line that names
-// no waiting device is an arrival of its own: plugins write no line. A process that finds no application
-// left ends: at a start, or when a search asks for its settings, so also before the volume is decided
-// on.
+// no waiting device is an arrival of its own: plugins write no line; unless the started program itself
+// may have written it. A process that finds no application left ends: at a start, or when a search asks
+// for its settings, so also before the volume is decided on.
 //
 // A verdict is told as soon as nothing more can come. An accepted device for which the launcher says
 // nothing waits for kLongestLaunch; one in the middle of its search for kLongestSilence, since its
@@ -62,6 +62,7 @@ private:
     struct Process {
         std::uint32_t id;
         std::int64_t lastLine;
+        bool hasTheLibrary;              ///< it wrote a line with a component
         std::optional<TimeStamp> notice; ///< the first of those that came together
         std::list<Waiting> waiting;      ///< accepted ones in the order of their acceptance
     };
