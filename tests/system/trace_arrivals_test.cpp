@@ -119,6 +119,15 @@ TEST_F(TraceArrivals, OfOneTrackerAloneWhereAsked)
     EXPECT_EQ(wia.Lines().size(), 2U) << "the day and the verdict";
 }
 
+TEST_F(TraceArrivals, WithoutADeviceAreTheLaunchersOwn)
+{
+    RunningViewer launcher(L"--arrivals --only KestraBoot");
+    ::OutputDebugStringW(L"Could not get the device type.");
+    ::OutputDebugStringW(L"\"C:\\a.exe\" module=kestrafetch params mode=select");
+    EXPECT_NE(launcher.Await("start without a device: "), "");
+    EXPECT_EQ(launcher.Lines().size(), 3U) << "the day, the start and its line";
+}
+
 TEST_F(TraceArrivals, AreToldAtTheEndAsTheyStand)
 {
     ChildProcess ending{BuiltPrograms() / "kestratrace.exe", L"--arrivals 2"};

@@ -84,11 +84,32 @@ TEST(FormattedArrival, SaysNothingOfASearchThatNeverWas)
     Arrival phone = Card();
     phone.tracker = kPluginTracker;
     phone.rule = kPluginReport;
-    phone.kind = "";
-    phone.device = "";
-    EXPECT_THAT(Lines(phone), ElementsAre(HasSubstr("device (not named) <Plugin> accepted: "),
+    phone.kind = "mobile";
+    phone.device = "phone 1";
+    EXPECT_THAT(Lines(phone), ElementsAre(HasSubstr("mobile phone 1 <Plugin> accepted: "),
                                           HasSubstr("started after")));
     EXPECT_THAT(ArrivalJson(phone), Not(HasSubstr("attempts")));
+}
+
+TEST(FormattedArrival, MayBeOfADeviceThatItsLineDoesNotName)
+{
+    Arrival device = Card();
+    device.tracker = kWiaTracker;
+    device.kind = device.device = "";
+    device.decision = Decision::Refused;
+    device.rule = kNoDeviceType;
+    EXPECT_THAT(Lines(device), ElementsAre(HasSubstr("device (not named) <WiaTracker> refused: ")));
+}
+
+TEST(FormattedArrival, MayBeAStartWithoutADevice)
+{
+    Arrival start = Card();
+    start.tracker = start.source = start.kind = start.device = "";
+    start.rule = kNoDevice;
+    EXPECT_THAT(Lines(start),
+                ElementsAre(EndsWith("1234  start without a device: no line names one, as when the host "
+                                     "starts an application by itself"),
+                            HasSubstr("started after")));
 }
 
 TEST(FormattedArrival, MayBeUndecided)
@@ -116,7 +137,7 @@ TEST(FormattedArrival, HasWordsForEveryRuleAndOutcome)
 {
     Arrival card = Card();
     for (const char* const rule : {kSupportedFile, kImagingDevice, kTwainSource, kPluginReport,
-                                   kUnfitDrive, kSearchOff, kNoSupportedFile, kNothingListed,
+                                   kNoDevice, kUnfitDrive, kSearchOff, kNoSupportedFile, kNothingListed,
                                    kNoDeviceType, kNoApplication, kReasonNotSeen, kUnfinished}) {
         card.rule = rule;
         EXPECT_NE(WhyText(card), "") << rule;

@@ -282,13 +282,6 @@ TEST_F(Verdicts, GiveARefusalToTheDeviceThatWaitedLongest)
     EXPECT_STREQ(told[1].outcome, kStarted);
 }
 
-TEST_F(Verdicts, TellOfARefusedLaunchThatNoTrackerAnnounced)
-{
-    Lines({"<KestraBoot><!!! Unable to launch Kestra.>"});
-    EXPECT_EQ(Only().tracker, kPluginTracker);
-    EXPECT_STREQ(Only().outcome, kOutsideConsoleSession);
-}
-
 TEST_F(Verdicts, AreNotAboutWhatAnUninstallSays)
 {
     Lines({kNoneFound, kRunKeyDeleted});
@@ -363,6 +356,26 @@ TEST_F(Verdicts, OfAnApplicationThatIsItsOwnBootProgram)
 {
     Speaker("v.exe", {kVolumes + "<Volumes will be detected.>", Start("mobile", "phone 1")});
     EXPECT_EQ(Only().device, "phone 1");
+}
+
+TEST_F(Verdicts, OfAStartWithoutADevice)
+{
+    Lines({"\"C:\\v.exe\" module=kestrafetch params mode=select"});
+    EXPECT_EQ(Only().tracker, "");
+    EXPECT_EQ(Only().kind, "");
+    EXPECT_EQ(Only().device, "");
+    EXPECT_EQ(Only().decision, Decision::Accepted);
+    EXPECT_STREQ(Only().rule, kNoDevice);
+    EXPECT_STREQ(Only().outcome, kStarted);
+    EXPECT_EQ(Only().mode, "select");
+}
+
+TEST_F(Verdicts, OfARefusedStartThatNoTrackerAnnounced)
+{
+    Lines({"<KestraBoot><!!! Unable to launch Kestra.>"});
+    EXPECT_EQ(Only().tracker, "");
+    EXPECT_STREQ(Only().rule, kNoDevice);
+    EXPECT_STREQ(Only().outcome, kOutsideConsoleSession);
 }
 
 TEST_F(Verdicts, DoNotWaitForAHostThatStartsNothing)

@@ -82,10 +82,10 @@ TEST(ToolsPage, NamesEveryRuleAndOutcome)
 {
     const std::set<std::string> words = Words();
     for (const char* const word :
-         {kSupportedFile, kImagingDevice, kTwainSource, kPluginReport, kUnfitDrive, kSearchOff,
-          kNoSupportedFile, kNothingListed, kNoDeviceType, kReasonNotSeen, kUnfinished, kStarted,
-          kOutsideConsoleSession, kNoMode, kNoOwnApplication, kNoApplication, kOrganiserNotStarted,
-          kNoStartSeen}) {
+         {kSupportedFile, kImagingDevice, kTwainSource, kPluginReport, kNoDevice, kUnfitDrive,
+          kSearchOff, kNoSupportedFile, kNothingListed, kNoDeviceType, kReasonNotSeen, kUnfinished,
+          kStarted, kOutsideConsoleSession, kNoMode, kNoOwnApplication, kNoApplication,
+          kOrganiserNotStarted, kNoStartSeen}) {
         EXPECT_THAT(words, Contains(word));
     }
 }

@@ -16,6 +16,7 @@ constexpr Words kWhy[] = {
     {kImagingDevice, "the imaging service lists it as such"},
     {kTwainSource, "a TWAIN source came with it"},
     {kPluginReport, "no tracker's line came before, as when a device plugin reports it"},
+    {kNoDevice, "no line names one, as when the host starts an application by itself"},
     {kUnfitDrive, "neither a removable drive nor a fixed one with the maker's file system"},
     {kSearchOff, "\"SniffDepth\" is 0: cards are switched off"},
     {kNoSupportedFile, "no file of a supported format within the folder levels of \"SniffDepth\""},

@@ -12,7 +12,7 @@ namespace kestraboot::tools
 inline constexpr const char* kVolumeTracker = "VolumeTracker";
 inline constexpr const char* kWiaTracker = "WiaTracker";
 inline constexpr const char* kStiTracker = "StiTracker";
-/// Device plugins write no line when a device arrives: it is known by what the launcher says.
+/// Device plugins write no line when a device arrives: it is known by the line of its start.
 inline constexpr const char* kPluginTracker = "Plugin";
 
 // Why a device was accepted or refused.
@@ -20,6 +20,7 @@ inline constexpr const char* kSupportedFile = "supported-file";
 inline constexpr const char* kImagingDevice = "imaging-device";
 inline constexpr const char* kTwainSource = "twain-source";
 inline constexpr const char* kPluginReport = "plugin-report";
+inline constexpr const char* kNoDevice = "no-device"; ///< a start whose lines name none
 inline constexpr const char* kUnfitDrive = "unfit-drive";
 inline constexpr const char* kSearchOff = "search-off";
 inline constexpr const char* kNoSupportedFile = "no-supported-file";
@@ -43,10 +44,10 @@ struct Arrival {
     TimeStamp noticed; ///< when the first line about it came
     std::uint32_t processId = 0;
     std::string processName;
-    std::string tracker;
-    std::string source; ///< what the tracker calls it: "REMOVABLE DEVICE"; empty for plugins
-    std::string kind;   ///< "volume", "camera", "scanner", ... or empty
-    std::string device; ///< "E:"; empty where it is not known
+    std::string tracker; ///< empty for kNoDevice
+    std::string source;  ///< what the tracker calls it: "REMOVABLE DEVICE"; empty where none told of it
+    std::string kind;    ///< "volume", "camera", "scanner", ... or empty
+    std::string device;  ///< "E:"; empty where it is not known
     bool deviceCut = false;
 
     Decision decision = Decision::Open;

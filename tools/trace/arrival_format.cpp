@@ -29,6 +29,10 @@ std::string What(const Arrival& arrival)
 StyledText DecisionLine(const Arrival& arrival)
 {
     StyledText line = LineHead(arrival.noticed, arrival.processName, arrival.processId);
+    if (arrival.tracker.empty()) {
+        line.push_back({Style::Plain, "start without a device: " + WhyText(arrival)});
+        return line;
+    }
     line.push_back({Style::Plain, What(arrival) + ' '});
     line.push_back({Style::Tracker, '<' + arrival.tracker + '>'});
     switch (arrival.decision) {

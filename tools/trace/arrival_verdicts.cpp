@@ -105,6 +105,16 @@ ArrivalVerdicts::Place ArrivalVerdicts::Open(Process& process, const SeenLine& l
     return std::prev(process.waiting.end());
 }
 
+ArrivalVerdicts::Place ArrivalVerdicts::OpenUnannounced(Process& process, const SeenLine& line,
+                                                        const TraceEvent& event)
+{
+    const bool named = !event.device.empty();
+    const Place place = Open(process, line, named ? kPluginTracker : "", event);
+    place->arrival.decision = Decision::Accepted;
+    place->arrival.rule = named ? kPluginReport : kNoDevice;
+    return place;
+}
+
 bool ArrivalVerdicts::HasFreshNotice(const Process& process, const SeenLine& line)
 {
     return process.notice && line.time.upMilliseconds - process.notice->upMilliseconds <= kLongestNotice;
@@ -163,9 +173,7 @@ void ArrivalVerdicts::TakeLaunch(Process& process, const SeenLine& line, const T
         return waiting.arrival.decision == Decision::Accepted;
     });
     if (place == process.waiting.end()) {
-        place = Open(process, line, kPluginTracker, event);
-        place->arrival.decision = Decision::Accepted;
-        place->arrival.rule = kPluginReport;
+        place = OpenUnannounced(process, line, {});
     }
     Arrival& arrival = place->arrival;
     arrival.outcome = event.rule;
@@ -205,9 +213,7 @@ void ArrivalVerdicts::TakeStart(Process& process, const SeenLine& line)
         TraceEvent event;
         event.kind = start->kindGuessed ? std::string() : start->kind;
         event.device = start->device;
-        place = Open(process, line, kPluginTracker, event);
-        place->arrival.decision = Decision::Accepted;
-        place->arrival.rule = kPluginReport;
+        place = OpenUnannounced(process, line, event);
     }
     Arrival& arrival = place->arrival;
     if (arrival.deviceCut) {

@@ -70,6 +70,7 @@ private:
 
     Process& ProcessOf(const SeenLine& line);
     Place Open(Process& process, const SeenLine& line, const char* tracker, const TraceEvent& event);
+    Place OpenUnannounced(Process& process, const SeenLine& line, const TraceEvent& event);
     static bool HasFreshNotice(const Process& process, const SeenLine& line);
     void TakeVolumeFound(Process& process, const SeenLine& line, const TraceEvent& event);
     void TakeSearch(Process& process, const SeenLine& line, const TraceEvent& event);

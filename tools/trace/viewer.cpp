@@ -54,7 +54,7 @@ void Viewer::End()
 
 void Viewer::Show(const Arrival& arrival)
 {
-    if (!filter.Passes("DeviceConnect", arrival.tracker)) {
+    if (!filter.Passes(arrival.tracker.empty() ? "KestraBoot" : "DeviceConnect", arrival.tracker)) {
         return;
     }
     if (options.json) {
