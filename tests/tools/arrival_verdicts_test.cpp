@@ -378,6 +378,49 @@ TEST_F(Verdicts, OfARefusedStartThatNoTrackerAnnounced)
     EXPECT_STREQ(Only().outcome, kOutsideConsoleSession);
 }
 
+TEST_F(Verdicts, TellAgainOfAStartThatCameLate)
+{
+    Lines({kService + "<WiaTracker><WIA DEVICE><C|one>."});
+    const std::int64_t came = now;
+    now += ArrivalVerdicts::kLongestLaunch + 1;
+    verdicts.Tick(now);
+    EXPECT_STREQ(Only().outcome, kNoStartSeen);
+    Lines({Start("camera", "one"), Start("camera", "one")});
+    ASSERT_THAT(told, SizeIs(3));
+    EXPECT_EQ(told[1].tracker, kWiaTracker);
+    EXPECT_EQ(told[1].noticed.upMilliseconds, came);
+    EXPECT_STREQ(told[1].rule, kImagingDevice);
+    EXPECT_STREQ(told[1].outcome, kStarted);
+    EXPECT_EQ(told[1].millisecondsToEnd, ArrivalVerdicts::kLongestLaunch + 11);
+    EXPECT_EQ(told[2].tracker, kPluginTracker) << "one start is one arrival's";
+}
+
+TEST_F(Verdicts, TellAgainOfACardThatTheHostStartsOnAThreadOfItsOwn)
+{
+    Lines({kFound, kFits, kPolling, Start("volume", "E:")});
+    ASSERT_THAT(told, SizeIs(2));
+    EXPECT_STREQ(told[0].outcome, kNoStartSeen);
+    EXPECT_EQ(told[1].tracker, kVolumeTracker);
+    EXPECT_STREQ(told[1].outcome, kStarted);
+}
+
+TEST_F(Verdicts, GiveAStartToTheArrivalThatStillWaitsFirst)
+{
+    Lines({kFound, kFits, kPolling, kFound, kFits, Start("volume", "E:")});
+    ASSERT_THAT(told, SizeIs(2));
+    EXPECT_EQ(told[1].noticed.upMilliseconds, now - 20);
+}
+
+TEST_F(Verdicts, ForgetWhatWasNeverStarted)
+{
+    Lines({kService + "<WiaTracker><WIA DEVICE><C|one>."});
+    now += ArrivalVerdicts::kLongestSilence + 1;
+    verdicts.Tick(now);
+    Lines({kVolumes + "<DEVICE ARRIVED>", Start("camera", "one")});
+    ASSERT_THAT(told, SizeIs(2));
+    EXPECT_EQ(told[1].tracker, kPluginTracker);
+}
+
 TEST_F(Verdicts, DoNotWaitForAHostThatStartsNothing)
 {
     Lines({kFound, kFits, kPolling});
@@ -446,6 +489,18 @@ TEST_F(Verdicts, KeepABoundedNumberOfWaitingDevices)
     }
     EXPECT_EQ(verdicts.OpenCount(), ArrivalVerdicts::kMostWaiting);
     EXPECT_EQ(told.front().device, "0");
+}
+
+TEST_F(Verdicts, KeepABoundedNumberOfThoseThatWereGivenUp)
+{
+    for (std::size_t i = 0; i <= ArrivalVerdicts::kMostWaiting; ++i) {
+        Lines({kVolumes + "<REMOVABLE DEVICE><V|" + std::to_string(i) + ">", kFits, kPolling});
+    }
+    told.clear();
+    Lines({Start("volume", "0"), Start("volume", "1")});
+    ASSERT_THAT(told, SizeIs(2));
+    EXPECT_EQ(told[0].tracker, kPluginTracker);
+    EXPECT_EQ(told[1].tracker, kVolumeTracker);
 }
 
 TEST_F(Verdicts, IgnoreEverythingElse)

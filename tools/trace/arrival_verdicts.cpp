@@ -79,7 +79,7 @@ ArrivalVerdicts::Process& ArrivalVerdicts::ProcessOf(const SeenLine& line)
             CloseAll(processes.front());
             processes.pop_front();
         }
-        processes.push_back({line.processId, 0, false, {}, {}});
+        processes.push_back({line.processId, 0, false, {}, {}, {}});
     }
     Process& process = processes.back();
     process.lastLine = line.time.upMilliseconds;
@@ -196,6 +196,21 @@ void ArrivalVerdicts::TakeNoneInstalled(Process& process, const SeenLine& line)
     CloseAll(process);
 }
 
+/// Among those that were given up where none waits.
+ArrivalVerdicts::Place ArrivalVerdicts::FindNamed(Process& process, const StartLine& start)
+{
+    const auto named = [&](const Waiting& waiting) {
+        return waiting.arrival.decision == Decision::Accepted && Names(start, waiting.arrival);
+    };
+    const Place place = std::ranges::find_if(process.waiting, named);
+    const Place late = std::ranges::find_if(process.givenUp, named);
+    if (place != process.waiting.end() || late == process.givenUp.end()) {
+        return place;
+    }
+    process.waiting.splice(process.waiting.end(), process.givenUp, late);
+    return late;
+}
+
 void ArrivalVerdicts::TakeStart(Process& process, const SeenLine& line)
 {
     const std::string_view text = WithoutLineEnd(line.text);
@@ -203,9 +218,7 @@ void ArrivalVerdicts::TakeStart(Process& process, const SeenLine& line)
     if (!start) {
         return;
     }
-    auto place = std::ranges::find_if(process.waiting, [&](const Waiting& waiting) {
-        return waiting.arrival.decision == Decision::Accepted && Names(*start, waiting.arrival);
-    });
+    auto place = FindNamed(process, *start);
     if (place == process.waiting.end()) {
         if (!process.hasTheLibrary && MayBeOfTheStarted(*start, line.processName)) {
             return;
@@ -239,9 +252,15 @@ void ArrivalVerdicts::EndVolume(Process& process)
 
 void ArrivalVerdicts::Close(Process& process, Place place)
 {
-    const Waiting closed = std::move(*place);
-    process.waiting.erase(place);
-    tell(closed.arrival);
+    std::list<Waiting> closed;
+    closed.splice(closed.begin(), process.waiting, place);
+    tell(closed.front().arrival);
+    if (std::string_view(closed.front().arrival.outcome) == kNoStartSeen) {
+        process.givenUp.splice(process.givenUp.end(), closed);
+        if (process.givenUp.size() > kMostWaiting) {
+            process.givenUp.pop_front();
+        }
+    }
 }
 
 void ArrivalVerdicts::CloseAll(Process& process)
@@ -261,6 +280,9 @@ void ArrivalVerdicts::Tick(std::int64_t upMilliseconds)
                 Close(*process, current);
             }
         }
+        std::erase_if(process->givenUp, [&](const Waiting& waiting) {
+            return upMilliseconds - waiting.lastLine > kLongestSilence;
+        });
         const bool silent = upMilliseconds - process->lastLine > kLongestSilence;
         process = silent && process->waiting.empty() ? processes.erase(process) : std::next(process);
     }

@@ -11,7 +11,8 @@
 //
 // A verdict is told as soon as nothing more can come. An accepted device for which the launcher says
 // nothing waits for kLongestLaunch; one in the middle of its search for kLongestSilence, since its
-// process may be gone.
+// process may be gone. Of a start that comes after all, within kLongestSilence of the device's last
+// line, the verdict is told once more.
 //
 // What is kept is bounded: so many processes, so many devices of each; the oldest are told as they
 // stand.
@@ -19,6 +20,7 @@
 
 #include "tools/trace/arrival.h"
 #include "tools/trace/seen_line.h"
+#include "tools/trace/start_line.h"
 #include "tools/trace/trace_event.h"
 #include "tools/trace/volume_search.h"
 
@@ -65,6 +67,7 @@ private:
         bool hasTheLibrary;              ///< it wrote a line with a component
         std::optional<TimeStamp> notice; ///< the first of those that came together
         std::list<Waiting> waiting;      ///< accepted ones in the order of their acceptance
+        std::list<Waiting> givenUp;      ///< told without a start, which may come yet
     };
     using Place = std::list<Waiting>::iterator;
 
@@ -77,6 +80,7 @@ private:
     void TakeDeviceFound(Process& process, const SeenLine& line, const TraceEvent& event);
     void TakeLaunch(Process& process, const SeenLine& line, const TraceEvent& event);
     void TakeNoneInstalled(Process& process, const SeenLine& line);
+    static Place FindNamed(Process& process, const StartLine& start);
     void TakeStart(Process& process, const SeenLine& line);
     void EndVolume(Process& process);
     void Close(Process& process, Place place);
