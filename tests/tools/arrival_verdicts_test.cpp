@@ -160,7 +160,7 @@ TEST_F(Verdicts, IgnoreASearchWhoseBeginningWasNotSeen)
 TEST_F(Verdicts, DoNotTakeAnOldNoticeForTheCards)
 {
     Lines({kNotice});
-    now += ArrivalVerdicts::kLongestNotice;
+    now += ProcessArrivals::kLongestNotice;
     Lines({kFound, kRefused, kFound, kRefused});
     EXPECT_EQ(told[0].millisecondsToEnd, 10);
     EXPECT_EQ(told[1].millisecondsToEnd, 10);
@@ -320,7 +320,7 @@ TEST_F(Verdicts, CountTheWaitFromTheAcceptance)
 TEST_F(Verdicts, ForgetANoticeThatLedToNothing)
 {
     Lines({kNotice});
-    now += ArrivalVerdicts::kLongestNotice;
+    now += ProcessArrivals::kLongestNotice;
     Lines({kNotice, kFound, kRefused});
     EXPECT_EQ(Only().millisecondsToEnd, 20) << "from the card's own notice";
 }
@@ -382,7 +382,7 @@ TEST_F(Verdicts, TellAgainOfAStartThatCameLate)
 {
     Lines({kService + "<WiaTracker><WIA DEVICE><C|one>."});
     const std::int64_t came = now;
-    now += ArrivalVerdicts::kLongestLaunch + 1;
+    now += ProcessArrivals::kLongestLaunch + 1;
     verdicts.Tick(now);
     EXPECT_STREQ(Only().outcome, kNoStartSeen);
     Lines({Start("camera", "one"), Start("camera", "one")});
@@ -391,7 +391,7 @@ TEST_F(Verdicts, TellAgainOfAStartThatCameLate)
     EXPECT_EQ(told[1].noticed.upMilliseconds, came);
     EXPECT_STREQ(told[1].rule, kImagingDevice);
     EXPECT_STREQ(told[1].outcome, kStarted);
-    EXPECT_EQ(told[1].millisecondsToEnd, ArrivalVerdicts::kLongestLaunch + 11);
+    EXPECT_EQ(told[1].millisecondsToEnd, ProcessArrivals::kLongestLaunch + 11);
     EXPECT_EQ(told[2].tracker, kPluginTracker) << "one start is one arrival's";
 }
 
@@ -414,7 +414,7 @@ TEST_F(Verdicts, GiveAStartToTheArrivalThatStillWaitsFirst)
 TEST_F(Verdicts, ForgetWhatWasNeverStarted)
 {
     Lines({kService + "<WiaTracker><WIA DEVICE><C|one>."});
-    now += ArrivalVerdicts::kLongestSilence + 1;
+    now += ProcessArrivals::kLongestSilence + 1;
     verdicts.Tick(now);
     Lines({kVolumes + "<DEVICE ARRIVED>", Start("camera", "one")});
     ASSERT_THAT(told, SizeIs(2));
@@ -435,18 +435,18 @@ TEST_F(Verdicts, DoNotWaitForAHostThatStartsNothing)
 TEST_F(Verdicts, GiveUpWaitingAfterAWhile)
 {
     Lines({kService + "<WiaTracker><WIA DEVICE><C|one>."});
-    verdicts.Tick(now + ArrivalVerdicts::kLongestLaunch);
+    verdicts.Tick(now + ProcessArrivals::kLongestLaunch);
     EXPECT_THAT(told, IsEmpty());
-    verdicts.Tick(now + ArrivalVerdicts::kLongestLaunch + 1);
+    verdicts.Tick(now + ProcessArrivals::kLongestLaunch + 1);
     EXPECT_STREQ(Only().outcome, kNoStartSeen);
 
     told.clear();
     Lines({kFound});
-    now += ArrivalVerdicts::kLongestSilence;
+    now += ProcessArrivals::kLongestSilence;
     Lines({kService + "<1><FILE><a.txt>\n"});
-    verdicts.Tick(now + ArrivalVerdicts::kLongestSilence);
+    verdicts.Tick(now + ProcessArrivals::kLongestSilence);
     EXPECT_THAT(told, IsEmpty()) << "a long search is no silence";
-    verdicts.Tick(now + ArrivalVerdicts::kLongestSilence + 1);
+    verdicts.Tick(now + ProcessArrivals::kLongestSilence + 1);
     EXPECT_EQ(Only().decision, Decision::Open);
     EXPECT_STREQ(Only().rule, kUnfinished);
 }
@@ -487,13 +487,13 @@ TEST_F(Verdicts, KeepABoundedNumberOfWaitingDevices)
     for (int i = 0; i < 100; ++i) {
         Lines({kService + "<WiaTracker><WIA DEVICE><C|" + std::to_string(i) + ">."});
     }
-    EXPECT_EQ(verdicts.OpenCount(), ArrivalVerdicts::kMostWaiting);
+    EXPECT_EQ(verdicts.OpenCount(), ProcessArrivals::kMostWaiting);
     EXPECT_EQ(told.front().device, "0");
 }
 
 TEST_F(Verdicts, KeepABoundedNumberOfThoseThatWereGivenUp)
 {
-    for (std::size_t i = 0; i <= ArrivalVerdicts::kMostWaiting; ++i) {
+    for (std::size_t i = 0; i <= ProcessArrivals::kMostWaiting; ++i) {
         Lines({kVolumes + "<REMOVABLE DEVICE><V|" + std::to_string(i) + ">", kFits, kPolling});
     }
     told.clear();

@@ -26,14 +26,6 @@ constexpr std::string_view kTrackers[] = {"VolumeTracker", "WiaTracker", "StiTra
 constexpr std::string_view kPluginServed = "Devices will be detected.";
 constexpr std::string_view kUntaggedWiaMessage = "Could not get the device type.";
 
-std::string_view WithoutLineEnd(std::string_view text) noexcept
-{
-    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) {
-        text.remove_suffix(1);
-    }
-    return text;
-}
-
 /// Brackets inside a field belong to it; the last field may lack its bracket, since long lines are cut.
 std::vector<std::string> Fields(std::string_view text)
 {
@@ -74,6 +66,14 @@ void TakeTracker(TraceLine& line)
 }
 
 } // namespace
+
+std::string_view WithoutLineEnd(std::string_view text) noexcept
+{
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
 
 TraceLine ParseTraceLine(std::string_view text)
 {

@@ -24,6 +24,8 @@ struct TraceLine {
     std::string text;                ///< the whole line, without its line end
 };
 
+[[nodiscard]] std::string_view WithoutLineEnd(std::string_view text) noexcept;
+
 /// Never fails: what is not understood is all message.
 [[nodiscard]] TraceLine ParseTraceLine(std::string_view text);
 
