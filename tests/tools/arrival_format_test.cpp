@@ -54,7 +54,7 @@ TEST(FormattedArrival, SaysWhatCameWhyAndWhatWasStarted)
     EXPECT_THAT(Lines(Card()),
                 ElementsAre("12:33:47.123  kestraboot.exe        1234  volume E: <VolumeTracker> "
                             "accepted: IMG_0001.JPG is of a supported format",
-                            kIndent + "looked at 2 folders and 1 file, attempts: 1",
+                            kIndent + "saw 2 folders and 1 file, attempts: 1",
                             kIndent + "started after 0.120 s: \"C:\\v.exe\" module=kestrafetch params "
                                       "mode=direct"));
 }
@@ -74,9 +74,19 @@ TEST(FormattedArrival, OfARefusedOneHasNoOutcome)
     card.rule = kSearchOff;
     EXPECT_THAT(Lines(card),
                 ElementsAre(EndsWith("refused: \"SniffDepth\" is 0: cards are switched off"),
-                            HasSubstr("looked at")));
+                            HasSubstr("saw ")));
     EXPECT_THAT(ArrivalJson(card), AllOf(HasSubstr(R"("accepted":false,"rule":"search-off")"),
                                          Not(HasSubstr("outcome")), Not(HasSubstr("startLine"))));
+}
+
+TEST(FormattedArrival, OfACardWithoutPicturesDoesNotSayThatAllOfItWasSearched)
+{
+    Arrival card = Card();
+    card.decision = Decision::Refused;
+    card.rule = kNoSupportedFile;
+    EXPECT_THAT(Lines(card)[0], EndsWith("refused: no file of a supported format was found within the "
+                                         "folder levels of \"SniffDepth\", or a folder could not be "
+                                         "listed"));
 }
 
 TEST(FormattedArrival, SaysNothingOfASearchThatNeverWas)

@@ -19,7 +19,8 @@ constexpr Words kWhy[] = {
     {kNoDevice, "no line names one, as when the host starts an application by itself"},
     {kUnfitDrive, "neither a removable drive nor a fixed one with the maker's file system"},
     {kSearchOff, "\"SniffDepth\" is 0: cards are switched off"},
-    {kNoSupportedFile, "no file of a supported format within the folder levels of \"SniffDepth\""},
+    {kNoSupportedFile, "no file of a supported format was found within the folder levels of "
+                       "\"SniffDepth\", or a folder could not be listed"},
     {kNothingListed, "nothing on it could be listed: it is empty or cannot be read"},
     {kNoDeviceType, "neither a camera nor a scanner in the imaging service's list"},
     {kNoApplication, "no compatible application is left: the process ends"},

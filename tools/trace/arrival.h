@@ -55,7 +55,7 @@ struct Arrival {
 
     // Of a volume's last attempt, the deciding one.
     std::uint64_t attempts = 0;
-    std::uint64_t folders = 0;
+    std::uint64_t folders = 0; ///< seen; lines do not say which of them were opened
     std::uint64_t files = 0;
     unsigned deepestLevel = 0;
     std::string file; ///< the last one looked at: for kSupportedFile the one that decided

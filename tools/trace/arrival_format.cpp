@@ -51,8 +51,8 @@ StyledText DecisionLine(const Arrival& arrival)
 
 StyledText SearchLine(const Arrival& arrival)
 {
-    return {{Style::Faint, Indent() + "looked at " + Counted(arrival.folders, "folder", "folders") +
-                               " and " + Counted(arrival.files, "file", "files") +
+    return {{Style::Faint, Indent() + "saw " + Counted(arrival.folders, "folder", "folders") + " and " +
+                               Counted(arrival.files, "file", "files") +
                                ", attempts: " + std::to_string(arrival.attempts)}};
 }
 
