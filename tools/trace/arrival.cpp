@@ -24,7 +24,7 @@ constexpr Words kWhy[] = {
     {kNothingListed, "nothing on it could be listed: it is empty or cannot be read"},
     {kNoDeviceType, "neither a camera nor a scanner in the imaging service's list"},
     {kNoApplication, "no compatible application is left: the process ends"},
-    {kReasonNotSeen, "the line that says why was not seen"},
+    {kReasonNotSeen, "the line that says why was lost"},
     {kUnfinished, "no further line came"},
 };
 
