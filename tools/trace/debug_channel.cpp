@@ -1,6 +1,9 @@
 #include "tools/trace/debug_channel.h"
 
+#include "tools/trace/shared_object.h"
+
 #include <cstring>
+#include <utility>
 
 namespace kestraboot::tools
 {
@@ -30,26 +33,45 @@ DebugChannel::~DebugChannel()
 DebugChannel::Opening DebugChannel::Open()
 {
     for (int attempt = 1;; ++attempt) {
-        bufferReady = Handle(::CreateEventW(nullptr, FALSE, FALSE, L"DBWIN_BUFFER_READY"));
-        if (!bufferReady || ::GetLastError() != ERROR_ALREADY_EXISTS) {
-            break;
-        }
-        bufferReady = Handle();
-        if (attempt == kOpeningAttempts) {
-            return Opening::HeldByAnother;
+        const Opening opening = TryToOpen();
+        if (opening != Opening::HeldByAnother || attempt == kOpeningAttempts) {
+            return opening;
         }
         ::Sleep(kPauseBetweenAttempts);
     }
-    dataReady = Handle(::CreateEventW(nullptr, FALSE, FALSE, L"DBWIN_DATA_READY"));
-    section = Handle(::CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
-                                          kSectionBytes, L"DBWIN_BUFFER"));
-    if (!bufferReady || !dataReady || !section) {
-        return Opening::Failed;
+}
+
+DebugChannel::Opening DebugChannel::TryToOpen()
+{
+    using Right = SharedObjectSecurity::Right;
+    SharedObjectSecurity awaited(Right::Await);
+    SharedObjectSecurity signalled(Right::Signal);
+    SharedObjectSecurity written(Right::Write);
+
+    Handle turn(::CreateEventW(awaited.Get(), FALSE, FALSE, L"DBWIN_BUFFER_READY"));
+    if (turn && ::GetLastError() == ERROR_ALREADY_EXISTS) {
+        return Opening::HeldByAnother;
     }
-    record = static_cast<const DebugRecord*>(::MapViewOfFile(section.Get(), FILE_MAP_READ, 0, 0, 0));
+    Handle lineWritten;
+    Handle lineSection;
+    if (turn) {
+        lineWritten = Handle(::CreateEventW(signalled.Get(), FALSE, FALSE, L"DBWIN_DATA_READY"));
+    }
+    if (lineWritten) {
+        lineSection = Handle(::CreateFileMappingW(INVALID_HANDLE_VALUE, written.Get(), PAGE_READWRITE, 0,
+                                                  kSectionBytes, L"DBWIN_BUFFER"));
+    }
+    if (!lineSection) {
+        // What a reader with more rights made cannot even be opened.
+        return ::GetLastError() == ERROR_ACCESS_DENIED ? Opening::HeldByAnother : Opening::Failed;
+    }
+    record = static_cast<const DebugRecord*>(::MapViewOfFile(lineSection.Get(), FILE_MAP_READ, 0, 0, 0));
     if (record == nullptr) {
         return Opening::Failed;
     }
+    bufferReady = std::move(turn);
+    dataReady = std::move(lineWritten);
+    section = std::move(lineSection);
     ::SetEvent(bufferReady.Get());
     return Opening::Done;
 }

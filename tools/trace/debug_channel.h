@@ -43,6 +43,8 @@ public:
     [[nodiscard]] Waiting Next(HANDLE stop, Line& line);
 
 private:
+    [[nodiscard]] Opening TryToOpen();
+
     Handle bufferReady;
     Handle dataReady;
     Handle section;
