@@ -65,12 +65,11 @@ ExitCode ShowLines(LineQueue& queue, Viewer& viewer, std::uint64_t seconds)
         }
         viewer.Tick(UpMilliseconds());
         if (!viewer.Useful()) {
-            std::fputs("kestratrace: standard output cannot be written any more\n", stderr);
             return ExitCode::Failed;
         }
     }
     viewer.End();
-    return viewer.FileFailed() ? ExitCode::Failed : ExitCode::Done;
+    return viewer.Failed() ? ExitCode::Failed : ExitCode::Done;
 }
 
 ExitCode Run(const TraceOptions& options)

@@ -3,6 +3,7 @@
 #include "tools/trace/arrival_format.h"
 #include "tools/trace/line_format.h"
 
+#include <cstdio>
 #include <utility>
 
 namespace kestraboot::tools
@@ -84,7 +85,11 @@ void Viewer::ShowJson(std::string line)
 
 void Viewer::Write(const StyledText& text)
 {
-    outputGone = outputGone || !output.Write(text);
+    if (!outputGone && !output.Write(text)) {
+        outputGone = true;
+        std::fprintf(stderr, "kestratrace: standard output cannot be written any more%s\n",
+                     log.IsOpen() ? "; the file goes on" : "");
+    }
     log.Write(PlainText(text));
 }
 

@@ -30,7 +30,9 @@ public:
 
     /// False when what it shows reaches neither standard output nor a file any more.
     [[nodiscard]] bool Useful() const noexcept { return !outputGone || log.IsOpen(); }
-    [[nodiscard]] bool FileFailed() const noexcept { return log.Failed(); }
+
+    /// Whether a line could not be written; standard error has said so.
+    [[nodiscard]] bool Failed() const noexcept { return outputGone || log.Failed(); }
 
 private:
     void Show(const Arrival& arrival);
