@@ -72,6 +72,17 @@ TEST_F(CopyOfTheRegistry, TakesTheWritesAndIsGoneAtTheEnd)
     EXPECT_EQ(StoredText(HKEY_LOCAL_MACHINE, kApplication, L"Name"), L"Viewer");
 }
 
+TEST_F(CopyOfTheRegistry, TakesNewKeysAsTheLibraryMakesThem)
+{
+    const RegistryCopy copy;
+    HKEY made = nullptr;
+    const std::wstring path = L"SOFTWARE\\Corvane\\New\\Corvane Kestrafetch\\Preferences";
+    EXPECT_EQ(::RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                                KEY_WRITE, nullptr, &made, nullptr),
+              ERROR_SUCCESS);
+    ::RegCloseKey(made);
+}
+
 TEST_F(CopyOfTheRegistry, LeavesNothingWhicheverStepFails)
 {
     // Fails the n-th registry call of each kind in turn, until one copy is made to its end.

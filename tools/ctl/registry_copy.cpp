@@ -25,7 +25,7 @@ void Require(LONG status, const char* what)
 RegistryKey Create(HKEY parent, const std::wstring& path)
 {
     HKEY created = nullptr;
-    Require(::RegCreateKeyExW(parent, path.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS,
+    Require(::RegCreateKeyExW(parent, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS,
                               nullptr, &created, nullptr),
             "make a copy of the registry's keys");
     return RegistryKey(created);

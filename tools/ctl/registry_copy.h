@@ -2,9 +2,9 @@
 // HKEY_CURRENT_USER for this process. The library writes when it loads: it creates per-user keys and
 // keeps the auto-run entry. It does so in the copy, and the machine stays as it is.
 //
-// The copy lies below HKEY_CURRENT_USER\Software, in a key of this process's own, until it ends. Its
-// keys are volatile: what a process leaves that was ended in the middle never reaches the disk, and the
-// next copy removes it.
+// The copy lies below HKEY_CURRENT_USER\Software, in a key of this process's own, until it ends. What a
+// process leaves that was ended in the middle the next copy removes. Its keys are not volatile, since
+// those take none of the keys that the library makes.
 #pragma once
 
 #include "tools/ctl/registry_key.h"
