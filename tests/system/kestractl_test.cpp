@@ -1,8 +1,11 @@
 // What kestractl shows of real installations, and that it changes nothing on the machine.
+#include "tests/support/card_slot.h"
 #include "tests/support/registry_sandbox.h"
+#include "tests/support/unix_path.h"
 #include "tests/system/registry_dump.h"
 #include "tests/system/system_test.h"
 
+#include <dbt.h>
 #include <gmock/gmock.h>
 
 namespace kestraboot::tests
@@ -104,7 +107,8 @@ TEST_F(ThreeApplications, AreToldToMachines)
                         "\"text\":\"\\\"CmdLine\\\" names a file that does not exist: " +
                         Escaped(broken.Application().string()) +
                         "\"}]}],\"defaults\":[\"Second\"],\"arrivalStarts\":{\"application\":\"Second\","
-                        "\"mode\":\"direct\"},\"autoRun\":{\"entry\":\"\\\"" +
+                        "\"mode\":\"direct\"},\"cardStarts\":{\"application\":\"Second\",\"mode\":"
+                        "\"direct\"},\"autoRun\":{\"entry\":\"\\\"" +
                         Escaped(second.Proxy().string()) +
                         "\\\"\",\"exists\":true,\"application\":\"Second\"},\"organiser\":null}\n");
 }
@@ -131,6 +135,58 @@ TEST_F(Kestractl, ChangesNothingWhereTheLibraryWould)
     }
     EXPECT_EQ(AutoRunEntry(), L"(none)");
     EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, application.KeyPath()));
+}
+
+/// The default of two is the machine's alone. The library then makes the user's flag, which hides it: a
+/// camera is served by the first loading, a card by the second, since its search loads too.
+class MachineDefault : public Kestractl
+{
+protected:
+    MachineDefault()
+    {
+        PutDword(HKEY_LOCAL_MACHINE, photos.KeyPath() + L"\\Preferences", L"DefaultFlag", 1);
+    }
+    ~MachineDefault() override { static_cast<void>(TakeCardOut(L'E')); }
+
+    Installation bilder{L"Bilder"};
+    Installation photos{L"Photos"};
+};
+
+TEST_F(MachineDefault, CountsForACameraButNotForACardOfANewUser)
+{
+    EXPECT_THAT(Run(), HasSubstr("\nDefaults    Photos\n"
+                                 "An arrival  starts Photos in mode direct\n"
+                                 "A card      starts Bilder in mode select\n"
+                                 "            (the machine's default holds until the user's own flag is "
+                                 "made, which the search of a card does)\n"
+                                 "Auto-run    "));
+    EXPECT_THAT(Run(L"--json"),
+                HasSubstr("\"arrivalStarts\":{\"application\":\"Photos\",\"mode\":\"direct\"},"
+                          "\"cardStarts\":{\"application\":\"Bilder\",\"mode\":\"select\"},"));
+}
+
+TEST_F(MachineDefault, CountsForACardTooWhereTheUserHasNoPlaceForAFlag)
+{
+    RemoveKey(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane");
+    EXPECT_THAT(Run(), HasSubstr("\nAn arrival  starts Photos in mode direct\nAuto-run "));
+    EXPECT_THAT(Run(L"--json"),
+                HasSubstr("\"cardStarts\":{\"application\":\"Photos\",\"mode\":\"direct\"},"));
+}
+
+TEST_F(MachineDefault, IsToldAsTheLibraryThenTreatsIt)
+{
+    EXPECT_THAT(Run(), HasSubstr("\nA card      starts Bilder in mode select\n"));
+    const TempFolder card;
+    card.AddFile(L"IMG_0001.JPG", "picture");
+    SetWindowsVersion(L"kestraboot.exe", L"vista");
+    ChildProcess boot(bilder.Proxy());
+    const HWND window = AwaitWindow(boot.Id(), kVolumeWindow);
+    ASSERT_NE(window, nullptr);
+    ASSERT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
+    DWORD_PTR answer = 0;
+    ::SendMessageTimeoutW(window, WM_DEVICECHANGE, DBT_DEVICEARRIVAL, 0, SMTO_NORMAL, 30'000, &answer);
+    EXPECT_TRUE(trace.Await("\"" + bilder.Application().string() +
+                            "\" module=kestrafetch params mode=select devType=volume priDevId=\"E:\""));
 }
 
 TEST_F(Kestractl, ChangesAndStartsNothingWhereNoApplicationIsLeft)
@@ -163,9 +219,10 @@ TEST_F(Kestractl, ShowsAnEmptyRegistry)
 {
     ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane");
     ::RegDeleteTreeW(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane");
-    EXPECT_EQ(Run(L"--json"),
-              "{\"applications\":[],\"leftOut\":[],\"defaults\":[],\"arrivalStarts\":null,"
-              "\"autoRun\":null,\"organiser\":null}\n");
+    EXPECT_EQ(
+        Run(L"--json"),
+        "{\"applications\":[],\"leftOut\":[],\"defaults\":[],\"arrivalStarts\":null,\"cardStarts\":null,"
+        "\"autoRun\":null,\"organiser\":null}\n");
 }
 
 TEST_F(Kestractl, FindsTheKeysThatTheLibraryPassesOver)

@@ -38,7 +38,7 @@ void Expect(const std::optional<NextLaunch>& next, const wchar_t* application, c
 {
     ASSERT_TRUE(next);
     EXPECT_EQ(next->application, application);
-    EXPECT_STREQ(next->mode, mode);
+    EXPECT_EQ(next->mode, mode);
 }
 
 TEST(AnArrival, StartsTheOnlyDefault)

@@ -36,7 +36,7 @@ Report Full()
     left.key.commandPath = L"C:\\old.exe";
     left.reasons = {{"no-application-file", L"it is gone"}};
     report.leftOut = {left};
-    report.next = NextLaunch{L"View\u00e9r", L"direct"};
+    report.next = report.nextOfCard = NextLaunch{L"View\u00e9r", L"direct"};
     report.autoRun = L"\"C:\\Viewer\\kestraboot.exe\"";
     report.autoRunExists = true;
     report.autoRunApplication = L"View\u00e9r";
@@ -100,6 +100,15 @@ TEST(ReportText, SaysWhatHoldsAnApplicationBack)
     EXPECT_THAT(text, HasSubstr("en_us (none is set)"));
 }
 
+TEST(ReportText, TellsWhereACardStartsSomethingElse)
+{
+    Report report = Full();
+    report.nextOfCard = NextLaunch{L"Other", L"select"};
+    EXPECT_THAT(PlainText(FormatReport(report)),
+                HasSubstr("in mode direct\r\nA card      starts Other in mode select\r\n"));
+    EXPECT_THAT(PlainText(FormatReport(Full())), Not(HasSubstr("A card")));
+}
+
 TEST(ReportText, LetsNoNameMoveTheCursor)
 {
     Report report = Full();
@@ -124,6 +133,8 @@ TEST(ReportJson, TellsEverything)
         "View\xC3\xA9r"
         R"("],"arrivalStarts":{"application":")"
         "View\xC3\xA9r"
+        R"(","mode":"direct"},"cardStarts":{"application":")"
+        "View\xC3\xA9r"
         R"(","mode":"direct"},"autoRun":{"entry":"\"C:\\Viewer\\kestraboot.exe\"","exists":true,)"
         R"("application":")"
         "View\xC3\xA9r"
@@ -132,8 +143,9 @@ TEST(ReportJson, TellsEverything)
 
 TEST(ReportJson, TellsWhatIsNotThere)
 {
-    EXPECT_EQ(ReportJson({}), R"({"applications":[],"leftOut":[],"defaults":[],"arrivalStarts":null,)"
-                              R"("autoRun":null,"organiser":null})");
+    EXPECT_EQ(ReportJson({}),
+              R"({"applications":[],"leftOut":[],"defaults":[],"arrivalStarts":null,"cardStarts":null,)"
+              R"("autoRun":null,"organiser":null})");
 }
 
 TEST(ReportJson, TellsOfTheOrganiser)

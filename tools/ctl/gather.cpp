@@ -31,6 +31,11 @@ void AddApplications(Report& report, const LibraryView& view, const std::vector<
     }
 }
 
+std::optional<NextLaunch> WhatStarts(const LibraryView& view)
+{
+    return WhatAnArrivalStarts(view.all, view.defaults, view.organiser.has_value());
+}
+
 void AddAutoRun(Report& report)
 {
     report.autoRun = RegistryKey(HKEY_LOCAL_MACHINE, kRunKey).Text(kRunValue);
@@ -56,7 +61,8 @@ Report Gather()
     AddApplications(report, view, keys);
     AddAutoRun(report);
     report.organiser = view.organiser;
-    report.next = WhatAnArrivalStarts(view.all, view.defaults, view.organiser.has_value());
+    report.next = WhatStarts(view);
+    report.nextOfCard = WhatStarts(AskLibrary());
     AskAsEachProxy(report.applications);
     return report;
 }

@@ -53,7 +53,7 @@ LibraryView AskLibrary()
     CKestraBootInformationHandler handler;
     handler.LoadInformation();
     Require(handler.GetAllApplicationInfo(view.all));
-    // Asked of the same handler: the next loading may find other flags, since this one made user's keys.
+    // Asked of the same handler: the next loading may find other flags.
     Require(handler.GetDefaultApplicationInfo(view.defaults));
     appInfo_tag organiser;
     if (handler.GetVel3Info(organiser)) {

@@ -16,6 +16,8 @@ struct LibraryView {
     std::optional<appInfo_tag> organiser;
 };
 
+/// Loads once, as for an arrival; the next loading may find other defaults, since one can make user's
+/// keys.
 [[nodiscard]] LibraryView AskLibrary();
 
 /// Asks for the launch status and the locale as the proxy of each application does, and fills them in.

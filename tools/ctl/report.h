@@ -30,14 +30,19 @@ struct LeftOutApplication {
 /// What an arrival starts with the registry as it is.
 struct NextLaunch {
     std::wstring application; ///< its name
-    const wchar_t* mode = L"";
+    std::wstring mode;
+
+    friend bool operator==(const NextLaunch&, const NextLaunch&) = default;
 };
 
 struct Report {
     std::vector<ListedApplication> applications; ///< in the library's order
     std::vector<std::wstring> defaults;          ///< names, in the same order
     std::vector<LeftOutApplication> leftOut;
-    std::optional<NextLaunch> next; ///< nothing is started without one
+    // Nothing is started without one. For a user without preferences the library makes them when it
+    // loads, and they hide the default that the machine names: the second loading can find another one.
+    std::optional<NextLaunch> next;       ///< by the first loading: for a camera, scanner or phone
+    std::optional<NextLaunch> nextOfCard; ///< by the second one: the search of a card loads too
 
     std::optional<std::wstring> autoRun;            ///< as stored
     bool autoRunExists = false;                     ///< the file that it names

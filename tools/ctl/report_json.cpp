@@ -110,6 +110,7 @@ std::string ReportJson(const Report& report)
         .Json("leftOut", JsonArray(leftOut))
         .Json("defaults", JsonArray(defaults))
         .Json("arrivalStarts", NextJson(report.next))
+        .Json("cardStarts", NextJson(report.nextOfCard))
         .Json("autoRun", AutoRunJson(report))
         .Json("organiser", report.organiser ? InfoObject(*report.organiser).Line() : "null");
     return object.Line();

@@ -121,6 +121,12 @@ void AddApplications(Text& text, const Report& report)
     }
 }
 
+std::wstring Starts(const std::optional<NextLaunch>& next)
+{
+    return next ? L"starts " + next->application + L" in mode " + next->mode
+                : std::wstring(L"starts nothing");
+}
+
 void AddAutoRun(Text& text, const Report& report)
 {
     if (!report.autoRun) {
@@ -144,9 +150,14 @@ StyledText FormatReport(const Report& report)
     Text text;
     AddApplications(text, report);
     text.Line(L"Defaults    " + (report.defaults.empty() ? L"(none)" : Listed(report.defaults)));
-    text.Line(L"An arrival  " +
-              (report.next ? L"starts " + report.next->application + L" in mode " + report.next->mode
-                           : std::wstring(L"starts nothing")));
+    text.Line(L"An arrival  " + Starts(report.next));
+    if (report.nextOfCard != report.next) {
+        text.Line(L"A card      " + Starts(report.nextOfCard));
+        text.Line(
+            L"            (the machine's default holds until the user's own flag is made, which the "
+            L"search of a card does)",
+            Style::Faint);
+    }
     AddAutoRun(text, report);
     text.Line(L"Organiser   " + (report.organiser
                                      ? report.organiser->Name + L", " + report.organiser->ProxyPath
