@@ -263,6 +263,17 @@ TEST_F(Kestractl, KeepsNamesOfOtherLanguages)
                                           "cher \xE2\x82\xAC \\\"1\\\"\""));
 }
 
+TEST_F(Kestractl, ShowsTheSearchDepthThatTheLibraryTakes)
+{
+    const Installation application(L"App");
+    const std::pair<std::uint32_t, const char*> depths[] = {
+        {0x7FFFFFFF, "2147483647"}, {0x80000000, "4"}, {0xFFFFFFFF, "null"}};
+    for (const auto& [stored, shown] : depths) {
+        PutDword(HKEY_CURRENT_USER, application.KeyPath(), L"SniffDepth", stored);
+        EXPECT_THAT(Run(L"--json"), HasSubstr(std::string("\"sniffDepth\":") + shown + "}"));
+    }
+}
+
 TEST_F(Kestractl, RefusesBadArguments)
 {
     for (const wchar_t* const arguments : {L"--jsn", L"applications", L"--json x"}) {

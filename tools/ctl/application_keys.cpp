@@ -12,6 +12,8 @@ namespace
 {
 
 constexpr std::size_t kLongestSearchedName = 127; // a longer one ends the library's search of its key
+constexpr std::uint32_t kDefaultDepth = 4;
+constexpr std::uint32_t kGreatestDepth = 0x7FFFFFFF; // above, it is negative for the library
 
 struct Place {
     std::wstring path;
@@ -39,6 +41,9 @@ ApplicationKey ReadApplicationKey(const std::wstring& path)
     read.autoLaunchOfUser = RegistryKey(HKEY_CURRENT_USER, preferences).Number(kAutoLaunch);
     read.autoLaunchOfMachine = RegistryKey(HKEY_LOCAL_MACHINE, preferences).Number(kAutoLaunch);
     read.sniffDepth = RegistryKey(HKEY_CURRENT_USER, path).Number(L"SniffDepth");
+    if (read.sniffDepth > kGreatestDepth) {
+        read.sniffDepth = kDefaultDepth;
+    }
     return read;
 }
 

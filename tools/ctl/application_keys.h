@@ -22,7 +22,7 @@ struct ApplicationKey {
     bool commandExists = false;
     std::optional<std::uint32_t> autoLaunchOfUser;
     std::optional<std::uint32_t> autoLaunchOfMachine;
-    std::optional<std::uint32_t> sniffDepth; ///< the user's; the library takes 4 where there is none
+    std::optional<std::uint32_t> sniffDepth; ///< that the library takes; it takes 4 where there is none
 };
 
 /// In the order in which the library searches.
