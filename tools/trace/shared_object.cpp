@@ -11,8 +11,11 @@ namespace
 constexpr const wchar_t* kAwait = L"D:(A;;0x1F0003;;;SY)(A;;0x1F0003;;;BA)(A;;0x100000;;;WD)";
 constexpr const wchar_t* kSignal = L"D:(A;;0x1F0003;;;SY)(A;;0x1F0003;;;BA)(A;;0x2;;;WD)";
 constexpr const wchar_t* kWrite = L"D:(A;;0xF001F;;;SY)(A;;0xF001F;;;BA)(A;;0x2;;;WD)";
-static_assert(EVENT_ALL_ACCESS == 0x1F0003 && SECTION_ALL_ACCESS == 0xF001F);
-static_assert(SYNCHRONIZE == 0x100000 && EVENT_MODIFY_STATE == 0x2 && FILE_MAP_WRITE == 0x2);
+static_assert(EVENT_ALL_ACCESS == 0x1F0003);
+static_assert(SECTION_ALL_ACCESS == 0xF001F);
+static_assert(SYNCHRONIZE == 0x100000);
+static_assert(EVENT_MODIFY_STATE == 0x2);
+static_assert(FILE_MAP_WRITE == 0x2);
 
 const wchar_t* Text(SharedObjectSecurity::Right right) noexcept
 {
