@@ -1,9 +1,12 @@
 #!/usr/bin/env python3
-"""Runs clang-tidy over the product's sources, two at a time. A file is looked at again only when it, a header of
-the project or the configuration has changed since it was last found clean.
+"""Runs clang-tidy over the product's sources, two rooms at a time. The files of a room are looked at as one, since
+what takes the time is Windows' headers; only where something is found, each file is looked at by itself, and that
+counts. A room is looked at again only when a file of it, a header of the project or the configuration has changed
+since it was last found clean.
 
 usage: lint.py BUILD-FOLDER (with a compile_commands.json of Clang's)
 """
+import collections
 import concurrent.futures
 import hashlib
 import json
@@ -20,51 +23,81 @@ TIDY = "clang-tidy-14"
 def digest(files) -> str:
     total = hashlib.sha256()
     for file in files:
-        total.update(file.read_bytes())
+        total.update(str(file).encode() + file.read_bytes())
     return total.hexdigest()
 
 
-def lint(commands: pathlib.Path, file: pathlib.Path, stamp: pathlib.Path) -> tuple[str, str]:
+def flags_of(entry: dict) -> str:
+    return entry["command"].partition(" -o ")[0]
+
+
+def tidy(commands: pathlib.Path, file: pathlib.Path) -> str:
+    """What it says of the file; nothing when it is clean."""
     run = subprocess.run([TIDY, "-p", commands, "--quiet", file], capture_output=True, text=True)
-    if run.returncode == 0 and "warning:" not in run.stdout and "error:" not in run.stdout:
-        stamp.touch()
-        return file.relative_to(ROOT).as_posix(), ""
-    return file.relative_to(ROOT).as_posix(), run.stdout + run.stderr
+    clean = run.returncode == 0 and "warning:" not in run.stdout and "error:" not in run.stdout
+    return "" if clean else run.stdout + run.stderr + f"{TIDY} of {file.name} ended with {run.returncode}\n"
+
+
+class Room:
+    """Files of one folder that are compiled alike."""
+
+    def __init__(self, folder: pathlib.Path, entries: list[dict], stamps: pathlib.Path, common: str):
+        self.name = folder.relative_to(ROOT).as_posix()
+        self.files = sorted(pathlib.Path(entry["file"]) for entry in entries)
+        self.stamp = stamps / hashlib.sha256((common + flags_of(entries[0]) + digest(self.files)).encode()).hexdigest()
+        self.whole = stamps / (self.name.replace("/", "_") + f"_{self.stamp.name[:8]}.cpp")
+        entry = entries[0]
+        self.entry = entry | {"file": str(self.whole), "command": entry["command"].replace(entry["file"], str(self.whole)) + f" -iquote {folder}"}
+
+    def text(self) -> str:
+        """The files, one behind the other. What an earlier one includes is not included again: that would be found."""
+        lines, included = [], set()
+        for file in self.files:
+            own = file.read_text(encoding="utf-8").splitlines()
+            lines += [line for line in own if line not in included]
+            included.update(line for line in own if line.startswith("#include"))
+        return "\n".join(lines) + "\n"
+
+    def lint(self, commands: pathlib.Path) -> str:
+        self.whole.write_text(self.text(), encoding="utf-8")
+        said = tidy(commands, self.whole) and "".join(tidy(commands, file) for file in self.files)
+        self.whole.unlink()
+        if not said:
+            self.stamp.touch()
+        return said
 
 
 def main() -> int:
     build = pathlib.Path(sys.argv[1]).resolve()
     stamps = build / "lint"
     stamps.mkdir(exist_ok=True)
-    headers = digest(
-        [ROOT / ".clang-tidy"]
-        + sorted(h for room in [*ROOMS, "include"] for h in (ROOT / room).rglob("*.h"))
-    )
-    # Tests compile some of these files once more, behind a precompiled header that is not built here.
-    commands = {
+    common = digest([ROOT / ".clang-tidy"] + sorted(h for room in [*ROOMS, "include"] for h in (ROOT / room).rglob("*.h")))
+
+    # Tests compile some of these files once more, behind a precompiled header.
+    entries = {
         pathlib.Path(entry["file"]): entry
         for entry in json.loads((build / "compile_commands.json").read_text())
         if " -o tests/" not in entry["command"]
     }
-    sources = sorted(f for f in commands if f.is_relative_to(ROOT) and f.suffix == ".cpp"
-                     and f.relative_to(ROOT).parts[0] in ROOMS)
-    (stamps / "compile_commands.json").write_text(json.dumps([commands[f] for f in sources]))
+    alike = collections.defaultdict(list)
+    for file, entry in sorted(entries.items()):
+        if file.is_relative_to(ROOT) and file.suffix == ".cpp" and file.relative_to(ROOT).parts[0] in ROOMS:
+            alike[file.parent, flags_of(entry)].append(entry)
+    rooms = [Room(folder, group, stamps, common) for (folder, _), group in alike.items()]
+    (stamps / "compile_commands.json").write_text(
+        json.dumps([entry for group in alike.values() for entry in group] + [room.entry for room in rooms]))
 
-    work = []
-    for file in sources:
-        stamp = stamps / hashlib.sha256((headers + digest([file]) + str(file)).encode()).hexdigest()
-        if not stamp.exists():
-            work.append((file, stamp))
-    print(f"clang-tidy: {len(sources)} files, {len(work)} to look at", flush=True)
-
+    work = [room for room in rooms if not room.stamp.exists()]
+    print(f"clang-tidy: {sum(len(room.files) for room in rooms)} files in {len(rooms)} rooms, {len(work)} to look at",
+          flush=True)
     bad = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        for name, said in pool.map(lambda item: lint(stamps, *item), work):
-            print(f"   {name}{' FAILED' if said else ''}", flush=True)
+        for room, said in zip(work, pool.map(lambda each: each.lint(stamps), work)):
+            print(f"   {room.name}{' FAILED' if said else ''}", flush=True)
             if said:
                 bad += 1
                 print(said)
-    return 1 if bad or not sources else 0
+    return 1 if bad or not rooms else 0
 
 
 if __name__ == "__main__":
