@@ -7,7 +7,7 @@
 set -euo pipefail
 . "$(dirname "$0")/wine.sh"
 
-action=$1 folder=$2
+action=$1 folder=$(realpath -m -- "$2") # Wine takes full paths alone
 shift 2
 case $action in
 begin)

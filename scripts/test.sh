@@ -38,7 +38,11 @@ set -m # a process group of its own, which can be ended as a whole
 scripts/test-clang.sh >$log 2>&1 </dev/null &
 clang=$!
 set +m
-trap 'kill -- -$clang 2>/dev/null; scripts/test-prefix.sh end build/release/wine; scripts/test-prefix.sh end build/clang/wine' EXIT
+finish() {
+    kill -- -$clang 2>/dev/null || true
+    for build in release clang; do scripts/test-prefix.sh end build/$build/wine; done
+}
+trap finish EXIT
 ctest --preset release --parallel 3 # many wait for processes of theirs
 
 stage "The second compiler and the linter"
