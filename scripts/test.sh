@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Everything that must pass: format, the checks of the tree, the build and every test with either compiler, the linter.
+# Everything that must pass: format, the checks of the tree, the build, every test, the second compiler, the linter.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -35,7 +35,8 @@ cmake --build --preset release
 stage "Tests; meanwhile the second compiler's, and the linter"
 log=build/clang.log
 set -m # a process group of its own, which can be ended as a whole
-scripts/test-clang.sh >$log 2>&1 </dev/null &
+# Without the tests of the shipped programs and of the package, which take as long as all else: GCC's are shipped.
+scripts/test-clang.sh --exclude-regex 'system|guides|package' >$log 2>&1 </dev/null &
 clang=$!
 set +m
 finish() {
