@@ -29,10 +29,15 @@ ChildProcess::ChildProcess(const std::filesystem::path& program, const std::wstr
     }
     std::wstring line = L"\"" + program.wstring() + L"\"" + (arguments.empty() ? L"" : L" ") + arguments;
     const std::wstring folder = program.parent_path().wstring();
-    const BOOL started = ::CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, withOutput,
-                                          withOutput ? 0 : DETACHED_PROCESS, nullptr, folder.c_str(),
-                                          &startup, &information);
-    const DWORD error = ::GetLastError();
+    BOOL started = FALSE;
+    DWORD error = ERROR_INTERNAL_ERROR;
+    // With that error Wine's new process ended before it began: once in some ten thousand starts.
+    for (int attempt = 1; attempt <= 3 && !started && error == ERROR_INTERNAL_ERROR; ++attempt) {
+        started = ::CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, withOutput,
+                                   withOutput ? 0 : DETACHED_PROCESS, nullptr, folder.c_str(), &startup,
+                                   &information);
+        error = ::GetLastError();
+    }
     ::CloseHandle(output);
     if (!started) {
         throw std::runtime_error("cannot start " + program.string() + ": error " +
