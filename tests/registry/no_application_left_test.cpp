@@ -1,6 +1,6 @@
 // A process that really ends because no compatible application is left, whoever called.
 #include "kestraboot/command_handler.h"
-#include "tests/support/child_test.h"
+#include "tests/support/run_in_child.h"
 
 #include <gtest/gtest.h>
 
@@ -24,83 +24,60 @@ void ExpectEndWithTwoLines(const ChildEnd& end)
 
 std::wstring word = L"x"; // for arguments by reference
 
-// Each of these ends its process, so none runs in this one: the tests at the end of this file run them,
-// every one, in child processes.
-TEST(ChildOfNoApplication, DISABLED_MaintainsTheOrder)
-{
-    CallInChild([] {
-        CKestraBootInformationHandler().MaintainOrder();
-    });
-}
+struct Operation {
+    const char* name;
+    void (*call)();
+};
 
-TEST(ChildOfNoApplication, DISABLED_LaunchesTheDefault)
-{
-    CallInChild([] {
-        CKestraBootCommandHandler().LaunchDefaultKestra(word, word);
-    });
-}
-
-TEST(ChildOfNoApplication, DISABLED_LaunchesItsOwn)
-{
-    CallInChild([] {
-        CKestraBootCommandHandler().LaunchOwnKestra(word, word, word);
-    });
-}
-
-TEST(ChildOfNoApplication, DISABLED_SetsADefault)
-{
-    CallInChild([] {
-        static_cast<void>(CKestraBootCommandHandler().SetApplicationDefaultStatus(word, word));
-    });
-}
-
-TEST(ChildOfNoApplication, DISABLED_AsksForItsLaunchStatus)
-{
-    CallInChild([] {
-        static_cast<void>(CKestraBootInformationHandler().GetKestraLaunchStatus());
-    });
-}
-
-TEST(ChildOfNoApplication, DISABLED_SetsItsLaunchStatus)
-{
-    CallInChild([] {
-        static_cast<void>(CKestraBootInformationHandler().SetKestraLaunchStatus(1));
-    });
-}
-
-TEST(ChildOfNoApplication, DISABLED_AsksForItsLocale)
-{
-    CallInChild([] {
-        static_cast<void>(CKestraBootInformationHandler().GetKestraLocaleString(word));
-    });
-}
-
-TEST(ChildOfNoApplication, DISABLED_Loads)
-{
-    CallInChild([] {
-        CKestraBootInformationHandler().LoadInformation();
-    });
-}
-
-struct WithoutAnApplication : testing::TestWithParam<const char*> {
+struct WithoutAnApplication : testing::TestWithParam<Operation> {
 };
 
 TEST_P(WithoutAnApplication, TheProcessEndsWithCode0AfterTwoLines)
 {
-    ExpectEndWithTwoLines(RunChildTest(std::string("ChildOfNoApplication.DISABLED_") + GetParam()));
+    ExpectEndWithTwoLines(RunInChild(GetParam().call));
 }
 
-INSTANTIATE_TEST_SUITE_P(, WithoutAnApplication,
-                         testing::Values("MaintainsTheOrder", "LaunchesTheDefault", "LaunchesItsOwn",
-                                         "SetsADefault", "AsksForItsLaunchStatus", "SetsItsLaunchStatus",
-                                         "AsksForItsLocale"),
+const Operation kOperations[] = {
+    {"MaintainsTheOrder",
+     [] {
+         CKestraBootInformationHandler().MaintainOrder();
+     }},
+    {"LaunchesTheDefault",
+     [] {
+         CKestraBootCommandHandler().LaunchDefaultKestra(word, word);
+     }},
+    {"LaunchesItsOwn",
+     [] {
+         CKestraBootCommandHandler().LaunchOwnKestra(word, word, word);
+     }},
+    {"SetsADefault",
+     [] {
+         static_cast<void>(CKestraBootCommandHandler().SetApplicationDefaultStatus(word, word));
+     }},
+    {"AsksForItsLaunchStatus",
+     [] {
+         static_cast<void>(CKestraBootInformationHandler().GetKestraLaunchStatus());
+     }},
+    {"SetsItsLaunchStatus",
+     [] {
+         static_cast<void>(CKestraBootInformationHandler().SetKestraLaunchStatus(1));
+     }},
+    {"AsksForItsLocale",
+     [] {
+         static_cast<void>(CKestraBootInformationHandler().GetKestraLocaleString(word));
+     }},
+};
+
+INSTANTIATE_TEST_SUITE_P(, WithoutAnApplication, testing::ValuesIn(kOperations),
                          [](const auto& instance) {
-                             return std::string(instance.param);
+                             return std::string(instance.param.name);
                          });
 
 TEST(WithoutAnApplicationInTheList, LoadingAloneDoesNotEndTheProcess)
 {
-    const ChildEnd end = RunChildTest("ChildOfNoApplication.DISABLED_Loads");
+    const ChildEnd end = RunInChild([] {
+        CKestraBootInformationHandler().LoadInformation();
+    });
     EXPECT_EQ(end.exitCode, kOperationReturned);
     EXPECT_TRUE(end.traceLines.empty());
 }

@@ -1,8 +1,8 @@
 // The main program of every test executable: a guarded heap where asked for, no error boxes, a watchdog
 // for a test that hangs, and no end of the process before the end of the tests.
-#include "tests/support/child_test.h"
 #include "tests/support/guarded_heap.h"
 #include "tests/support/import_patch.h"
+#include "tests/support/run_in_child.h"
 #include "tests/support/watchdog.h"
 
 #include <gtest/gtest.h>
@@ -64,7 +64,7 @@ void EndedByTheProduct(UINT exitCode)
 /// The product ends a process with exit code 0, which would look as if every test had passed.
 std::unique_ptr<kestraboot::tests::ImportPatch> KeepRunning()
 {
-    if (kestraboot::tests::IsChildTest()) {
+    if (kestraboot::tests::IsChild()) {
         return nullptr; // made to be ended
     }
     try {

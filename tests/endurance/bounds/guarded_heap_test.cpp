@@ -1,11 +1,12 @@
 // The guarded heap itself, in processes of its own that it ends.
-#include "tests/support/child_test.h"
+#include "tests/support/run_in_child.h"
 
 #include <gtest/gtest.h>
 
 #include <windows.h>
 
 #include <cstdlib>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -18,12 +19,12 @@ namespace
 constexpr unsigned long kAccessViolation = 0xC0000005;
 constexpr unsigned long kReported = 97;
 
-unsigned long EndOfChild(const wchar_t* side, const char* test)
+unsigned long EndOfChild(const wchar_t* side, const std::function<void()>& operation)
 {
     wchar_t before[16] = {};
     const bool guarded = ::GetEnvironmentVariableW(L"KESTRABOOT_GUARD", before, 16) != 0;
     ::SetEnvironmentVariableW(L"KESTRABOOT_GUARD", side);
-    const ChildEnd end = RunChildTest(std::string("ChildWithAGuardedHeap.DISABLED_") + test);
+    const ChildEnd end = RunInChild(operation);
     ::SetEnvironmentVariableW(L"KESTRABOOT_GUARD", guarded ? before : nullptr);
     return end.exitCode;
 }
@@ -36,88 +37,78 @@ Value Unseen(Value value)
     return hidden;
 }
 
-// Most of these end their process, so none runs in this one: the tests at the end of this file run them,
-// every one, in child processes.
-TEST(ChildWithAGuardedHeap, DISABLED_KeepsToItsBlocks)
+void KeepToTheBlocks()
 {
-    CallInChild([] {
-        for (std::size_t size = 0; size < 20'000; size = size * 2 + 1) {
-            std::vector<char> block(size, 'x');
-            std::wstring text(size, L'x');
-            text += L"and on";
-            block.push_back('y');
-            ASSERT_EQ(text.size(), size + 6);
+    for (std::size_t size = 0; size < 20'000; size = size * 2 + 1) {
+        std::vector<char> block(size, 'x');
+        std::wstring text(size, L'x');
+        text += L"and on";
+        block.push_back('y');
+        if (text.size() != size + 6) {
+            ::TerminateProcess(::GetCurrentProcess(), 1);
         }
-        auto* grown = static_cast<char*>(std::realloc(std::malloc(8), 8000));
-        grown[7999] = 'z';
-        std::free(grown);
-    });
+    }
+    auto* grown = static_cast<char*>(std::realloc(std::malloc(8), 8000));
+    grown[7999] = 'z';
+    std::free(grown);
 }
 
-TEST(ChildWithAGuardedHeap, DISABLED_ReadsBehindABlock)
+void ReadBehindABlock()
 {
-    CallInChild([] {
-        const std::vector<char> block(32);
-        static_cast<void>(Unseen(*(block.data() + Unseen(32))));
-    });
+    const std::vector<char> block(32);
+    static_cast<void>(Unseen(*(block.data() + Unseen(32))));
 }
 
-TEST(ChildWithAGuardedHeap, DISABLED_ReadsBeforeABlock)
+void ReadBeforeABlock()
 {
-    CallInChild([] {
-        const std::vector<char> block(32);
-        static_cast<void>(Unseen(*(block.data() - Unseen(1))));
-    });
+    const std::vector<char> block(32);
+    static_cast<void>(Unseen(*(block.data() - Unseen(1))));
 }
 
-TEST(ChildWithAGuardedHeap, DISABLED_ReadsAFreedBlock)
+void ReadAFreedBlock()
 {
-    CallInChild([] {
-        auto block = std::make_unique<std::vector<char>>(32);
-        const char* const stale = block->data();
-        block.reset();
-        static_cast<void>(Unseen(*Unseen(stale)));
-    });
+    auto block = std::make_unique<std::vector<char>>(32);
+    const char* const stale = block->data();
+    block.reset();
+    static_cast<void>(Unseen(*Unseen(stale)));
 }
 
-TEST(ChildWithAGuardedHeap, DISABLED_WritesOneByteBehindAnOddBlock)
+void WriteOneByteBehindAnOddBlock()
 {
-    CallInChild([] {
-        std::vector<char> block(33);
-        *(block.data() + Unseen(33)) = 'x';
-    });
+    std::vector<char> block(33);
+    *(block.data() + Unseen(33)) = 'x';
 }
 
 TEST(GuardedHeap, ServesAProgramThatKeepsToItsBlocks)
 {
-    EXPECT_EQ(EndOfChild(L"end", "KeepsToItsBlocks"), kOperationReturned);
-    EXPECT_EQ(EndOfChild(L"start", "KeepsToItsBlocks"), kOperationReturned);
+    EXPECT_EQ(EndOfChild(L"end", KeepToTheBlocks), kOperationReturned);
+    EXPECT_EQ(EndOfChild(L"start", KeepToTheBlocks), kOperationReturned);
 }
 
 TEST(GuardedHeap, FaultsWhereABlockIsReadBehindItsEnd)
 {
-    EXPECT_EQ(EndOfChild(L"end", "ReadsBehindABlock"), kAccessViolation);
+    EXPECT_EQ(EndOfChild(L"end", ReadBehindABlock), kAccessViolation);
 }
 
 TEST(GuardedHeap, FaultsWhereABlockIsReadBeforeItsStart)
 {
-    EXPECT_EQ(EndOfChild(L"start", "ReadsBeforeABlock"), kAccessViolation);
+    EXPECT_EQ(EndOfChild(L"start", ReadBeforeABlock), kAccessViolation);
 }
 
 TEST(GuardedHeap, FaultsWhereAFreedBlockIsRead)
 {
-    EXPECT_EQ(EndOfChild(L"end", "ReadsAFreedBlock"), kAccessViolation);
-    EXPECT_EQ(EndOfChild(L"start", "ReadsAFreedBlock"), kAccessViolation);
+    EXPECT_EQ(EndOfChild(L"end", ReadAFreedBlock), kAccessViolation);
+    EXPECT_EQ(EndOfChild(L"start", ReadAFreedBlock), kAccessViolation);
 }
 
 TEST(GuardedHeap, TellsOfAWriteIntoTheAlignmentBehindABlock)
 {
-    EXPECT_EQ(EndOfChild(L"end", "WritesOneByteBehindAnOddBlock"), kReported);
+    EXPECT_EQ(EndOfChild(L"end", WriteOneByteBehindAnOddBlock), kReported);
 }
 
 TEST(GuardedHeap, IsNotThereUnlessAskedFor)
 {
-    EXPECT_EQ(EndOfChild(nullptr, "ReadsBehindABlock"), kOperationReturned);
+    EXPECT_EQ(EndOfChild(nullptr, ReadBehindABlock), kOperationReturned);
 }
 
 } // namespace
