@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <dbt.h>
 #include <thread>
 
@@ -94,8 +95,9 @@ protected:
     template <typename Condition>
     void Until(Condition reached)
     {
-        for (const ULONGLONG end = ::GetTickCount64() + kGiveUp; !reached();) {
-            ASSERT_LT(::GetTickCount64(), end);
+        using Clock = std::chrono::steady_clock; // the tracker's own may stand still
+        for (const auto end = Clock::now() + std::chrono::milliseconds(kGiveUp); !reached();) {
+            ASSERT_LT(Clock::now(), end);
             ::SwitchToThread();
         }
     }
@@ -303,44 +305,38 @@ TEST_F(VolumeTracker, WhilePollingMessagesThatItNeverTakesDoNotStopIt)
     EXPECT_EQ(scene.Events(), (Events{{L"volume", L"E:"}}));
 }
 
-TEST_F(VolumeTracker, WhilePollingAScanThatIsDueComesBeforeMoreMessages)
+class VolumeTrackerByTheTestsClock : public VolumeTracker
 {
+protected:
+    ~VolumeTrackerByTheTestsClock() override { End(); } // while the clock is the test's
+
     std::atomic<ULONGLONG> now = 10'000;
-    const FAKE_IMPORT(GetTickCount64) clock([&]() -> ULONGLONG {
+    FAKE_IMPORT(GetTickCount64)
+    clock{[this]() -> ULONGLONG {
         return now;
-    });
+    }};
+};
+
+TEST_F(VolumeTrackerByTheTestsClock, WhilePollingAScanThatIsDueComesBeforeMoreMessages)
+{
     scene.TakeCardOut(L'E');
     Start();
     scene.InsertCard(L'E');
     now += 500;
     Send(WM_NULL); // woken by this message, not by the time
-    const ULONGLONG end = clock.CallOriginal() + kGiveUp;
-    while (scene.Events().empty() && clock.CallOriginal() < end) {
-        ::SwitchToThread();
-    }
-    EXPECT_EQ(scene.Events(), (Events{{L"volume", L"E:"}}));
-    End(); // while the clock is the test's
+    UntilReported();
 }
 
-TEST_F(VolumeTracker, WhilePollingPostedMessagesWithoutEndPutNoScanOff)
+TEST_F(VolumeTrackerByTheTestsClock, WhilePollingPostedMessagesWithoutEndPutNoScanOff)
 {
-    std::atomic<ULONGLONG> now = 10'000;
-    const FAKE_IMPORT(GetTickCount64) clock([&]() -> ULONGLONG {
-        return now;
-    });
     scene.TakeCardOut(L'E');
     Start();
     flooded = true;
     ::PostMessageW(window, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0);
     scene.InsertCard(L'E');
     now += 500;
-    const ULONGLONG end = clock.CallOriginal() + kGiveUp;
-    while (scene.Events().empty() && clock.CallOriginal() < end) {
-        ::SwitchToThread();
-    }
-    EXPECT_EQ(scene.Events(), (Events{{L"volume", L"E:"}}));
+    UntilReported();
     flooded = false;
-    End(); // while the clock is the test's
 }
 
 TEST_F(VolumeTracker, PollingEndsAndItWaitsForMessagesAgain)
