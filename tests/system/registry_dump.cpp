@@ -1,16 +1,11 @@
 #include "tests/system/registry_dump.h"
 
 #include <windows.h>
-#include <algorithm>
-#include <iterator>
 
 namespace kestraboot::tests
 {
 namespace
 {
-
-/// Windows' own, and most of what there is: each key costs a look.
-constexpr const wchar_t* kLargeOnes[] = {L"Classes", L"Cryptography", L"Telephony", L"Time Zones"};
 
 std::string Narrow(const std::wstring& text)
 {
@@ -64,7 +59,7 @@ void Dump(HKEY parent, const std::wstring& path, bool withTimes, std::vector<std
             break;
         }
         const std::wstring child = name;
-        if (std::ranges::find(kLargeOnes, child) != std::end(kLargeOnes)) {
+        if (child == L"Classes") {
             continue;
         }
         const bool ours = child == L"Corvane" || child == L"Run";

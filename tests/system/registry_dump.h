@@ -6,8 +6,8 @@
 namespace kestraboot::tests
 {
 
-/// Everything in HKEY_CURRENT_USER and in HKEY_LOCAL_MACHINE\SOFTWARE but what is large and Windows'
-/// own: one line for each key and value, with the time of the last writing for the keys that the library
+/// Everything in HKEY_CURRENT_USER and in HKEY_LOCAL_MACHINE\SOFTWARE but the classes, which are many:
+/// one line for each key and value, with the time of the last writing for the keys that the library
 /// works with.
 [[nodiscard]] std::vector<std::string> RegistryDump();
 
