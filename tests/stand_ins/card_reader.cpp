@@ -3,30 +3,32 @@
 //   card_reader insert E /unix/folder
 //   card_reader remove E
 #include "tests/support/card_slot.h"
+#include "tests/support/volume_message.h"
 
 #include <windows.h>
 
 #include <cstdio>
-#include <dbt.h>
 #include <string>
 
 int main(int argc, char** argv)
 {
     using namespace kestraboot::tests;
     const std::string action = argc > 1 ? argv[1] : "";
+    const wchar_t letter = argc > 2 ? static_cast<wchar_t>(argv[2][0]) : L'\0';
+    const bool isLetter = letter >= L'A' && letter <= L'Z';
     bool done = false;
-    if (action == "insert" && argc == 4) {
-        done = InsertCard(static_cast<wchar_t>(argv[2][0]), argv[3]);
-    } else if (action == "remove" && argc == 3) {
-        done = TakeCardOut(static_cast<wchar_t>(argv[2][0]));
+    if (isLetter && action == "insert" && argc == 4) {
+        done = InsertCard(letter, argv[3]);
+    } else if (isLetter && action == "remove" && argc == 3) {
+        done = TakeCardOut(letter);
     } else {
         std::fputs("usage: card_reader insert LETTER UNIX-FOLDER | remove LETTER\n", stderr);
         return 2;
     }
     if (done) {
         const WPARAM event = action == "insert" ? DBT_DEVICEARRIVAL : DBT_DEVICEREMOVECOMPLETE;
-        // Sent, since an arrival cannot be posted. A window that is busy is not waited for.
-        ::SendMessageTimeoutW(HWND_BROADCAST, WM_DEVICECHANGE, event, 0, SMTO_ABORTIFHUNG, 500, nullptr);
+        // A window that is busy is not waited for.
+        SendVolumeMessage(HWND_BROADCAST, event, letter, SMTO_ABORTIFHUNG, 500);
     } else {
         std::fprintf(stderr, "card_reader: the mount manager refused (error %lu)\n", ::GetLastError());
     }

@@ -2,6 +2,7 @@
 #include "tests/support/card_slot.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/unix_path.h"
+#include "tests/support/volume_message.h"
 #include "tests/system/system_test.h"
 
 #include <dbt.h>
@@ -43,9 +44,7 @@ protected:
     void Insert()
     {
         ASSERT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
-        DWORD_PTR answer = 0;
-        ::SendMessageTimeoutW(window, WM_DEVICECHANGE, DBT_DEVICEARRIVAL, 0, SMTO_NORMAL, 30'000,
-                              &answer);
+        ASSERT_TRUE(SendVolumeMessage(window, DBT_DEVICEARRIVAL, L'E', SMTO_NORMAL, 30'000));
     }
 
     std::string StartLine() const

@@ -2,10 +2,10 @@
 #include "tests/support/card_slot.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/unix_path.h"
+#include "tests/support/volume_message.h"
 #include "tests/system/registry_dump.h"
 #include "tests/system/system_test.h"
 
-#include <dbt.h>
 #include <gmock/gmock.h>
 
 namespace kestraboot::tests
@@ -183,8 +183,7 @@ TEST_F(MachineDefault, IsToldAsTheLibraryThenTreatsIt)
     const HWND window = AwaitWindow(boot.Id(), kVolumeWindow);
     ASSERT_NE(window, nullptr);
     ASSERT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
-    DWORD_PTR answer = 0;
-    ::SendMessageTimeoutW(window, WM_DEVICECHANGE, DBT_DEVICEARRIVAL, 0, SMTO_NORMAL, 30'000, &answer);
+    ASSERT_TRUE(SendVolumeMessage(window, DBT_DEVICEARRIVAL, L'E', SMTO_NORMAL, 30'000));
     EXPECT_TRUE(trace.Await("\"" + bilder.Application().string() +
                             "\" module=kestrafetch params mode=select devType=volume priDevId=\"E:\""));
 }

@@ -2,11 +2,11 @@
 #include "tests/support/card_slot.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/unix_path.h"
+#include "tests/support/volume_message.h"
 #include "tests/system/installation.h"
 #include "tests/system/running_viewer.h"
 #include "tests/system/system_test.h"
 
-#include <dbt.h>
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -50,9 +50,8 @@ protected:
     void Insert()
     {
         ASSERT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
-        DWORD_PTR answer = 0;
-        ::SendMessageTimeoutW(window, WM_DEVICECHANGE, DBT_DEVICEARRIVAL, 0, SMTO_NORMAL, 30'000,
-                              &answer);
+        // Without an answer where the boot program finds no application left, and ends on it.
+        SendVolumeMessage(window, DBT_DEVICEARRIVAL, L'E', SMTO_NORMAL, 30'000);
     }
 
     TempFolder card;

@@ -7,6 +7,7 @@
 #include "tests/support/stand_in_folder.h"
 #include "tests/support/storm_size.h"
 #include "tests/support/unix_path.h"
+#include "tests/support/volume_message.h"
 #include "tests/system/imaging/resource_use.h"
 #include "tests/system/system_test.h"
 
@@ -109,10 +110,7 @@ TEST_F(Soak, OfAllDevicesAtOnceLeavesTheBootProgramAsItWas)
         ASSERT_TRUE(trace.Await(kDetected + "<VolumeTracker><Exiting from polling mode.>"));
         // Wine takes a drive out in two steps, and a look between them still takes the card for known.
         // Windows tells of a removal that is complete; here it is told.
-        DWORD_PTR answer = 0;
-        ASSERT_NE(::SendMessageTimeoutW(volumes, WM_DEVICECHANGE, DBT_DEVICEREMOVECOMPLETE, 0,
-                                        SMTO_NORMAL, 30'000, &answer),
-                  0);
+        ASSERT_TRUE(SendVolumeMessage(volumes, DBT_DEVICEREMOVECOMPLETE, L'E', SMTO_NORMAL, 30'000));
         if (round >= kWarmUp) {
             samples.push_back(ResourceUseOf(boot.Handle()));
         }

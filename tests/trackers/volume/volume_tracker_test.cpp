@@ -1,6 +1,7 @@
 // The tracker's real thread, window and messages; the drives and the clock are the test's.
 #include "trackers/volume/volume_tracker.h"
 
+#include "tests/support/volume_message.h"
 #include "tests/trackers/volume/card_scene.h"
 
 #include <gmock/gmock.h>
@@ -9,7 +10,6 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <dbt.h>
 #include <thread>
 
 namespace kestraboot
@@ -79,7 +79,12 @@ protected:
     LRESULT Send(UINT message, WPARAM wParam = 0)
     {
         DWORD_PTR answer = 0;
-        EXPECT_NE(::SendMessageTimeoutW(window, message, wParam, 0, SMTO_BLOCK, kGiveUp, &answer), 0);
+        if (message == WM_DEVICECHANGE && wParam != DBT_DEVNODES_CHANGED) {
+            EXPECT_TRUE(tests::SendVolumeMessage(window, wParam, L'E', SMTO_BLOCK, kGiveUp, &answer));
+        } else {
+            EXPECT_NE(::SendMessageTimeoutW(window, message, wParam, 0, SMTO_BLOCK, kGiveUp, &answer),
+                      0);
+        }
         return static_cast<LRESULT>(answer);
     }
 
