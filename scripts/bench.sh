@@ -7,21 +7,26 @@
 #   --record        also writes the table and the curves into docs/speed.md and docs/speed.svg
 #   --report        measures nothing: the table of what was measured before
 set -euo pipefail
-cd "$(dirname "$0")/.."
-. scripts/wine.sh
+. "$(dirname "$0")/usage.sh"
 
 rounds=15 wanted=. resume= record= report=
 while [ $# -gt 0 ]; do
     case $1 in
-    --rounds) rounds=$2 && shift ;;
-    --rows) wanted=$2 && shift ;;
+    -h | --help) usage && exit 0 ;;
+    --rounds | --rows)
+        [ $# -ge 2 ] || wrong_usage "$1 of what?"
+        [ "$1" = --rounds ] && rounds=$2 || wanted=$2
+        shift
+        ;;
     --resume) resume=1 ;;
     --record) record=--record ;;
     --report) report=1 ;;
-    *) sed -n '2,8s/^# \{0,1\}//p' "$0" >&2 && exit 2 ;;
+    *) wrong_usage "no such option: $1" ;;
     esac
     shift
 done
+cd "$(dirname "$0")/.."
+. scripts/wine.sh
 
 # name, size, program, card
 rows='walk 1000 bench_rooms walk

@@ -1,7 +1,10 @@
 #!/usr/bin/env bash
 # The main job, end to end, on real input: builds, makes a Wine prefix of its own, and shows the live trace
 # (time, process, line) while devices come and go. Ends with a table; fails where it differs from what is expected.
+# Takes no arguments. What it needs and is not there yet it installs.
 set -euo pipefail
+. "$(dirname "$0")/usage.sh"
+no_arguments "$@"
 cd "$(dirname "$0")/.."
 . scripts/wine.sh
 . scripts/demo/stage.sh
@@ -15,7 +18,7 @@ bin=$PWD/build/release/bin
 package=$demo/package
 prefix=$demo/wine
 
-scripts/setup.sh
+scripts/setup.sh demo
 
 title "Build"
 rm -rf "$demo"
@@ -26,7 +29,7 @@ cmake --install build/release --prefix "$package" >/dev/null
 
 title "A Wine prefix of its own"
 trap 'trace_end; wine_prefix_end "$prefix"' EXIT
-wine_prefix_make "$prefix"
+wine_prefix_make "$prefix" || { echo "demo: Wine made no prefix in $prefix within its time" >&2 && exit 1; }
 wine_prefix_start "$prefix"
 in_wine 30 reg add 'HKCU\Software\Wine\AppDefaults\kestraboot.exe' /v Version /d vista /f >/dev/null
 install_viewer

@@ -37,6 +37,10 @@ def excerpt(lines: list[str]) -> list[str]:
 
 
 def main() -> int:
+    if len(sys.argv) != 2 or sys.argv[1].startswith("-"):
+        helped = sys.argv[1:] in (["-h"], ["--help"])
+        print(__doc__, file=sys.stdout if helped else sys.stderr)
+        return 0 if helped else 2
     text = pathlib.Path(sys.argv[1]).read_bytes().decode("utf-8").replace("\r", "")
     shown = []
     for line in excerpt(re.sub(r"\x1b\[[0-9;]*m", "", text).splitlines()):

@@ -1,19 +1,45 @@
 #!/usr/bin/env bash
-# Installs what building and testing needs on Debian 12 and is not there yet. Can be run any number of times.
+# Installs what is not there yet, on Debian 12, Debian 13 and what is built from them. Can be run any number of times.
+#   setup.sh demo     what building and running the demo needs
+#   setup.sh          that, and what scripts/test.sh needs: the second compiler, the linter, the formatter, ...
 set -euo pipefail
+. "$(dirname "$0")/usage.sh"
 
-packages=(
-    clang clang-format-14 clang-tidy-14            # the second compiler, formatter, linter
-    cmake ninja-build git
-    cppcheck                                       # a second opinion beside the linter's
-    doxygen                                        # the reference of the exported interface
+demo=(
+    cmake ninja-build
     g++-mingw-w64-x86-64-posix                     # the compiler: MinGW-w64, posix threads
     googletest                                     # its sources, cross-built with the tests
     libjpeg-turbo-progs                            # makes the demo's picture
-    lld                                            # the second compiler's linker
-    python3                                        # the checks of the tree
     wine wine64                                    # runs what was built
 )
+all=(
+    "${demo[@]}"
+    clang clang-tidy                               # the second compiler, the linter: those of the release
+    cppcheck                                       # a second opinion beside the linter's
+    doxygen                                        # the reference of the exported interface
+    git
+    lld                                            # the second compiler's linker
+    python3                                        # the checks of the tree
+)
+
+help_wanted "$@"
+case "$# ${1-}" in
+'0 ') packages=("${all[@]}") ;;
+'1 demo') packages=("${demo[@]}") ;;
+*) wrong_usage "no such group of packages: $*" ;;
+esac
+# The format is held by one version of the formatter; releases after these have it no more (scripts/test.sh says so).
+if [ $# -eq 0 ]; then
+    case $(. /etc/os-release && echo "$ID ${VERSION_ID-}") in
+    'debian 12' | 'ubuntu 24.04') packages+=(clang-format-14) ;;
+    esac
+fi
+for program in apt-get dpkg-query; do
+    command -v $program >/dev/null || {
+        echo "setup.sh: there is no $program: install what stands for these by hand: ${packages[*]}" >&2
+        exit 1
+    }
+done
 
 missing=()
 for package in "${packages[@]}"; do
@@ -21,10 +47,16 @@ for package in "${packages[@]}"; do
 done
 [ ${#missing[@]} -gt 0 ] || exit 0
 
-echo "== Installing: ${missing[*]}"
 as_root=()
-[ "$(id -u)" = 0 ] || as_root=(sudo)
-export DEBIAN_FRONTEND=noninteractive
+if [ "$(id -u)" != 0 ]; then
+    command -v sudo >/dev/null || {
+        echo "setup.sh: these packages are missing, and only root can install them (there is no sudo):" >&2
+        echo "    apt-get install --no-install-recommends ${missing[*]}" >&2
+        exit 1
+    }
+    as_root=(sudo)
+fi
+echo "== Installing: ${missing[*]}"
 "${as_root[@]}" apt-get -qq update
-"${as_root[@]}" apt-get -y --no-install-recommends install "${missing[@]}" </dev/null |
-    sed -nu 's/^Unpacking \([^ ]*\).*/   \1/p'
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -y --no-install-recommends install "${missing[@]}" \
+    </dev/null | sed -nu 's/^Unpacking \([^ ]*\).*/   \1/p'

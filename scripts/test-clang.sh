@@ -1,7 +1,19 @@
 #!/usr/bin/env bash
 # The whole suite, built with the second compiler and its linker, and run; meanwhile clang-tidy over the product.
-# Arguments go to ctest.
+# What it needs and is not there yet it installs.
+#   --tests-regex REGEX      only the tests whose names match
+#   --exclude-regex REGEX    not those
 set -euo pipefail
+. "$(dirname "$0")/usage.sh"
+help_wanted "$@"
+chosen=()
+while [ $# -gt 0 ]; do
+    case "$# $1" in
+    '1 '*) wrong_usage "not understood: $1" ;;
+    *' --tests-regex' | *' --exclude-regex') chosen+=("$1" "$2") && shift 2 ;;
+    *) wrong_usage "no such option: $1" ;;
+    esac
+done
 cd "$(dirname "$0")/.."
 
 scripts/setup.sh
@@ -12,7 +24,7 @@ log=build/lint.log
 nice -n 19 scripts/checks/lint.py build/clang >$log 2>&1 &
 lint=$!
 passed=0
-ctest --preset clang --parallel 2 "$@" || passed=1
+ctest --preset clang --parallel 2 "${chosen[@]}" || passed=1
 wait $lint || passed=1
 cat $log
 exit $passed

@@ -5,8 +5,11 @@
 #   test-prefix.sh own FOLDER SECONDS PROGRAM ...    the same in a fresh copy of it, which is removed again
 #   test-prefix.sh end FOLDER                        ends everything in it
 set -euo pipefail
+. "$(dirname "$0")/usage.sh"
 . "$(dirname "$0")/wine.sh"
 
+help_wanted "$@"
+[ $# -ge 2 ] || wrong_usage "no action, or no folder"
 action=$1 folder=$(realpath -m -- "$2") # Wine takes full paths alone
 shift 2
 case $action in
@@ -33,7 +36,6 @@ end)
     wine_prefix_end "$folder"
     ;;
 *)
-    echo "test-prefix.sh: no such action: $action" >&2
-    exit 2
+    wrong_usage "no such action: $action"
     ;;
 esac

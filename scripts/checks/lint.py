@@ -17,7 +17,7 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 ROOMS = ["boot", "foundation", "launcher", "legacy", "registry", "samples", "service", "tools", "trackers"]
-TIDY = "clang-tidy-14"
+TIDY = "clang-tidy"  # of the release
 
 
 def digest(files) -> str:

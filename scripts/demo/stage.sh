@@ -20,18 +20,34 @@ expect() {
     rows+=("$1"$'\x1f'"$2"$'\x1f'"$3"$'\x1f'"$verdict")
 }
 
-# expect_line WHAT LINE SECONDS: the trace line, whole, within that time.
-expect_line() {
-    local seen='(no such line)' end=$((SECONDS + $3))
-    while [ $SECONDS -le $end ]; do
-        if trace_since_mark | grep -qxF -- "$2"; then
-            seen=$2
-            break
+# await WHAT SECONDS COMMAND ...: until the command succeeds. Says what it waits for where that is not at once. After
+# three waits in vain the rest is looked at, but no longer waited for: it builds on what did not come.
+await() {
+    local what=$1 seconds=$2 start=$SECONDS said=
+    shift 2
+    [ $waits_in_vain -lt 3 ] || seconds=2
+    until "$@"; do
+        if [ $((SECONDS - start)) -ge "$seconds" ]; then
+            waits_in_vain=$((waits_in_vain + 1))
+            printf '\033[31m-- not seen within %d s: %s\033[0m\n' "$seconds" "$what"
+            return 1
+        fi
+        if [ -z "$said" ] && [ $((SECONDS - start)) -ge 3 ]; then
+            said=yes
+            printf '   (waits up to %d s for: %s)\n' "$seconds" "$what"
         fi
         sleep 0.1
     done
+}
+waits_in_vain=0
+
+# expect_line WHAT LINE SECONDS: the trace line, whole, within that time.
+expect_line() {
+    local seen='(no such line)'
+    ! await "$1" "$3" trace_has "$2" || seen=$2
     expect "$1" "$2" "$seen"
 }
+trace_has() { trace_since_mark | grep -qxF -- "$1"; }
 
 # What kestratrace shows, without time and process.
 trace_text() { tr -d '\r' | cut -c43-; }
@@ -42,14 +58,8 @@ trace_since_mark() { tail -n +$((mark + 1)) "$demo/trace.log" | trace_text; }
 # expect_report WHAT PROGRAM LINE SECONDS: a line that the started application wrote down since the step began.
 expect_report() {
     local file="$prefix/drive_c/users/$(id -un)/AppData/Local/Corvane Sample Viewer/$2.txt"
-    local seen='(not started)' end=$((SECONDS + $4))
-    while [ $SECONDS -le $end ]; do
-        if [ -f "$file" ] && grep -qxF -- "$3" "$file"; then
-            seen=$3
-            break
-        fi
-        sleep 0.1
-    done
+    local seen='(not started)'
+    ! await "$1" "$4" grep -qsxF -- "$3" "$file" || seen=$3
     expect "$1" "$3" "$seen"
 }
 
@@ -57,7 +67,12 @@ expect_report() {
 forget_report() { rm -f "$prefix/drive_c/users/$(id -un)/AppData/Local/Corvane Sample Viewer/$1.txt"; }
 
 # in_wine SECONDS PROGRAM ...: a program of the demo, waited for.
-in_wine() { wine_run "$prefix" "$@"; }
+in_wine() {
+    local status=0
+    wine_run "$prefix" "$@" || status=$?
+    [ $status != 124 ] || echo "demo: not through within $1 s, and ended: ${*:2}" >&2
+    return $status
+}
 
 # boot FOLDER [ARGUMENT ...]: kestraboot.exe of an installed application, in the background, as at log-on.
 boot() {

@@ -1,0 +1,84 @@
+#!/usr/bin/env bash
+# Both commands of README as a newcomer runs them: in a bare Debian of that release, made in build/debian-RELEASE and
+# removed again, from a clone of what is committed here. Shows what failed; the outputs stay in build/debian-RELEASE.*.
+# Takes half an hour and 7 GB, needs root, debootstrap and the network, and is no part of scripts/test.sh.
+#   test-debian.sh 12 | 13
+set -euo pipefail
+. "$(dirname "$0")/usage.sh"
+help_wanted "$@"
+case $# in 1) ;; *) wrong_usage "one release, please" ;; esac
+case $1 in
+12) name=bookworm ;;
+13) name=trixie ;;
+*) wrong_usage "no such release: $1" ;;
+esac
+cd "$(dirname "$0")/.."
+
+out=$PWD/build/debian-$1
+root=$out
+[ "$(id -u)" = 0 ] || { echo "test-debian.sh: only root can make a system in a folder" >&2 && exit 1; }
+command -v debootstrap >/dev/null || { echo "test-debian.sh: apt-get install debootstrap" >&2 && exit 1; }
+
+# inside COMMAND: run there by a root whose processes and mounts are the system's own: both end with it, however it
+# ends, so that nothing of this machine is below the folder when it is removed.
+inside() {
+    # shellcheck disable=SC2016 # expanded there
+    unshare --mount --propagation private --pid --fork --kill-child --mount-proc="$root/proc" bash -c '
+        mount --rbind /dev "$1/dev" && mount --rbind /sys "$1/sys" || exit 1
+        exec chroot "$1" env -i HOME=/root TERM=dumb LANG=C.UTF-8 PATH=/usr/sbin:/usr/bin:/sbin:/bin \
+            bash -c "cd /root && $2"' inside "$root" "$1" </dev/null
+}
+
+remove() {
+    if grep -qF " $root/" /proc/mounts; then
+        echo "test-debian.sh: something is mounted below $root, so it stays there" >&2
+        return 1
+    fi
+    rm -rf --one-file-system "$root"
+}
+
+running=
+# shellcheck disable=SC2317 # called by the trap
+finish() {
+    [ -z "$running" ] || { kill -KILL "$running" && wait "$running"; } 2>/dev/null || true
+    remove
+}
+trap finish EXIT
+trap 'exit 1' INT TERM
+
+size() { du --summarize --one-file-system --block-size=1M "$root" | cut -f1; }
+failed=0 summary=()
+
+# try SCRIPT: in the clone, its output shown and kept, what failed collected.
+try() {
+    local log=$out.$1.log start=$SECONDS before status=0 verdict=passed
+    before=$(size)
+    printf '\n== %s on a bare Debian %s\n' "$1" "$release"
+    : >"$log"
+    inside "cd kestraboot && scripts/$1" >"$log" 2>&1 &
+    running=$!
+    tail -n +1 -f --pid=$running "$log"
+    wait $running || status=$?
+    running=
+    [ $status = 0 ] || { verdict="FAILED with $status" && failed=1; }
+    summary+=("scripts/$1: $verdict, $((SECONDS - start)) s, $(($(size) - before)) MB more")
+    [ $status = 0 ] || summary+=("$(grep -E 'DIFFERS|not seen within|\*\*\*|\(Failed\)|\(Timeout\)|[Ee]rror:|\[  FAILED' "$log" |
+        tail -n 60 | sed 's/^/    /')")
+}
+
+release=$1
+echo "== A bare Debian $release"
+remove
+mkdir -p build
+debootstrap --variant=minbase "$name" "$root" http://deb.debian.org/debian >"$out.debootstrap.log" 2>&1 ||
+    { cat "$out.debootstrap.log" && exit 1; }
+git clone --quiet --no-hardlinks . "$root/root/kestraboot"
+summary+=("Debian $(cat "$root/etc/debian_version"), $(size) MB; sources: $(git rev-parse --short HEAD), $(date +%F)")
+
+try demo.sh
+try test.sh
+
+printf '\n== In short\n'
+printf '%s\n' "${summary[@]}"
+inside 'for each in x86_64-w64-mingw32-g++-posix clang cmake wine; do echo $each: $($each --version | head -1); done'
+exit $failed

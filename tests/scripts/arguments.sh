@@ -1,0 +1,85 @@
+#!/usr/bin/env bash
+# What the scripts do before they begin: --help and a wrong argument print the usage and touch nothing, and setup.sh
+# installs what was asked for, as whoever may. Nothing is installed: stand-ins say what they were called with.
+#   arguments.sh SOURCE-FOLDER WORK-FOLDER
+set -euo pipefail
+source=$1 work=$2
+rm -rf "$work"
+mkdir -p "$work/bin" "$work/plain"
+cd "$work"
+fail() { echo "arguments: $*"; cat said 2>/dev/null || true; exit 1; }
+
+export CALLS=$work/calls
+stand_in() { # NAME COMMANDS: a program that notes that it was called
+    printf '#!/bin/bash\necho "%s $*" >>"$CALLS"\n%s\n' "$1" "$2" >"bin/$1"
+    chmod +x "bin/$1"
+}
+for program in apt-get cmake wine wineserver ctest unshare debootstrap; do stand_in $program ''; done
+# The packages of the list are there, the others not; the user is whom the test says.
+stand_in dpkg-query 'grep -qx -- "${!#}" "$HERE" && echo "install ok installed"'
+stand_in sudo 'exec "$@"'
+stand_in id 'echo "$USER_ID"'
+export HERE=$work/here USER_ID=0
+: >"$HERE"
+own=$work/bin:$PATH
+# Without sudo, wherever it may lie: the programs that setup.sh needs, and the stand-ins.
+for program in awk basename bash cat dirname env grep sed; do ln -s "$(command -v $program)" "plain/$program"; done
+for program in apt-get dpkg-query id; do cp bin/$program plain/; done
+run() { # STATUS COMMAND ...: the command ends with that
+    local wanted=$1 status=0
+    shift
+    : >calls
+    PATH=$own "$@" >said 2>errors </dev/null || status=$?
+    cat errors >>said
+    [ $status = "$wanted" ] || fail "$* ends with $status, not $wanted"
+}
+says() { grep -qF -- "$1" said || fail "it does not say: $1"; }
+called() { grep -qF -- "$1" calls || { cat calls; fail "not called: $1"; }; }
+nothing_called() { [ ! -s calls ] || { cat calls; fail "$* called these"; }; }
+
+# ---- Each script by itself, from any folder
+for script in "$source"/scripts/*.sh "$source"/scripts/demo_picture.py; do
+    [ -x "$script" ] || continue # sourced, not called
+    for argument in --help -h; do
+        run 0 "$script" $argument
+        [ -s said ] && [ ! -s errors ] || fail "$script $argument prints no usage"
+        nothing_called "$script $argument"
+    done
+    run 2 "$script" --no-such-option
+    [ -s errors ] || fail "$script does not say what is wrong"
+    nothing_called "$script --no-such-option"
+done
+for called in 'setup.sh everything' 'setup.sh demo demo' 'demo.sh fast' 'test.sh -R card' 'test-clang.sh -R' \
+    'test-prefix.sh begin' 'test-debian.sh' 'test-debian.sh 7' 'bench.sh --rows'; do
+    # shellcheck disable=SC2086 # words
+    run 2 "$source"/scripts/$called
+    nothing_called "$called"
+done
+
+# ---- What is installed, and by whom
+run 0 "$source/scripts/setup.sh" demo
+called " wine wine64"
+! grep -Eq 'clang|doxygen|cppcheck|python' calls || { cat calls; fail "the demo installs what it does not need"; }
+! grep -q '^sudo' calls || fail "root asks sudo"
+run 0 "$source/scripts/setup.sh"
+for package in g++-mingw-w64-x86-64-posix clang-tidy doxygen; do called " $package"; done
+
+printf '%s\n' cmake ninja-build g++-mingw-w64-x86-64-posix googletest libjpeg-turbo-progs wine >"$HERE"
+USER_ID=1000 run 0 "$source/scripts/setup.sh" demo
+called 'sudo apt-get -qq update'
+called 'install wine64'
+echo wine64 >>"$HERE"
+run 0 "$source/scripts/setup.sh" demo
+! grep -Eq 'apt-get|sudo' calls || fail "it installs where all is there"
+
+# ---- Neither root nor sudo; no Debian at all
+: >"$HERE"
+own=$work/plain
+USER_ID=1000 run 1 "$source/scripts/setup.sh" demo
+says 'apt-get install --no-install-recommends cmake ninja-build'
+! grep -q apt-get calls || fail "it tries all the same"
+rm plain/apt-get
+run 1 "$source/scripts/setup.sh"
+says 'there is no apt-get'
+says ' doxygen '
+echo "arguments: as they should be"
