@@ -80,7 +80,7 @@ bool SourceTracker::OpenSource() noexcept
            host.managers.OpenSourceManagers() == mox::kSuccess;
 }
 
-void SourceTracker::Listen() noexcept
+void SourceTracker::Listen() const noexcept
 {
     const TrackerWindow window;
     if (!window) {

@@ -28,7 +28,7 @@ public:
 
 private:
     bool OpenSource() noexcept;
-    void Listen() noexcept;
+    void Listen() const noexcept;
 
     DeviceSource source;
     PluginHost host;
