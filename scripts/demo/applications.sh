@@ -47,29 +47,29 @@ act_applications() {
 
     step "A card is put in"
     insert_card pictures
-    expect_line "the second application is started" "\"$programs\\Second Viewer\\second.exe\" $arguments" 15
-    expect_report "  and finds the picture" second 'picture: E:\DCIM\100TEST\IMG_0001.JPG' 10
+    expect_line "the second application is started" "\"$programs\\Second Viewer\\second.exe\" $arguments" 30
+    expect_report "  and finds the picture" second 'picture: E:\DCIM\100TEST\IMG_0001.JPG' 30
     take_card_out
 
     step "The user logs on again: the second application's proxy is the one in control"
     end_boot_programs
     boot "$second"
-    expect_line "the second proxy took control" '<KestraProxy><Took control of the situation>' 20
+    expect_line "the second proxy took control" '<KestraProxy><Took control of the situation>' 30
     expect "a further instance is refused: exit code" 3 "$(exit_code_of "$first")"
 
     step "The second application is uninstalled"
     in_wine 30 reg delete 'HKLM\SOFTWARE\Corvane\Second Viewer' /f >/dev/null
     expect "-uninstall: exit code" 0 "$(exit_code_of "$second" -uninstall)"
     expect_line "the first application takes over" \
-        "<KestraBoot><Switching application to ...<Sample Viewer><$programs\\Corvane Sample Viewer\\kestraboot.exe> >" 5
-    expect_line "  its proxy is in control" '<KestraProxy><Took control of the situation>' 15
+        "<KestraBoot><Switching application to ...<Sample Viewer><$programs\\Corvane Sample Viewer\\kestraboot.exe> >" 30
+    expect_line "  its proxy is in control" '<KestraProxy><Took control of the situation>' 30
     expect "the auto-run entry names its proxy" "\"$programs\\Corvane Sample Viewer\\kestraboot.exe\"" "$(run_value)"
 
     step "A card is put in"
     forget_report viewer
     insert_card pictures
-    expect_line "the first application is started" "\"$programs\\Corvane Sample Viewer\\viewer.exe\" $arguments" 15
-    expect_report "  and finds the picture" viewer 'picture: E:\DCIM\100TEST\IMG_0001.JPG' 10
+    expect_line "the first application is started" "\"$programs\\Corvane Sample Viewer\\viewer.exe\" $arguments" 30
+    expect_report "  and finds the picture" viewer 'picture: E:\DCIM\100TEST\IMG_0001.JPG' 30
     take_card_out
 }
 

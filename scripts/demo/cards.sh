@@ -21,7 +21,7 @@ remove_card() { in_wine 30 "$bin/card_reader.exe" remove E; }
 take_card_out() {
     step "The card is taken out"
     remove_card
-    expect_line "card out: nothing left to poll" '<***DeviceConnect***><VolumeTracker><Exiting from polling mode.>' 10
+    expect_line "card out: nothing left to poll" '<***DeviceConnect***><VolumeTracker><Exiting from polling mode.>' 30
 }
 
 act_cards() {
@@ -32,31 +32,31 @@ act_cards() {
     title "Act 1: a card in a reader starts the default application"
     step "kestraboot.exe starts, as on Windows Vista"
     boot "$first"
-    expect_line "the volume tracker runs" '<***DeviceConnect***><VolumeTracker><Volumes will be detected.>' 20
+    expect_line "the volume tracker runs" '<***DeviceConnect***><VolumeTracker><Volumes will be detected.>' 30
 
     step "A card with DCIM/100TEST/IMG_0001.JPG is put in"
     insert_card pictures
-    expect_line "card with a picture: noticed" '<***DeviceConnect***><VolumeTracker><REMOVABLE DEVICE><V|E:>' 10
-    expect_line "card with a picture: application started" "$start" 10
-    expect_report "the application's own command line" viewer "command line: $start" 10
-    expect_report "the application found the picture" viewer 'picture: E:\DCIM\100TEST\IMG_0001.JPG' 10
+    expect_line "card with a picture: noticed" '<***DeviceConnect***><VolumeTracker><REMOVABLE DEVICE><V|E:>' 30
+    expect_line "card with a picture: application started" "$start" 30
+    expect_report "the application's own command line" viewer "command line: $start" 30
+    expect_report "the application found the picture" viewer 'picture: E:\DCIM\100TEST\IMG_0001.JPG' 30
     take_card_out
 
     step "A card without pictures is put in"
     insert_card documents
-    expect_line "card without pictures: refused" '<***DeviceConnect***><VolumeTracker><Launch not possible>.' 15
+    expect_line "card without pictures: refused" '<***DeviceConnect***><VolumeTracker><Launch not possible>.' 30
     take_card_out
 
     step "\"SniffDepth\" is set to 2, and a card with a picture on the third level is put in"
     in_wine 30 reg add "$key" /v SniffDepth /t REG_DWORD /d 2 /f >/dev/null
     insert_card deep
-    expect_line "picture too deep: refused" '<***DeviceConnect***><VolumeTracker><Launch not possible>.' 15
+    expect_line "picture too deep: refused" '<***DeviceConnect***><VolumeTracker><Launch not possible>.' 30
     take_card_out
 
     step "\"SniffDepth\" is set to 3, and the same card is put in again"
     in_wine 30 reg add "$key" /v SniffDepth /t REG_DWORD /d 3 /f >/dev/null
     forget_report viewer
     insert_card deep
-    expect_report "picture within reach: application started" viewer 'picture: E:\BACKUP\2026\IMG_0002.JPG' 15
+    expect_report "picture within reach: application started" viewer 'picture: E:\BACKUP\2026\IMG_0002.JPG' 30
     take_card_out
 }
