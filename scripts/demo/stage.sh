@@ -32,7 +32,7 @@ await() {
             printf '\033[31m-- not seen within %d s: %s\033[0m\n' "$seconds" "$what"
             return 1
         fi
-        if [ -z "$said" ] && [ $((SECONDS - start)) -ge 3 ]; then
+        if [ -z "$said" ] && [ $((SECONDS - start)) -ge 5 ]; then
             said=yes
             printf '   (waits up to %d s for: %s)\n' "$seconds" "$what"
         fi
