@@ -37,6 +37,22 @@ void Forget(std::intptr_t started) noexcept
     }
 }
 
+void Start(const wchar_t* appPath, const StartLine& line, bool withDevice) noexcept
+{
+    constexpr const wchar_t* kEnd = nullptr;
+    if (*appPath == L'\0') {
+        return; // no file has this name, and a C runtime may end the process that asks for it
+    }
+    if (withDevice) {
+        Forget(::_wspawnlp(_P_NOWAIT, appPath, line.Argument(0), line.Argument(1), line.Argument(2),
+                           line.Argument(3), line.Argument(4), line.Argument(5), kEnd));
+    } else {
+        // Without an identifier the type of the device is left out too, on purpose.
+        Forget(::_wspawnlp(_P_NOWAIT, appPath, line.Argument(0), line.Argument(1), line.Argument(2),
+                           line.Argument(3), kEnd));
+    }
+}
+
 } // namespace
 
 void CKestraBootCommandHandler::LaunchKestra(std::wstring& appPath, std::wstring& mode,
@@ -61,16 +77,7 @@ void CKestraBootCommandHandler::LaunchKestra(std::wstring& appPath, std::wstring
         ::OutputDebugStringW(L"<KestraBoot><!!! Unable to launch Kestra.>");
         return;
     }
-    constexpr const wchar_t* kEnd = nullptr;
-    if (!deviceId.empty()) {
-        Forget(::_wspawnlp(_P_NOWAIT, appPath.c_str(), line.Argument(0), line.Argument(1),
-                           line.Argument(2), line.Argument(3), line.Argument(4), line.Argument(5),
-                           kEnd));
-    } else {
-        // Without an identifier the type of the device is left out too, on purpose.
-        Forget(::_wspawnlp(_P_NOWAIT, appPath.c_str(), line.Argument(0), line.Argument(1),
-                           line.Argument(2), line.Argument(3), kEnd));
-    }
+    Start(appPath.c_str(), line, !deviceId.empty());
     ::OutputDebugStringW(line.Join());
 }
 

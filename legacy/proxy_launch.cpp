@@ -35,9 +35,12 @@ void LaunchOrganiserProxy(const std::wstring& proxyPath, const std::wstring& dev
     const std::wstring quotedProxy = QuoteUnlessQuoted(proxyPath);
     const std::wstring line = quotedProxy + L" -d " + deviceParameter;
 
-    const std::intptr_t started =
-        ::_wspawnlp(_P_NOWAIT, proxyPath.c_str(), quotedProxy.c_str(), L"-d", deviceParameter.c_str(),
-                    static_cast<const wchar_t*>(nullptr));
+    std::intptr_t started = -1;
+    if (*proxyPath.c_str() !=
+        L'\0') { // a C runtime may end the process that starts a file without a name
+        started = ::_wspawnlp(_P_NOWAIT, proxyPath.c_str(), quotedProxy.c_str(), L"-d",
+                              deviceParameter.c_str(), static_cast<const wchar_t*>(nullptr));
+    }
     if (started == -1) {
         ::OutputDebugStringW(L"<KestraBoot><!!! Unable to start the process.>");
         return;

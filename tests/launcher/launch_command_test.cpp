@@ -75,9 +75,8 @@ TEST_F(LaunchCommand, DoesNotLookForAClosingQuote)
 
 TEST_F(LaunchCommand, OfAnEmptyPathIsTracedAsIfItHadWorked)
 {
-    spawns.Answer(-1);
     Kestra(L"", L"direct", L"volume", L"E:");
-    EXPECT_EQ(spawns.Calls().at(0).file, L"");
+    EXPECT_TRUE(spawns.Calls().empty()); // the UCRT takes such a call for a mistake and ends the process
     EXPECT_EQ(trace.Lines(),
               Lines{L"\"\" module=kestrafetch params mode=direct devType=volume priDevId=\"E:\""});
 }

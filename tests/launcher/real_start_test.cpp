@@ -115,9 +115,23 @@ TEST_F(StartedApplication, ThatIsMissingIsTracedAsIfItHadStartedAndLeavesNoHandl
               0);
     EXPECT_EQ(trace.Lines().at(0),
               L"\"C:\\no such folder\\viewer.exe\" module=kestrafetch params mode=direct");
-    path.clear();
-    CKestraBootCommandHandler().LaunchKestra(path, mode, none, none);
-    EXPECT_EQ(trace.Lines().back(), L"\"\" module=kestrafetch params mode=direct");
+}
+
+TEST_F(StartedApplication, WithoutAPathIsAFailedStartOnEveryCRuntime)
+{
+    std::wstring mode = L"direct";
+    std::wstring id = L"E:";
+    for (std::wstring path : {std::wstring(), std::wstring(1, L'\0')}) {
+        std::wstring none;
+        CKestraBootCommandHandler().LaunchKestra(path, mode, none, none);
+        CKestraBootCommandHandler().LaunchKestra(path, mode, none, id);
+        CKestraBootCommandHandler().LaunchVel3Proxy(path, none, id);
+    }
+    ASSERT_EQ(trace.Lines().size(), 6U);
+    EXPECT_EQ(trace.Lines().at(0), L"\"\" module=kestrafetch params mode=direct");
+    EXPECT_EQ(trace.Lines().at(1),
+              L"\"\" module=kestrafetch params mode=direct devType= priDevId=\"E:\"");
+    EXPECT_EQ(trace.Lines().at(2), L"<KestraBoot><!!! Unable to start the process.>");
 }
 
 TEST_F(StartedApplication, IsNotFoundByAPathInQuotes)

@@ -103,6 +103,17 @@ TEST_F(OrganiserProxy, ThatCannotBeStartedIsTraced)
     EXPECT_EQ(close.Calls(), 0);
 }
 
+TEST_F(OrganiserProxy, WithAnEmptyPathIsAFailedStart)
+{
+    for (const std::wstring& nothing : {std::wstring(), std::wstring(1, L'\0')}) {
+        trace.Clear();
+        LaunchOrganiserProxy(nothing, L"volume", L"E:");
+        EXPECT_TRUE(
+            spawns.Calls().empty()); // the UCRT takes such a call for a mistake and ends the process
+        EXPECT_EQ(trace.Lines(), Lines{L"<KestraBoot><!!! Unable to start the process.>"});
+    }
+}
+
 TEST_F(OrganiserProxy, LeavesNoHandleOfTheStartedProcess)
 {
     const HANDLE process = ::CreateMutexW(nullptr, FALSE, nullptr); // stands for it
