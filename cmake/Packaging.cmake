@@ -29,7 +29,8 @@ endforeach()
 list(JOIN KESTRABOOT_RUNTIME_NAMES " " KESTRABOOT_RUNTIME_NAMES)
 
 # ---- To build against
-install(DIRECTORY include/kestraboot DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY include/kestraboot ${PROJECT_BINARY_DIR}/generated/include/kestraboot
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/kestraboot)
 install(EXPORT kestrabootTargets NAMESPACE kestraboot:: DESTINATION ${package_folder})
 # The variable of CMake that is true for the compilers whose hosts understand this library.
@@ -38,16 +39,18 @@ if(MSVC)
     set(KESTRABOOT_RUNTIME "Visual C++ runtime as DLL")
 else()
     set(KESTRABOOT_COMPILER_FAMILY MINGW)
-    set(KESTRABOOT_RUNTIME "MinGW-w64, 64-bit, posix threads, libstdc++ as DLL")
+    set(KESTRABOOT_RUNTIME "MinGW-w64, 64-bit, posix threads, libstdc++ as DLL, ${KESTRABOOT_C_RUNTIME}")
 endif()
-configure_package_config_file(cmake/kestrabootConfig.cmake.in ${PROJECT_BINARY_DIR}/kestrabootConfig.cmake
-    INSTALL_DESTINATION ${package_folder}
-    PATH_VARS CMAKE_INSTALL_BINDIR)
+foreach(name IN ITEMS kestrabootConfig kestrabootHostRuntime)
+    configure_package_config_file(cmake/${name}.cmake.in ${PROJECT_BINARY_DIR}/${name}.cmake
+        INSTALL_DESTINATION ${package_folder}
+        PATH_VARS CMAKE_INSTALL_BINDIR)
+    install(FILES ${PROJECT_BINARY_DIR}/${name}.cmake DESTINATION ${package_folder})
+endforeach()
 # Strings and vectors cross the boundary: only a compatible library will do.
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/kestrabootConfigVersion.cmake
     COMPATIBILITY SameMajorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/kestrabootConfig.cmake ${PROJECT_BINARY_DIR}/kestrabootConfigVersion.cmake
-    DESTINATION ${package_folder})
+install(FILES ${PROJECT_BINARY_DIR}/kestrabootConfigVersion.cmake DESTINATION ${package_folder})
 
 # ---- Samples: their sources, the reference host's among them, and two built ones
 install(DIRECTORY samples/ DESTINATION samples)
@@ -74,7 +77,11 @@ function(kestraboot_install_terms name package)
 endfunction()
 if(MINGW)
     kestraboot_install_terms(libstdc++-and-libgcc.txt gcc-mingw-w64-base)
-    kestraboot_install_terms(libwinpthread.txt mingw-w64-x86-64-dev)
+    if(KESTRABOOT_UCRT)
+        kestraboot_install_terms(libwinpthread.txt mingw-w64-ucrt64-dev)
+    else()
+        kestraboot_install_terms(libwinpthread.txt mingw-w64-x86-64-dev)
+    endif()
 endif()
 
 # ---- The archive
@@ -82,6 +89,9 @@ set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_VENDOR Corvane)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_FILE_NAME kestraboot-${PROJECT_VERSION}-win64)
+if(MINGW AND KESTRABOOT_UCRT)
+    string(APPEND CPACK_PACKAGE_FILE_NAME -ucrt)
+endif()
 set(CPACK_PACKAGE_CHECKSUM SHA256)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)

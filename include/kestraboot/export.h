@@ -13,6 +13,14 @@
 #if defined(__MINGW32__) && (!defined(__GLIBCXX__) || !defined(_GLIBCXX_HAS_GTHREADS))
 #error "kestraboot: strings, vectors, exceptions cross the boundary: use libstdc++ with posix threads"
 #endif
+#if defined(__MINGW32__)
+#include "kestraboot/c_runtime.h"
+#if KESTRABOOT_FOR_UCRT && !defined(_UCRT)
+#error "kestraboot: this is the library for the UCRT, and the compiler links msvcrt: take the other archive"
+#elif !KESTRABOOT_FOR_UCRT && defined(_UCRT)
+#error "kestraboot: this is the library for msvcrt, and the compiler links the UCRT: take the archive -ucrt"
+#endif
+#endif
 #if defined(_GLIBCXX_DEBUG)
 #error "kestraboot: _GLIBCXX_DEBUG gives strings and vectors another layout than the library's"
 #endif

@@ -53,8 +53,9 @@ def resource_version(program: bytes) -> str | None:
 
 def told_versions(files: dict[str, bytes], archive: pathlib.Path, top: str):
     """Everything in and around the archive that tells a version, and which."""
-    yield "the archive's name", archive.name.removeprefix("kestraboot-").removesuffix("-win64.zip")
-    yield "its folder", top.removeprefix("kestraboot-").removesuffix("-win64")
+    kind = "-win64-ucrt" if b"#define KESTRABOOT_FOR_UCRT 1" in files["include/kestraboot/c_runtime.h"] else "-win64"
+    yield "the archive's name", archive.name.removeprefix("kestraboot-").removesuffix(kind + ".zip")
+    yield "its folder", top.removeprefix("kestraboot-").removesuffix(kind)
     for name, data in files.items():
         base = pathlib.PurePath(name).name
         if base in RUNTIME or base in {"viewer.exe", "sample_plugin.mox"}:  # samples have no version of their own
