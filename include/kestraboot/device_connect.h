@@ -19,20 +19,27 @@
 /// | who reports it | the identifier is | characters |
 /// |---|---|---|
 /// | the volume tracker | the drive, "E:" | 2 |
-/// | the still-image tracker | the TWAIN source's name, or still imaging's of the device | up to 259 |
+/// | the still-image tracker, of TWAIN | the source's name **with double quotes round it** | up to 257 |
+/// | the still-image tracker, of WIA (Windows XP) | still imaging's name of the device | up to 259 |
 /// | a plugin | what stands in its record | up to 259 |
 /// | the WIA tracker | WIA's name of the device, **whole** | no limit |
 ///
-/// A `camera` or `scanner` can come from any of the last three: look at the length before you copy an
+/// Of a TWAIN source that is neither camera nor scanner, whose kind is empty, the first quote and the
+/// first letter are missing; the last quote is there.
+///
+/// A `camera` or `scanner` can come from any of the last four: look at the length before you copy an
 /// identifier into a buffer. It may be empty.
 ///
 /// **Ownership.** Both strings belong to the tracker and live for the call only: copy what you keep.
 /// They may be changed; nobody reads them afterwards.
 ///
-/// **Threads.** Runs on a tracker's thread, one call at a time in the whole process; a slow callback
-/// holds up every other report, and no report is dropped for it. Do not wait in it for another report.
-/// It may register another callback. It may use a handler object of its own; one that the main thread
-/// uses needs a lock of the host's.
+/// **Threads.** Runs on the thread that reports: a tracker's, or a thread that a plugin made, with
+/// whatever stack, message queue and COM apartment the plugin gave it. One thread at a time in the whole
+/// process; a slow callback holds up every other report, and no report is dropped for it. Do not wait in
+/// it for another report. The lock lets its own thread in again: where a callback serves messages (a
+/// dialog, a call into another COM apartment), its tracker or plugin can report again on that thread,
+/// and the callback is called a second time inside the first call. It may register another callback. It
+/// may use a handler object of its own; one that the main thread uses needs a lock of the host's.
 ///
 /// **Failures.** A C++ exception that it throws is swallowed, and the tracker goes on.
 using DeviceConnectCallback = void (*)(std::wstring& deviceKind, std::wstring& deviceId);
@@ -52,7 +59,9 @@ extern "C" {
 /// **Effects.** The trackers make hidden windows and enter COM on their own threads, load "sti.dll",
 /// "twain_32.dll" and the plugins, and take a look at the files of volumes that arrive. For such a
 /// volume they read "SniffDepth" and the supported formats, and **maintain the order, which can end the
-/// process** (CKestraBootInformationHandler::MaintainOrder()). They start no program.
+/// process** (CKestraBootInformationHandler::MaintainOrder()). No application is started but by the
+/// callback. One program is: with no compatible application left, the volume tracker's thread starts the
+/// legacy organiser's device-connect program, where there is one, before it ends the process.
 ///
 /// **Failures** are absorbed: a tracker that cannot start reports nothing. What went wrong stands on the
 /// debugger output.

@@ -87,6 +87,7 @@ TEST_F(LaunchCommand, EscapesNothing)
     EXPECT_EQ(IdArgument(L"a b"), L"priDevId=\"a b\"");
     EXPECT_EQ(IdArgument(L"\"a b\""), L"priDevId=\"a b\"");
     EXPECT_EQ(IdArgument(L"a\"b"), L"priDevId=\"a\"b\"");
+    EXPECT_EQ(IdArgument(L"rame grabber\""), L"priDevId=\"rame grabber\"\"");
     EXPECT_EQ(IdArgument(L"\xD800 \x5199"), L"priDevId=\"\xD800 \x5199\"");
     Kestra(kViewer, L"my mode", L"some kind \"x\"", L"E:");
     EXPECT_EQ(spawns.Calls().back().arguments.at(3), L"mode=my mode");

@@ -145,6 +145,18 @@ TEST_F(Card, WithAnOpenApplicationListIsOfferedInSelectMode)
     Quit(*boot);
 }
 
+TEST_F(Card, WithNoApplicationLeftStartsTheLegacyOrganisersProgramAndEndsTheProcess)
+{
+    const LegacyOrganiser organiser;
+    Start();
+    ASSERT_TRUE(AwaitOrders(organiser, {"-d"}));
+    app.Unregister();
+    Insert();
+    EXPECT_EQ(boot->ExitCode(), kDone);
+    EXPECT_TRUE(AwaitOrders(organiser, {"-d", "-i"}));
+    EXPECT_EQ(app.Report(), "");
+}
+
 struct VersionCase {
     const wchar_t* version;
     bool watched;
