@@ -8,17 +8,23 @@
 /// them the host finds the plugin's device source and registers a callback. From then on the plugin
 /// tells the callback of every device that arrives.
 ///
+/// A DLL that the plugin imports is looked for beside the boot executable and where Windows finds its
+/// own, never in "moxplugins". Without it the plugin is left out, and no line says so: link it in, or
+/// load it yourself by its full path.
+///
 /// ### What the host does
 ///
 /// 1. Once a minute until it succeeds it loads "nokiamanager.mox", makes and releases its source
-///    manager, shuts it down and unloads it. No other plugin is loaded before that.
+///    manager, shuts it down and unloads it. No other plugin is loaded before that. The name alone
+///    counts: neither the identifier nor the category of that plugin is looked at.
 /// 2. The scan: it loads every plugin of the folder, makes a source manager of each and asks for its
 ///    category, releases them, shuts every plugin down and unloads it. A plugin whose category is
 ///    kDeviceSourceCategory is a device source. Plugins that come later are not seen until the host
 ///    process starts again.
 /// 3. For each device source, on a thread of its own, it loads the plugin again, makes a source manager,
-///    registers a callback, and then serves the messages of a hidden window of that thread. The plugin
-///    stays loaded until the process ends.
+///    registers a callback, and then serves a hidden window of that thread. The plugin stays loaded
+///    until the process ends. What fails here is not tried again, and no line says so.
+/// 4. The process ends, and the plugin is not asked: see "The end of the process".
 ///
 /// To *load* is: FxPluginMain; Query for interface 1; GetValue, GetIdentifier, GetName; SetListEntry;
 /// both objects released. A plugin with an identifier that is listed already is released and unloaded
@@ -49,6 +55,27 @@
 /// locks: the host holds no lock of its own while it calls an operation. (A DllMain runs under the lock
 /// of Windows' loader, as everywhere: do nothing there.) The callback may stay busy for as long as the
 /// application takes that is being told. The host waits for a slow plugin; it has no time limit.
+///
+/// The thread of a source takes nothing from its message queue but WM_DEVICECHANGE for the host's own
+/// window. What is sent to a window that the plugin makes on that thread arrives; what is posted to it
+/// never does, nor does a timer's message. A plugin that needs them, or the calls that come into a
+/// single-threaded COM apartment, makes a thread of its own with a message loop.
+///
+/// ### The end of the process
+///
+/// At log-off, and wherever else the boot executable ends by itself, it calls ExitProcess: **neither
+/// UnregisterCallback nor ShutDown is called.** Windows ends all other threads where they stand,
+/// whatever lock they hold, and only then are the static objects of the plugin destroyed. A static
+/// object that owns a thread does harm there: a std::thread that nobody joined calls std::terminate,
+/// and the process ends with 3 instead of 0; a destructor that takes a lock, or waits for an answer,
+/// waits for a thread that is gone. So:
+///
+/// - The object that owns a thread is made with `new` and not deleted at the end: by nobody, as in
+///   `Plugin& plugin = *new Plugin;`, or with its last reference, which the host keeps until the end, as
+///   in samples/mox_plugin. Such memory goes with the process.
+/// - Do not detach the thread instead: it must have ended before ShutDown returns, because the library
+///   is freed then.
+/// - Store what must outlive the session when it changes. There is no last call to do it in.
 ///
 /// ### Failures
 ///
@@ -180,11 +207,22 @@ static_assert(offsetof(SourceInfo, reserved556) == 556, "");
 
 /// A device that arrived, as the plugin tells the callback. The plugin fills it; clear all of it first.
 struct DeviceRecord {
-    std::uint32_t eventCode;        ///< kDeviceArrived
-    std::uint32_t reserved4;        ///< not used
-    std::uint32_t size;             ///< kDeviceRecordSize
-    std::uint32_t reserved12;       ///< not used
-    wchar_t deviceId[kFieldLength]; ///< what the application is told, next to the kind
+    std::uint32_t eventCode;  ///< kDeviceArrived
+    std::uint32_t reserved4;  ///< not used
+    std::uint32_t size;       ///< kDeviceRecordSize
+    std::uint32_t reserved12; ///< not used
+    /// What the application is told, next to the kind: at most 259 characters and a terminating zero. It
+    /// is passed on as it stands; the host looks for nothing under it.
+    ///
+    /// | deviceKind | what an application expects |
+    /// |---|---|
+    /// | kKindVolume | the drive, "E:". The host does not look for pictures there |
+    /// | kKindCamera, kKindScanner | the device's name in Windows' own imaging services |
+    /// | any other | a name by which the application that is meant for the device finds it |
+    ///
+    /// Empty: the application is started without a device, and is not told the kind either. One that
+    /// begins with a double quote is put on the command line without further quotes.
+    wchar_t deviceId[kFieldLength];
     wchar_t text536[kFieldLength];  ///< carried, not used
     wchar_t text1056[1024];         ///< carried, not used
     wchar_t text3104[kFieldLength]; ///< carried, not used
@@ -213,6 +251,10 @@ static_assert(offsetof(DeviceRecord, reserved3652) == 3652, "");
 // ---- Interfaces that both sides have
 
 /// The base of every object.
+///
+/// An object with two of the interfaces below has two tables, and each begins with these operations.
+/// Hand out either where an IFxBase is asked for (FxPluginMain, interface 0): the host calls Query and
+/// Release there and nothing else. Both tables answer alike and count the same references.
 class IFxBase
 {
 public:
@@ -246,6 +288,9 @@ class ICallbackInterface : public IFxBase
 public:
     /// 3: tells of a device. Any thread; calls to one callback are taken one after the other, and the
     /// call returns when the application has been told. Nothing is thrown.
+    ///
+    /// Each call is a report: one device told of twice starts the application twice. Tell once for each
+    /// arrival.
     ///
     /// @param[in] unused not looked at
     /// @param[in] record the plugin's; copied before the call returns
@@ -290,7 +335,8 @@ public:
     /// @param[in] entry the host's; not to be written; valid until ShutDown returns
     /// @return not read
     virtual Status SetListEntry(const PluginDescriptor* entry) = 0;
-    /// 7: the library is about to be freed. End every thread of the plugin before you return.
+    /// 7: the library is about to be freed. End every thread of the plugin before you return. Not called
+    /// when the process ends.
     ///
     /// @return not read
     virtual Status ShutDown() = 0;
@@ -318,11 +364,21 @@ public:
     /// 6: from now on the plugin tells `callback` of every device that arrives, and at once, if it
     /// likes, of those that are there already.
     ///
+    /// Asked once: after a failure the source is not tracked until the host process starts again, and
+    /// no line says so. Where devices or a service are not ready yet, answer kSuccess and tell of
+    /// devices when they come.
+    ///
     /// @param[in] callback lent for the call; add a reference to keep it
     /// @return after a failure the source is not tracked
     virtual Status RegisterCallback(ICallbackInterface* callback) = 0;
-    /// 7: ends that. Release the reference; no call of the callback may begin after this returns, unless
-    /// the plugin still owns a reference.
+    /// 7: ends that, in a process that goes on, such as where no window can be made for the source. Not
+    /// called when the process ends. Two rules:
+    ///
+    /// - **Stop.** After this returns the plugin begins no call of the callback. End the threads that
+    ///   tell, and wait for them: the host holds no lock here that a call could wait for.
+    /// - **Give back.** Release the reference that RegisterCallback added, after the last call has
+    ///   returned. A thread that cannot be waited for needs a reference of its own, which it releases
+    ///   after its last call; until then that call is safe, and still reported.
     ///
     /// @param[in] callback the one that was registered
     /// @return kSuccess, or what went wrong

@@ -71,6 +71,14 @@ TEST_F(Callback, ReportsAMobileDeviceOnlyWhenItIsReady)
     EXPECT_EQ(reports.All(), (std::vector<DeviceReport>{{L"mobile", L"phone"}}));
 }
 
+TEST_F(Callback, ReportsADeviceAgainEachTimeItIsToldOf)
+{
+    for (int told = 0; told < 3; ++told) {
+        EXPECT_EQ(Notify(Record(1, 0, L"camera")), mox::kSuccess);
+    }
+    EXPECT_EQ(reports.All(), std::vector<DeviceReport>(3, {L"camera", L"camera"}));
+}
+
 TEST_F(Callback, IgnoresOtherSizesAndOtherEvents)
 {
     for (const std::uint32_t size : {0U, 3652U, 3655U, 3660U, 0xFFFFFFFFU}) {

@@ -116,6 +116,16 @@ TEST_F(Host, ScansOnceShutsEverythingDownAndStartsATrackerForEachSource)
     EXPECT_EQ(tests::CountTrackerWindows(), 2);
 }
 
+TEST_F(Host, TakesAnyPluginOfThatNameForThePhoneManager)
+{
+    folder.Add(kPhoneManager, {.category = 2}); // its identifier is the test plugin's own
+    folder.Add(L"alpha");
+    Run();
+    EXPECT_TRUE(trace.Await(Detecting(L"alpha")));
+    EXPECT_EQ(folder.Count(kPhoneManager, Operation::Register), 0);
+    EXPECT_EQ(trace.Lines(), std::vector<std::wstring>{Detecting(L"alpha")});
+}
+
 TEST_F(Host, DoesNotPickUpAPluginThatComesAfterTheScan)
 {
     folder.Add(kPhoneManager);

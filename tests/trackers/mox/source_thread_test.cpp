@@ -1,0 +1,153 @@
+// What a plugin may expect of the thread of its source, and of the thread that it tells from.
+#include "tests/support/import_patch.h"
+#include "tests/trackers/mox/awaited_trace.h"
+#include "tests/trackers/mox/device_reports.h"
+#include "tests/trackers/mox/plugin_folder.h"
+#include "tests/trackers/mox/signal.h"
+#include "trackers/mox/source_tracker.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+#include <dbt.h>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace kestraboot
+{
+namespace
+{
+
+using tests::Behaviour;
+using tests::DeviceReport;
+
+constexpr UINT kPosted = WM_APP;
+constexpr UINT kSent = WM_APP + 1;
+constexpr UINT kTimerPeriod = USER_TIMER_MINIMUM;
+
+/// A window that a plugin makes on the thread of its source. It keeps what of the test's messages came.
+class PluginWindow
+{
+public:
+    PluginWindow() = default;
+    PluginWindow(const PluginWindow&) = delete;
+    PluginWindow& operator=(const PluginWindow&) = delete;
+
+    /// On the thread that is to own it.
+    void Make()
+    {
+        window = ::CreateWindowExW(0, L"STATIC", L"a plugin's", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
+                                   nullptr, nullptr);
+        ::SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+        ::SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Procedure));
+        ::SetTimer(window, 1, kTimerPeriod, nullptr);
+    }
+    [[nodiscard]] HWND Handle() const { return window; }
+
+    [[nodiscard]] std::vector<UINT> Came() const
+    {
+        const std::lock_guard lock(mutex);
+        return came;
+    }
+
+private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+    {
+        if (message == kPosted || message == kSent || message == WM_TIMER ||
+            message == WM_DEVICECHANGE) {
+            auto& self = *reinterpret_cast<PluginWindow*>(::GetWindowLongPtrW(window, GWLP_USERDATA));
+            const std::lock_guard lock(self.mutex);
+            self.came.push_back(message);
+        }
+        return ::DefWindowProcW(window, message, wParam, lParam);
+    }
+
+    HWND window = nullptr;
+    mutable std::mutex mutex;
+    std::vector<UINT> came;
+};
+
+/// Returns when a timer of twice that period has run out on this thread.
+void OutlastATimer(UINT period)
+{
+    const UINT_PTR timer = ::SetTimer(nullptr, 0, 2 * period, nullptr);
+    MSG message = {};
+    ::GetMessageW(&message, nullptr, WM_TIMER, WM_TIMER);
+    ::KillTimer(nullptr, timer);
+}
+
+class SourceThread : public testing::Test
+{
+protected:
+    /// Starts the tracker of a plugin and returns when it listens.
+    void Track(Behaviour behaviour)
+    {
+        static constexpr mox::Identifier kIdentifier = {1, 2, 3, {4}};
+        behaviour.identifier = &kIdentifier;
+        const mox::PluginDescriptor plugin = folder.Add(L"alpha", std::move(behaviour));
+        StartSourceTracker({L"alpha", kIdentifier, 0, plugin.modulePath});
+        ASSERT_TRUE(trace.Await(L"<***DeviceConnect***><alpha><Devices will be detected.>"));
+    }
+
+    PluginWindow window;
+    tests::DeviceReports reports;
+    tests::AwaitedTrace trace;
+    tests::PluginFolder folder;
+};
+
+TEST_F(SourceThread, AnswersWhatIsSentToAPluginsWindowAndLeavesWhatIsPosted)
+{
+    const tests::Signal servedOwnWindow;
+    const FAKE_IMPORT(DispatchMessageW) dispatch([&](const MSG* message) {
+        const LRESULT answer = dispatch.CallOriginal(message);
+        if (message->message == WM_DEVICECHANGE && message->wParam == DBT_DEVNODES_CHANGED) {
+            servedOwnWindow.Set();
+        }
+        return answer;
+    });
+    Behaviour behaviour;
+    behaviour.onRegister = [&](mox::ICallbackInterface*) {
+        window.Make();
+    };
+    Track(behaviour);
+    ASSERT_NE(window.Handle(), nullptr);
+    EXPECT_TRUE(::PostMessageW(window.Handle(), kPosted, 0, 0));
+    EXPECT_TRUE(::PostMessageW(window.Handle(), WM_DEVICECHANGE, 0, 0));
+    OutlastATimer(kTimerPeriod);
+    DWORD_PTR answer = 0;
+    for (const UINT message : {kSent, UINT{WM_DEVICECHANGE}}) {
+        EXPECT_NE(::SendMessageTimeoutW(window.Handle(), message, 0, 0, SMTO_BLOCK, 20000, &answer), 0);
+    }
+    // What was posted before this one would have come before it.
+    ::PostMessageW(::FindWindowW(L"STATIC", L"MOXTrackerWindow"), WM_DEVICECHANGE, DBT_DEVNODES_CHANGED,
+                   0);
+    servedOwnWindow.Wait();
+    EXPECT_EQ(window.Came(), (std::vector<UINT>{kSent, WM_DEVICECHANGE}));
+}
+
+TEST_F(SourceThread, OfAReportIsTheOneThatThePluginToldFrom)
+{
+    mox::ICallbackInterface* callback = nullptr;
+    Behaviour behaviour;
+    behaviour.onRegister = [&](mox::ICallbackInterface* given) {
+        callback = given;
+    };
+    Track(behaviour);
+    DWORD reportedOn = 0;
+    reports.during = [&](const DeviceReport&) {
+        reportedOn = ::GetCurrentThreadId();
+    };
+    DWORD toldOn = 0;
+    std::thread([&] {
+        toldOn = ::GetCurrentThreadId();
+        mox::DeviceRecord record = {};
+        record.size = mox::kDeviceRecordSize;
+        EXPECT_EQ(callback->Notify(0, &record), mox::kSuccess);
+    }).join();
+    EXPECT_NE(toldOn, 0U);
+    EXPECT_EQ(reportedOn, toldOn);
+}
+
+} // namespace
+} // namespace kestraboot
