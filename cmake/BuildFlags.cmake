@@ -17,7 +17,8 @@ else()
     # GCC 12 sees overlaps in the concatenation of strings that are none (GCC bug 105329).
     target_compile_options(kestraboot_flags INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
     target_link_options(kestraboot_flags INTERFACE
-        -Wl,--dynamicbase,--nxcompat,--high-entropy-va -Wl,--fatal-warnings)
+        -Wl,--dynamicbase,--nxcompat,--high-entropy-va -Wl,--fatal-warnings
+        -Wl,--no-insert-timestamp) # the same sources give the same bytes
 endif()
 
 # GCC for posix threads adds this library by itself. For each target: the tests' libraries need it after them.
