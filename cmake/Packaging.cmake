@@ -20,8 +20,9 @@ foreach(dll IN LISTS KESTRABOOT_RUNTIME_DLLS)
     cmake_path(GET dll FILENAME name)
     list(APPEND KESTRABOOT_RUNTIME_NAMES ${name})
     install(CODE "
-        if(CMAKE_INSTALL_DO_STRIP)
-            execute_process(COMMAND \"${CMAKE_STRIP}\"
+        set(strip \"${KESTRABOOT_SYMBOLS}\")
+        if(strip OR CMAKE_INSTALL_DO_STRIP)
+            execute_process(COMMAND \"${CMAKE_STRIP}\" -p
                 \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/${name}\"
                 COMMAND_ERROR_IS_FATAL ANY)
         endif()")
@@ -29,17 +30,15 @@ endforeach()
 list(JOIN KESTRABOOT_RUNTIME_NAMES " " KESTRABOOT_RUNTIME_NAMES)
 
 # ---- To build against
-install(DIRECTORY include/kestraboot ${PROJECT_BINARY_DIR}/generated/include/kestraboot
+install(DIRECTORY include/kestraboot ${KESTRABOOT_GENERATED}/include/kestraboot
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/kestraboot)
 install(EXPORT kestrabootTargets NAMESPACE kestraboot:: DESTINATION ${package_folder})
 # The variable of CMake that is true for the compilers whose hosts understand this library.
 if(MSVC)
     set(KESTRABOOT_COMPILER_FAMILY MSVC)
-    set(KESTRABOOT_RUNTIME "Visual C++ runtime as DLL")
 else()
     set(KESTRABOOT_COMPILER_FAMILY MINGW)
-    set(KESTRABOOT_RUNTIME "MinGW-w64, 64-bit, posix threads, libstdc++ as DLL, ${KESTRABOOT_C_RUNTIME}")
 endif()
 foreach(name IN ITEMS kestrabootConfig kestrabootHostRuntime)
     configure_package_config_file(cmake/${name}.cmake.in ${PROJECT_BINARY_DIR}/${name}.cmake
@@ -64,8 +63,7 @@ install(TARGETS viewer sample_plugin
 install(FILES README.md CONTRIBUTING.md DESTINATION .)
 install(FILES CHANGELOG.md DESTINATION . OPTIONAL)
 install(DIRECTORY docs DESTINATION .)
-configure_file(cmake/VERSION.txt.in ${PROJECT_BINARY_DIR}/VERSION.txt @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/VERSION.txt DESTINATION .)
+install(FILES ${KESTRABOOT_VERSION_PAGE} DESTINATION .)
 # On what terms the runtime may be passed on. Debian keeps the texts with the packages it comes from.
 function(kestraboot_install_terms name package)
     set(text /usr/share/doc/${package}/copyright)
@@ -84,15 +82,42 @@ if(MINGW)
     endif()
 endif()
 
-# ---- The archive
-set(CPACK_GENERATOR ZIP)
-set(CPACK_PACKAGE_VENDOR Corvane)
-set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+# ---- Signatures and the list of what is delivered, once every file is in its place
+set(KESTRABOOT_SIGN_COMMAND "" CACHE STRING
+    "A command that signs the file whose path it gets: each of our binaries in place, each archive beside it. \
+The environment variable of the same name goes before it")
+find_package(Python3 REQUIRED COMPONENTS Interpreter)
 set(CPACK_PACKAGE_FILE_NAME kestraboot-${PROJECT_VERSION}-win64)
 if(MINGW AND KESTRABOOT_UCRT)
     string(APPEND CPACK_PACKAGE_FILE_NAME -ucrt)
 endif()
+list(JOIN KESTRABOOT_RUNTIME_DLLS " " KESTRABOOT_RUNTIME_DLLS_TO_LIST)
+configure_file(cmake/finish_install.cmake.in ${KESTRABOOT_GENERATED}/finish_install.cmake @ONLY)
+install(CODE "include(\"${KESTRABOOT_GENERATED}/finish_install.cmake\")")
+
+# ---- The debug information of our binaries, in an archive of its own; an installation leaves it out
+if(KESTRABOOT_SYMBOLS)
+    install(DIRECTORY ${KESTRABOOT_SYMBOLS_FOLDER}/ DESTINATION . COMPONENT symbols EXCLUDE_FROM_ALL)
+    install(FILES ${KESTRABOOT_VERSION_PAGE} DESTINATION . COMPONENT symbols EXCLUDE_FROM_ALL)
+endif()
+
+# ---- The archives
+set(CPACK_GENERATOR ZIP)
+set(CPACK_PACKAGE_VENDOR Corvane)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_CHECKSUM SHA256)
-set(CPACK_STRIP_FILES ON)
+set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENT_INCLUDE_TOPLEVEL_DIRECTORY ON)
+set(CPACK_COMPONENTS_GROUPING IGNORE) # an archive for each
+set(CPACK_COMPONENTS_ALL Unspecified)
+set(CPACK_ARCHIVE_UNSPECIFIED_FILE_NAME ${CPACK_PACKAGE_FILE_NAME})
+if(KESTRABOOT_SYMBOLS)
+    list(APPEND CPACK_COMPONENTS_ALL symbols)
+    set(CPACK_ARCHIVE_SYMBOLS_FILE_NAME ${CPACK_PACKAGE_FILE_NAME}-symbols)
+else()
+    set(CPACK_STRIP_FILES ON)
+endif()
+set(CPACK_POST_BUILD_SCRIPTS ${KESTRABOOT_GENERATED}/finish_archives.cmake)
+configure_file(cmake/finish_archives.cmake.in ${KESTRABOOT_GENERATED}/finish_archives.cmake @ONLY)
 set(CPACK_VERBATIM_VARIABLES ON)
 include(CPack)

@@ -40,3 +40,8 @@ else()
 endif()
 configure_file(${CMAKE_CURRENT_LIST_DIR}/c_runtime.h.in
     ${PROJECT_BINARY_DIR}/generated/include/kestraboot/c_runtime.h @ONLY)
+if(MSVC)
+    set(KESTRABOOT_RUNTIME "Visual C++ runtime as DLL")
+else()
+    set(KESTRABOOT_RUNTIME "MinGW-w64, 64-bit, posix threads, libstdc++ as DLL, ${KESTRABOOT_C_RUNTIME}")
+endif()

@@ -25,6 +25,7 @@ function(kestraboot_add_version target file_name description)
     configure_file(${CMAKE_CURRENT_FUNCTION_LIST_DIR}/version.rc.in ${resource} @ONLY)
     target_sources(${target} PRIVATE ${resource})
     set_property(SOURCE ${resource} TARGET_DIRECTORY ${target} APPEND PROPERTY OBJECT_DEPENDS
-        ${KESTRABOOT_INCLUDE_FOLDER}/kestraboot/version.h)
+        ${KESTRABOOT_INCLUDE_FOLDER}/kestraboot/version.h ${KESTRABOOT_BUILD_HEADER})
     target_include_directories(${target} PRIVATE ${KESTRABOOT_INCLUDE_FOLDER})
+    kestraboot_use_build(${target})
 endfunction()

@@ -15,13 +15,14 @@ quietly() { "$@" >"$log" 2>&1 </dev/null || { cat "$log"; echo "failed: $*"; exi
 
 # ---- The archive
 quietly cpack --config "$build/CPackConfig.cmake" -B "$work/packed"
-archives=("$work"/packed/*.zip)
+mapfile -t archives < <(find "$work/packed" -maxdepth 1 -name '*.zip' ! -name '*-symbols.zip')
 config=$(sed -n 's/^CMAKE_BUILD_TYPE:STRING=//p' "$build/CMakeCache.txt")
 "$source/scripts/checks/package.py" "${archives[0]}" "$source/tests/package/listing.txt" "$source" "$build" \
     "$config" "$@"
 (cd "$work" && cmake -E tar xf "${archives[0]}")
 unpacked=$work/$(basename "${archives[0]}" .zip)
 "$source/scripts/checks/links.py" "$unpacked"
+"$source/scripts/checks/bill_of_materials.py" "$unpacked"
 
 # ---- The maker's project, in both build types, and the samples, from the archive alone
 cp -r "$source/tests/package/integrator" "$work/integrator"

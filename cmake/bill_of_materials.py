@@ -1,0 +1,130 @@
+#!/usr/bin/env python3
+"""Writes the bill of materials of an installation as SPDX 2.3, in JSON: each binary with its checksums, and the
+packages that they come from, with version, licence and the place of their sources.
+
+    bill_of_materials.py FOLDER NAME VERSION COMMIT SECONDS-SINCE-1970 DLL ...
+
+FOLDER is the installation; DLL is where the build found each DLL of the runtime: Debian knows the package of that file.
+"""
+import datetime
+import hashlib
+import json
+import pathlib
+import re
+import subprocess
+import sys
+
+folder, name, version, commit, seconds, *dlls = sys.argv[1:]
+root = pathlib.Path(folder)
+
+GCC_LICENCE = "GPL-3.0-or-later WITH GCC-exception-3.1"
+THREADS_LICENCE = "MIT AND BSD-3-Clause"
+RUNTIME = {  # DLL: what it is, its licence
+    "libstdc++-6.dll": ("libstdc++", GCC_LICENCE),
+    "libgcc_s_seh-1.dll": ("libgcc", GCC_LICENCE),
+    "libwinpthread-1.dll": ("winpthreads", THREADS_LICENCE),
+}
+LIST = "sbom.spdx.json"
+UNKNOWN = "NOASSERTION"  # the standard's word for what is not claimed
+
+
+def dpkg_query(*arguments):
+    return subprocess.run(["dpkg-query", *arguments], check=True, capture_output=True, text=True).stdout
+
+
+def debian(path):
+    """Package, version and the place of the sources of an installed file; unknown where the system is another."""
+    try:
+        package = dpkg_query("-S", str(pathlib.Path(path).resolve())).partition(":")[0]
+        packaged, source, source_version, built_using = dpkg_query(
+            "-W", "-f", "${Version}\t${source:Package}\t${source:Version}\t${Built-Using}", package).split("\t")
+    except (OSError, subprocess.CalledProcessError):
+        return UNKNOWN, UNKNOWN, UNKNOWN
+    # Debian's cross compiler is built from the sources of another package, GCC's own.
+    other = re.match(r"(\S+) \(= (\S+)\)", built_using)
+    if other:
+        source, source_version = other.groups()
+    return package, packaged, f"https://snapshot.debian.org/package/{source}/{source_version}/"
+
+
+def identifier(kind, text):
+    return f"SPDXRef-{kind}-" + re.sub(r"[^A-Za-z0-9.]+", "-", text).strip("-")
+
+
+files, sha1s, relationships = [], [], []
+for path in sorted(found for found in root.rglob("*") if found.is_file() and found.name != LIST):
+    content = path.read_bytes()
+    sha1 = hashlib.sha1(content).hexdigest()
+    inside = path.relative_to(root).as_posix()
+    licence = RUNTIME[path.name][1] if path.name in RUNTIME else UNKNOWN
+    files.append({
+        "SPDXID": identifier("File", inside),
+        "fileName": f"./{inside}",
+        "fileTypes": ["BINARY" if inside.startswith(("bin/", "lib/lib")) else "TEXT"],
+        "checksums": [{"algorithm": "SHA1", "checksumValue": sha1},
+                      {"algorithm": "SHA256", "checksumValue": hashlib.sha256(content).hexdigest()}],
+        "licenseConcluded": licence,
+        "licenseInfoInFiles": [UNKNOWN],
+        "copyrightText": UNKNOWN,
+    })
+    sha1s.append(sha1)
+    relationships.append(("SPDXRef-Package", "CONTAINS", files[-1]["SPDXID"]))
+
+packages = [{
+    "SPDXID": "SPDXRef-Package",
+    "name": "kestraboot",
+    "versionInfo": version,
+    "packageFileName": f"{name}.zip",
+    "supplier": "Organization: Corvane",
+    "downloadLocation": UNKNOWN,
+    "filesAnalyzed": True,
+    "packageVerificationCode": {
+        "packageVerificationCodeValue": hashlib.sha1("".join(sorted(sha1s)).encode()).hexdigest(),
+        "packageVerificationCodeExcludedFiles": [f"./{LIST}"],
+    },
+    "licenseInfoFromFiles": [UNKNOWN],
+    "sourceInfo": f"commit {commit}",
+    "licenseConcluded": UNKNOWN,
+    "licenseDeclared": UNKNOWN,
+    "copyrightText": UNKNOWN,
+}]
+for path in dlls:
+    dll = pathlib.Path(path).name
+    title, licence = RUNTIME[dll]
+    package, packaged, source = debian(path)
+    packages.append({
+        "SPDXID": identifier("Package", title),
+        "name": title,
+        "versionInfo": packaged,
+        "supplier": "Organization: Debian",
+        "downloadLocation": source,
+        "filesAnalyzed": False,
+        "sourceInfo": f"Debian's package {package}",
+        "licenseConcluded": licence,
+        "licenseDeclared": licence,
+        "copyrightText": UNKNOWN,
+    })
+    relationships.append((identifier("File", f"bin/{dll}"), "GENERATED_FROM", packages[-1]["SPDXID"]))
+    relationships.append(("SPDXRef-Package", "DEPENDS_ON", packages[-1]["SPDXID"]))
+
+moment = datetime.datetime.fromtimestamp(int(seconds), datetime.timezone.utc)
+contents = hashlib.sha256("".join(sorted(sha1s)).encode()).hexdigest()
+document = {
+    "spdxVersion": "SPDX-2.3",
+    "dataLicense": "CC0-1.0",
+    "SPDXID": "SPDXRef-DOCUMENT",
+    "name": name,
+    # Nothing is at that address: it tells this list from that of other contents.
+    "documentNamespace": f"https://corvane.invalid/{name}/{contents}",
+    "creationInfo": {
+        "created": moment.strftime("%Y-%m-%dT%H:%M:%SZ"),
+        "creators": ["Organization: Corvane", f"Tool: kestraboot-build-{version}"],
+    },
+    "packages": packages,
+    "files": files,
+    "relationships": [
+        {"spdxElementId": one, "relationshipType": kind, "relatedSpdxElement": other}
+        for one, kind, other in [("SPDXRef-DOCUMENT", "DESCRIBES", "SPDXRef-Package"), *relationships]
+    ],
+}
+(root / LIST).write_text(json.dumps(document, indent=2) + "\n")
