@@ -9,7 +9,7 @@ function(kestraboot_add_debug_information target)
     if(KESTRABOOT_SYMBOLS)
         # Paths as in a folder of no name, so that the same sources give the same bytes wherever they are built.
         target_compile_options(${target} PRIVATE -g
-            -ffile-prefix-map=${PROJECT_BINARY_DIR}=build -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
+            -ffile-prefix-map=${kestraboot_BINARY_DIR}=build -ffile-prefix-map=${kestraboot_SOURCE_DIR}=.)
     endif()
 endfunction()
 
