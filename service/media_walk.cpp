@@ -6,6 +6,7 @@
 
 #include <cwchar>
 #include <deque>
+#include <string_view>
 #include <utility>
 
 namespace kestraboot
@@ -38,11 +39,20 @@ bool IsSupported(const wchar_t* fileName, const ExtensionSet& extensions) noexce
     return extension != nullptr && extensions.Contains(extension);
 }
 
+/// In one piece of memory: how many operator+ takes differs from library to library.
+std::wstring PathIn(std::wstring_view folder, std::wstring_view name)
+{
+    std::wstring path;
+    path.reserve(folder.size() + 1 + name.size());
+    path.append(folder).append(1, L'\\').append(name);
+    return path;
+}
+
 Listing ListFolder(const SearchEntry& current, const ExtensionSet& extensions,
                    std::deque<SearchEntry>& pending)
 {
     WIN32_FIND_DATAW entry = {};
-    const UniqueFindHandle listing(::FindFirstFileW((current.folder + L"\\*").c_str(), &entry));
+    const UniqueFindHandle listing(::FindFirstFileW(PathIn(current.folder, L"*").c_str(), &entry));
     if (!listing) {
         static_cast<void>(::FindClose(listing.get())); // refused, and kept: the owner leaves it alone
         return Listing::CannotList;
@@ -53,7 +63,7 @@ Listing ListFolder(const SearchEntry& current, const ExtensionSet& extensions,
         }
         if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
             // Queued and traced even where it lies too deep to be listed.
-            std::wstring folder = current.folder + L'\\' + entry.cFileName;
+            std::wstring folder = PathIn(current.folder, entry.cFileName);
             TraceEntry(current.level, L"FOLDER", folder.c_str());
             pending.push_back({std::move(folder), current.level + 1});
             continue;
