@@ -3,11 +3,13 @@
 
 # wine_in FOLDER COMMAND ...: a command whose Wine programs run in that prefix, without a display, a debugger on a
 # crash and add-ons, and without Wine's own messages. A twain_32.dll beside a program goes before Wine's, as on Windows.
+# Without a locale, as on a bare system, Wine could name no file beyond ASCII.
 wine_in() {
-    local folder=$1
+    local folder=$1 locale=()
     shift
+    [ "$(locale charmap 2>/dev/null)" = UTF-8 ] || locale=(LC_ALL=C.UTF-8)
     env -u DISPLAY -u WAYLAND_DISPLAY WINEPREFIX="$folder" WINEARCH=win64 WINEDEBUG="${WINEDEBUG:--all}" \
-        WINEDLLOVERRIDES='winedbg.exe=d;mscoree=d;mshtml=d;twain_32=n,b' "$@"
+        WINEDLLOVERRIDES='winedbg.exe=d;mscoree=d;mshtml=d;twain_32=n,b' "${locale[@]}" "$@"
 }
 
 # wine_prefix_mark FOLDER: by this file a folder is known as one that may be removed again.

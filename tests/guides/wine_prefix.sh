@@ -13,6 +13,7 @@ for program in wine wineserver; do
     cat >bin/$program <<'STAND_IN'
 #!/usr/bin/env bash
 echo "$WINEPREFIX ${DISPLAY-none} $WINEARCH $WINEDLLOVERRIDES: $*" >>"$WINE_CALLS"
+locale charmap >>"$WINE_CALLS.locale"
 case "$*" in wineboot*) touch "$WINEPREFIX/system.reg" && exit "${WINEBOOT_ENDS_WITH:-0}" ;; esac
 STAND_IN
     chmod +x bin/$program
@@ -46,6 +47,13 @@ for folder in fresh empty; do
 done
 ! WINEBOOT_ENDS_WITH=1 wine_prefix_make broken || fail "a failed start of Wine is not seen"
 wine_prefix_make broken || fail "what an interrupted run left is in the way"
+
+# ---- On a bare system, too, files have names beyond ASCII; a locale that can name them stays the reader's
+for spoken in C POSIX C.UTF-8; do
+    rm calls.locale
+    LC_ALL=$spoken wine_in fresh wine program.exe || fail "no program in the locale $spoken"
+    [ "$(cat calls.locale)" = UTF-8 ] || fail "in the locale $spoken Wine cannot name each file"
+done
 
 # ---- A copy is one of ours
 wine_prefix_copy fresh copy
