@@ -15,7 +15,7 @@ namespace
 {
 
 struct GlobalMemoryDeleter {
-    void operator()(wchar_t** memory) const noexcept { ::GlobalFree(memory); }
+    void operator()(wchar_t** memory) const noexcept { ::GlobalFree(static_cast<void*>(memory)); }
 };
 
 std::vector<std::wstring> RecognisedWords(const wchar_t* const* words, int count)
