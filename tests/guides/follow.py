@@ -9,6 +9,8 @@ looks for the output that it shows.
     ```text output        lines that the commands before print, in this order
     any other block       for the reader alone
 
+The guides name the compiler of the archive for msvcrt. KESTRABOOT_COMPILER in the environment takes its place.
+
 usage: follow.py GUIDE SOURCES BUILD PRISTINE-PREFIX SECONDS [PACKAGE]
 With an unpacked package it lies at ~/kestraboot, and the blocks that need the sources are left out.
 """
@@ -21,6 +23,7 @@ import subprocess
 import sys
 
 BLOCK = re.compile(r"^```(\w+)([^\n]*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
+COMPILER = "x86_64-w64-mingw32-g++-posix"
 ENDED = "== end of block"
 
 
@@ -58,7 +61,8 @@ def main() -> int:
     home = build / "guides" / (guide.stem + ("-from-the-package" if package else ""))
     shutil.rmtree(home, ignore_errors=True)
     home.mkdir(parents=True)
-    script, shown = script_of(guide.read_text(encoding="utf-8"), home, pristine, package is None)
+    text = guide.read_text(encoding="utf-8").replace(COMPILER, os.environ.get("KESTRABOOT_COMPILER", COMPILER))
+    script, shown = script_of(text, home, pristine, package is None)
     (home / "guide.sh").write_text(script, encoding="utf-8")
 
     environment = os.environ | {"HOME": str(home), "CXXFLAGS": "-Wall -Wextra -Wpedantic -Werror"}

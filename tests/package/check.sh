@@ -24,12 +24,16 @@ unpacked=$work/$(basename "${archives[0]}" .zip)
 "$source/scripts/checks/links.py" "$unpacked"
 "$source/scripts/checks/bill_of_materials.py" "$unpacked"
 
+# The maker's own toolchain, for the C runtime of the archive.
+toolchain=mingw
+! grep -q 'KESTRABOOT_FOR_UCRT 1' "$unpacked/include/kestraboot/c_runtime.h" || toolchain=ucrt
+
 # ---- The maker's project, in both build types, and the samples, from the archive alone
 cp -r "$source/tests/package/integrator" "$work/integrator"
 cp -r "$unpacked/samples" "$work/samples"
 for project in integrator samples; do
     quietly cmake -S "$work/$project" -B "$work/$project-build" -G "Ninja Multi-Config" \
-        -DCMAKE_CONFIGURATION_TYPES="Debug;Release" -DCMAKE_TOOLCHAIN_FILE="$work/integrator/mingw.cmake" \
+        -DCMAKE_CONFIGURATION_TYPES="Debug;Release" -DCMAKE_TOOLCHAIN_FILE="$work/integrator/$toolchain.cmake" \
         -Dkestraboot_DIR="$unpacked/lib/cmake/kestraboot"
 done
 quietly cmake --build "$work/samples-build" --config Release
