@@ -1,26 +1,154 @@
 #include "foundation/error_mode.h"
+#include "tests/support/import_patch.h"
 
 #include <gtest/gtest.h>
+
+#include <future>
+#include <optional>
+#include <thread>
+#include <vector>
 
 namespace kestraboot
 {
 namespace
 {
 
-TEST(ErrorMode, IsInForceWithinTheScopeAndRestoredBehindIt)
+constexpr UINT kOfTheHost = SEM_NOGPFAULTERRORBOX;
+constexpr UINT kOfAWalk = SEM_FAILCRITICALERRORS;                          // 1
+constexpr UINT kOfALoad = SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX; // 0x8001
+
+/// A thread that enters a scope when it is told to, and leaves it when it is told to.
+class OtherThread
 {
-    const UINT outside = ::SetErrorMode(SEM_NOOPENFILEERRORBOX);
+public:
+    explicit OtherThread(UINT mode)
+        : thread([this, mode] {
+              toEnter.get_future().wait();
+              std::optional<ErrorModeScope> scope(mode);
+              entered.set_value();
+              toLeave.get_future().wait();
+              scope.reset();
+              left.set_value();
+          })
     {
-        const ErrorModeScope outer(SEM_FAILCRITICALERRORS);
-        EXPECT_EQ(::GetErrorMode(), static_cast<UINT>(SEM_FAILCRITICALERRORS));
-        {
-            const ErrorModeScope inner(SEM_NOGPFAULTERRORBOX);
-            EXPECT_EQ(::GetErrorMode(), static_cast<UINT>(SEM_NOGPFAULTERRORBOX));
-        }
-        EXPECT_EQ(::GetErrorMode(), static_cast<UINT>(SEM_FAILCRITICALERRORS));
+    }
+
+    void Enter()
+    {
+        toEnter.set_value();
+        entered.get_future().wait();
+    }
+
+    void Leave()
+    {
+        toLeave.set_value();
+        left.get_future().wait();
+    }
+
+    ~OtherThread() { thread.join(); }
+
+private:
+    std::promise<void> toEnter;
+    std::promise<void> entered;
+    std::promise<void> toLeave;
+    std::promise<void> left;
+    std::thread thread;
+};
+
+class ErrorMode : public testing::Test
+{
+protected:
+    ErrorMode() : modeOfTheTest(::SetErrorMode(kOfTheHost)) {}
+    ~ErrorMode() override { ::SetErrorMode(modeOfTheTest); }
+
+private:
+    UINT modeOfTheTest;
+};
+
+TEST_F(ErrorMode, IsInForceWithinTheScopeAndRestoredBehindIt)
+{
+    {
+        const ErrorModeScope scope(kOfAWalk);
+        EXPECT_EQ(::GetErrorMode(), kOfAWalk) << "the mode before is not part of it";
+    }
+    EXPECT_EQ(::GetErrorMode(), kOfTheHost);
+}
+
+TEST_F(ErrorMode, OfNestedScopesIsSetAndRestoredStepByStep)
+{
+    std::vector<UINT> set;
+    const FAKE_IMPORT(SetErrorMode) sets([&](UINT mode) {
+        set.push_back(mode);
+        return sets.CallOriginal(mode);
+    });
+    {
+        const ErrorModeScope outer(kOfAWalk);
+        const ErrorModeScope inner(kOfALoad);
+    }
+    EXPECT_EQ(set, (std::vector<UINT>{1, 0x8001, 1, kOfTheHost}));
+    set.clear();
+    {
+        const ErrorModeScope outer(kOfAWalk);
+        const ErrorModeScope inner(kOfAWalk);
+    }
+    EXPECT_EQ(set, (std::vector<UINT>{1, 1, 1, kOfTheHost}));
+}
+
+TEST_F(ErrorMode, IsRestoredByTheLastOfTwoThreads)
+{
+    OtherThread walk(kOfAWalk);
+    OtherThread load(kOfALoad);
+    walk.Enter();
+    EXPECT_EQ(::GetErrorMode(), kOfAWalk);
+    load.Enter();
+    EXPECT_EQ(::GetErrorMode(), kOfALoad);
+    walk.Leave();
+    EXPECT_EQ(::GetErrorMode(), kOfALoad) << "boxes are allowed in the middle of a load";
+    load.Leave();
+    EXPECT_EQ(::GetErrorMode(), kOfTheHost) << "a mode of the library's own stays for good";
+}
+
+TEST_F(ErrorMode, OfAWalkOutlivesTheLoadThatBeganBeforeIt)
+{
+    OtherThread load(kOfALoad);
+    OtherThread walk(kOfAWalk);
+    load.Enter();
+    walk.Enter();
+    EXPECT_EQ(::GetErrorMode(), kOfALoad) << "a load that goes on needs both flags";
+    load.Leave();
+    EXPECT_EQ(::GetErrorMode(), kOfAWalk) << "boxes are allowed in the middle of a walk";
+    walk.Leave();
+    EXPECT_EQ(::GetErrorMode(), kOfTheHost);
+}
+
+TEST_F(ErrorMode, IsTakenAnewByTheFirstScopeAfterTheLast)
+{
+    {
+        const ErrorModeScope scope(kOfAWalk);
+    }
+    ::SetErrorMode(SEM_NOOPENFILEERRORBOX); // the host changes its mind
+    {
+        const ErrorModeScope scope(kOfALoad);
     }
     EXPECT_EQ(::GetErrorMode(), static_cast<UINT>(SEM_NOOPENFILEERRORBOX));
-    ::SetErrorMode(outside);
+}
+
+TEST_F(ErrorMode, OfManyThreadsIsNeverWithoutTheirFlags)
+{
+    constexpr int kScopes = 2'000;
+    std::vector<std::thread> threads;
+    for (const UINT mode : {kOfAWalk, kOfALoad, kOfAWalk, kOfALoad}) {
+        threads.emplace_back([mode] {
+            for (int i = 0; i < kScopes; ++i) {
+                const ErrorModeScope scope(mode);
+                EXPECT_EQ(::GetErrorMode() & mode, mode);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(::GetErrorMode(), kOfTheHost);
 }
 
 } // namespace

@@ -10,26 +10,10 @@ namespace
 constexpr UINT kNoErrorBoxes = SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX;
 static_assert(kNoErrorBoxes == 0x8001);
 
-/// Lets one library be loaded at a time. The error mode belongs to the process: of two trackers that
-/// load at once, one would take the other's mode for the one to restore. Windows loads one at a time
-/// anyway.
-class LoadScope
-{
-public:
-    LoadScope() noexcept { ::AcquireSRWLockExclusive(&loading); }
-    LoadScope(const LoadScope&) = delete;
-    LoadScope& operator=(const LoadScope&) = delete;
-    ~LoadScope() { ::ReleaseSRWLockExclusive(&loading); }
-
-private:
-    static inline SRWLOCK loading = SRWLOCK_INIT;
-};
-
 } // namespace
 
 bool IsLoadableFile(const wchar_t* modulePath) noexcept
 {
-    const LoadScope oneAtATime;
     const ErrorModeScope noErrorBoxes(kNoErrorBoxes);
     return static_cast<bool>(
         UniqueModule(::LoadLibraryExW(modulePath, nullptr, LOAD_LIBRARY_AS_DATAFILE)));
@@ -37,7 +21,6 @@ bool IsLoadableFile(const wchar_t* modulePath) noexcept
 
 UniqueModule LoadPluginModule(const wchar_t* modulePath) noexcept
 {
-    const LoadScope oneAtATime;
     const ErrorModeScope noErrorBoxes(kNoErrorBoxes);
     return UniqueModule(::LoadLibraryW(modulePath));
 }
