@@ -2,6 +2,7 @@
 
 #include "foundation/process_identity.h"
 #include "foundation/text.h"
+#include "registry/application_list.h"
 
 #include <algorithm>
 #include <utility>
@@ -23,15 +24,12 @@ bool FindOwnApplication(CKestraBootInformationHandler& handler, appInfo_tag& out
     handler.MaintainOrder();
     ProcessInfo self;
     GetCurrentProcessInfo(self);
-    std::vector<appInfo_tag> all;
-    if (!handler.GetAllApplicationInfo(all)) {
-        return false;
-    }
-    const appInfo_tag* const own = FindByProxyPath(all, self.executablePath);
+    const appInfo_tag* const own = FindByProxyPath(ApplicationList::Of(handler), self.executablePath);
     if (own == nullptr) {
         return false;
     }
-    out = std::move(all[static_cast<std::size_t>(own - all.data())]);
+    appInfo_tag copy = *own;
+    out = std::move(copy);
     return true;
 }
 

@@ -15,6 +15,7 @@ namespace kestraboot
 
 /// Maintains the order of `handler` (which can end the process), then copies the record of the
 /// application whose proxy is the running program. False, and `out` untouched, when there is none.
+/// Throws std::bad_alloc, and `out` is untouched then: that memory ran out never reads as "none".
 [[nodiscard]] bool FindOwnApplication(CKestraBootInformationHandler& handler, appInfo_tag& out);
 
 } // namespace kestraboot

@@ -60,51 +60,58 @@ TEST_F(RegistryOutOfMemory, ReachesTheCallerOfMaintainingTheOrder)
               20);
 }
 
-TEST_F(RegistryOutOfMemory, ReachesTheCallerOfTheFormatsAlthoughTheQueriesAnswerFalse)
+TEST_F(RegistryOutOfMemory, ReachesTheCallerOfTheFormats)
 {
-    handler.LoadInformation();
-    int reached = 0;
     std::size_t found = 0;
-    EXPECT_GT(ForEveryAllocation(
-                  [&] {
-                      std::vector<formatInfo_tag> formats;
-                      GetSupportedFormats(handler, formats);
-                      found = formats.size();
-                  },
-                  [&](bool threw) {
-                      reached += threw ? 1 : 0;
-                  }),
-              20);
-    EXPECT_GT(reached, 20);
+    const auto read = [&] {
+        std::vector<formatInfo_tag> formats;
+        GetSupportedFormats(handler, formats);
+        found = formats.size();
+    };
+    handler.LoadInformation();
+    EXPECT_GT(ForEveryAllocation(read, Reaches, Shortage::Once), 20);
     EXPECT_EQ(found, 2U + 44U);
+    // Never those of all applications for those of the default one.
+    PutDword(HKEY_CURRENT_USER, own.Preferences(), L"DefaultFlag", 1);
+    handler.LoadInformation();
+    EXPECT_GT(ForEveryAllocation(read, Reaches, Shortage::Once), 1);
+    EXPECT_EQ(found, 2U);
 }
 
 TEST_F(RegistryOutOfMemory, ReachesTheCallersOfStatusAndLocale)
 {
-    // Once the list itself cannot be copied, the running program counts as no application's proxy.
-    std::wstring locale;
-    const auto anyEnd = [](bool) {};
-    EXPECT_GT(ForEveryAllocation(
-                  [&] {
-                      static_cast<void>(handler.GetKestraLaunchStatus());
-                  },
-                  anyEnd),
-              20);
-    EXPECT_GT(ForEveryAllocation(
-                  [&] {
-                      static_cast<void>(handler.SetKestraLaunchStatus(1));
-                  },
-                  anyEnd),
-              20);
-    EXPECT_GT(ForEveryAllocation(
-                  [&] {
-                      static_cast<void>(handler.GetKestraLocaleString(locale));
-                  },
-                  [&](bool) {
-                      EXPECT_EQ(locale, L"en_us");
-                  }),
-              20);
-    EXPECT_EQ(locale, L"a rather long name of a locale");
+    // Never "may launch" where the stored status forbids it, never the language of nobody.
+    PutDword(HKEY_CURRENT_USER, own.OwnKey(), L"kestralaunchstatus", 0);
+    for (const Shortage shortage : {Shortage::Once, Shortage::FromThenOn}) {
+        bool mayLaunch = true;
+        EXPECT_GT(ForEveryAllocation(
+                      [&] {
+                          mayLaunch = handler.GetKestraLaunchStatus();
+                      },
+                      Reaches, shortage),
+                  20);
+        EXPECT_FALSE(mayLaunch);
+        bool stored = false;
+        EXPECT_GT(ForEveryAllocation(
+                      [&] {
+                          stored = handler.SetKestraLaunchStatus(0);
+                      },
+                      Reaches, shortage),
+                  20);
+        EXPECT_TRUE(stored);
+        std::wstring locale;
+        EXPECT_GT(ForEveryAllocation(
+                      [&] {
+                          static_cast<void>(handler.GetKestraLocaleString(locale));
+                      },
+                      [&](bool threw) {
+                          EXPECT_TRUE(threw);
+                          EXPECT_EQ(locale, L"en_us");
+                      },
+                      shortage),
+                  20);
+        EXPECT_EQ(locale, L"a rather long name of a locale");
+    }
 }
 
 TEST_F(RegistryOutOfMemory, LeavesTheCallersRecordOfTheOwnApplication)
@@ -113,13 +120,13 @@ TEST_F(RegistryOutOfMemory, LeavesTheCallersRecordOfTheOwnApplication)
     EXPECT_GT(ForEveryAllocation(
                   [&] {
                       out.Name = L"before";
-                      if (!FindOwnApplication(handler, out)) {
-                          EXPECT_EQ(out.Name, L"before");
-                      }
+                      EXPECT_TRUE(FindOwnApplication(handler, out));
                   },
-                  [&](bool) {
+                  [&](bool threw) {
+                      EXPECT_TRUE(threw);
                       EXPECT_EQ(out.Name, L"before");
-                  }),
+                  },
+                  Shortage::Once),
               20);
     EXPECT_EQ(out.KeyPath, own.keyPath);
 }

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "kestraboot/information_handler.h"
+
+#include <vector>
+
+namespace kestraboot
+{
+
+/// A handler's own list, for the library's own operations. They walk it instead of a copy from the
+/// exported queries: those answer false when memory runs out, which reads like an empty list.
+class ApplicationList : private CKestraBootInformationHandler
+{
+public:
+    [[nodiscard]] static const std::vector<appInfo_tag>&
+    Of(const CKestraBootInformationHandler& handler) noexcept
+    {
+        return handler.*&ApplicationList::applications;
+    }
+};
+
+} // namespace kestraboot
