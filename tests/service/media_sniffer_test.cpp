@@ -1,4 +1,6 @@
 #include "service/media_sniffer.h"
+#include "service/sniff_depth.h"
+#include "tests/support/allocation_failure.h"
 #include "tests/support/compatible_application.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/registry_sandbox.h"
@@ -186,6 +188,23 @@ TEST_F(MediaSniffer, DepthIsNotReadFromTheMachinesHive)
     tests::PutDword(HKEY_LOCAL_MACHINE, own.keyPath, L"SniffDepth", 1);
     volume.AddFile(L"DCIM/IMG_0001.JPG");
     EXPECT_TRUE(Sniff());
+}
+
+TEST_F(MediaSniffer, DepthIsNeverTheDefaultOneBecauseMemoryRanOut)
+{
+    SetDepth(0);
+    CKestraBootInformationHandler handler;
+    int depth = -1;
+    EXPECT_GT(tests::ForEveryAllocation(
+                  [&] {
+                      depth = ReadSniffDepth(handler);
+                  },
+                  [](bool threw) {
+                      EXPECT_TRUE(threw);
+                  },
+                  tests::Shortage::Once),
+              20);
+    EXPECT_EQ(depth, 0);
 }
 
 TEST_F(MediaSniffer, TheDefaultApplicationsFormatsAreLookedForAlone)
