@@ -8,9 +8,13 @@
 //   fail-open     MSG_OPENDSM answers TWRC_FAILURE
 //   check-status  MSG_OPENDSM answers TWRC_CHECKSTATUS (2), which is no failure
 //   endless       the list starts over at its end
-// It is as strict as a real source manager: a parent that is no window's handle, or a question before it
-// is open, is a failure.
-// A file "twain_calls.txt" beside it, where it exists, receives a line for each call.
+// It is as strict as the strictest real source manager, and refuses with TWRC_FAILURE:
+//   an application without a product name, or with a text field that has no terminator
+//   an application that is not the one that opened it, known by the Id that it was given then
+//   a parent that is no window's handle
+//   to be opened twice, to be asked or closed before it is open, the next source before the first one
+// A file "twain_calls.txt" beside it, where it exists, receives a line for each call, which says why one
+// is refused.
 #include "tests/stand_ins/configuration.h"
 #include "trackers/still_image/twain.h"
 
@@ -30,14 +34,22 @@ using namespace kestraboot::stand_ins;
 constexpr TW_UINT16 kCheckStatus = 2; // TWRC_CHECKSTATUS
 constexpr TW_UINT16 kEndOfList = 7;   // TWRC_ENDOFLIST
 
-bool isOpen = false;
+TW_UINT32 openedBy = 0; ///< the Id of the application that has it open, or 0
 bool isEndless = false;
+bool isListBegun = false;
 std::size_t nextSource = 0;
 std::vector<std::wstring> sourceNames;
+const char* refusal = nullptr; ///< of the call that is being answered
 
 std::vector<Entry> Configuration()
 {
     return ReadEntries(L"twain_sources.txt");
+}
+
+TW_UINT16 Refuse(const char* why)
+{
+    refusal = why;
+    return TWRC_FAILURE;
 }
 
 void FillSource(const std::wstring& name, TW_IDENTITY& source)
@@ -76,41 +88,90 @@ TW_UINT16 Next(TW_IDENTITY& source)
     return TWRC_SUCCESS;
 }
 
-TW_UINT16 Open(const HWND* parent)
+bool IsTerminated(const TW_STR32& text)
+{
+    return std::memchr(text, '\0', sizeof text) != nullptr;
+}
+
+const char* FaultOf(const TW_IDENTITY& application)
+{
+    if (application.ProductName[0] == '\0') {
+        return "the product name is empty";
+    }
+    for (const TW_STR32* text : {&application.Version.Info, &application.Manufacturer,
+                                 &application.ProductFamily, &application.ProductName}) {
+        if (!IsTerminated(*text)) {
+            return "a text has no terminator";
+        }
+    }
+    return nullptr;
+}
+
+TW_UINT16 Open(TW_IDENTITY& application, const HWND* parent)
 {
     const std::vector<Entry> entries = Configuration();
-    if (isOpen || parent == nullptr || !::IsWindow(*parent) || Says(entries, "fail-open")) {
-        return TWRC_FAILURE;
+    if (openedBy != 0) {
+        return Refuse("it is open already");
     }
-    isOpen = true;
+    if (const char* const fault = FaultOf(application)) {
+        return Refuse(fault);
+    }
+    if (parent == nullptr || !::IsWindow(*parent)) {
+        return Refuse("the parent is no window");
+    }
+    if (Says(entries, "fail-open")) {
+        return Refuse("it is told to");
+    }
+    static TW_UINT32 lastId = 0;
+    openedBy = application.Id = ++lastId;
     return Says(entries, "check-status") ? kCheckStatus : TWRC_SUCCESS;
 }
 
-TW_UINT16 Close(const HWND* parent)
+TW_UINT16 Close(TW_IDENTITY& application, const HWND* parent)
 {
-    if (!isOpen || parent == nullptr || !::IsWindow(*parent)) {
-        return TWRC_FAILURE;
+    if (parent == nullptr || !::IsWindow(*parent)) {
+        return Refuse("the parent is no window");
     }
-    isOpen = false;
+    openedBy = application.Id = 0;
+    isListBegun = false;
     return TWRC_SUCCESS;
 }
 
-TW_UINT16 Answer(TW_UINT32 group, TW_UINT16 argumentType, TW_UINT16 message, void* data)
+TW_UINT16 Ask(TW_UINT16 argumentType, TW_UINT16 message, void* data)
 {
-    if (group == DG_CONTROL && argumentType == DAT_PARENT && message == MSG_OPENDSM) {
-        return Open(static_cast<const HWND*>(data));
+    if (argumentType != DAT_IDENTITY || (message != MSG_GETFIRST && message != MSG_GETNEXT)) {
+        return Refuse("there is no such question");
     }
-    if (group == DG_CONTROL && argumentType == DAT_PARENT && message == MSG_CLOSEDSM) {
-        return Close(static_cast<const HWND*>(data));
-    }
-    if (group != DG_CONTROL || argumentType != DAT_IDENTITY || !isOpen || data == nullptr) {
-        return TWRC_FAILURE;
+    if (data == nullptr) {
+        return Refuse("there is no room for the answer");
     }
     if (message == MSG_GETFIRST) {
         StartList();
+        isListBegun = true;
+    } else if (!isListBegun) {
+        return Refuse("the first source was not asked for");
     }
-    return message == MSG_GETFIRST || message == MSG_GETNEXT ? Next(*static_cast<TW_IDENTITY*>(data))
-                                                             : TWRC_FAILURE;
+    return Next(*static_cast<TW_IDENTITY*>(data));
+}
+
+TW_UINT16 Answer(TW_IDENTITY& application, TW_UINT32 group, TW_UINT16 argumentType, TW_UINT16 message,
+                 void* data)
+{
+    if (group != DG_CONTROL) {
+        return Refuse("there is no such group");
+    }
+    const bool ofParent = argumentType == DAT_PARENT;
+    if (ofParent && message == MSG_OPENDSM) {
+        return Open(application, static_cast<const HWND*>(data));
+    }
+    if (openedBy == 0) {
+        return Refuse("it is not open");
+    }
+    if (application.Id != openedBy) {
+        return Refuse("another application opened it");
+    }
+    return ofParent && message == MSG_CLOSEDSM ? Close(application, static_cast<const HWND*>(data))
+                                               : Ask(argumentType, message, data);
 }
 
 std::string Hex(const void* bytes, std::size_t count)
@@ -154,11 +215,14 @@ extern "C" TW_UINT16 WINAPI StandInEntry(TW_IDENTITY*, TW_IDENTITY*, TW_UINT32, 
 TW_UINT16 WINAPI StandInEntry(TW_IDENTITY* origin, TW_IDENTITY* destination, TW_UINT32 group,
                               TW_UINT16 argumentType, TW_UINT16 message, void* data)
 {
-    const TW_UINT16 result = Answer(group, argumentType, message, data);
-    AddToLog(L"twain_calls.txt", std::to_string(message) + " of=" + std::to_string(group) + "," +
-                                     std::to_string(argumentType) +
-                                     " destination=" + std::to_string(destination != nullptr) +
-                                     " result=" + std::to_string(result) + Parent(argumentType, data) +
-                                     " origin=" + Hex(origin, sizeof *origin));
+    const std::string asker = Hex(origin, sizeof *origin); // as it came: opening gives it an Id
+    refusal = nullptr;
+    const TW_UINT16 result = Answer(*origin, group, argumentType, message, data);
+    AddToLog(L"twain_calls.txt",
+             std::to_string(message) + " of=" + std::to_string(group) + "," +
+                 std::to_string(argumentType) + " destination=" +
+                 std::to_string(destination != nullptr) + " result=" + std::to_string(result) +
+                 (refusal != nullptr ? std::string(" refused: ") + refusal + ";" : std::string()) +
+                 Parent(argumentType, data) + " origin=" + asker);
     return result;
 }

@@ -1,5 +1,10 @@
 #include "trackers/still_image/twain_session.h"
 
+#include "kestraboot/version.h"
+
+#include <algorithm>
+#include <iterator>
+
 namespace kestraboot
 {
 namespace
@@ -7,7 +12,15 @@ namespace
 
 using namespace twain;
 
-/// The text fields stay empty.
+/// The field is zero before, and longer than the text.
+template <std::size_t Length>
+void Fill(TW_STR32& field, const char (&text)[Length]) noexcept
+{
+    static_assert(Length <= sizeof field);
+    std::ranges::copy(text, std::begin(field));
+}
+
+/// Who asks. A source manager may refuse an application without a product name.
 TW_IDENTITY ApplicationIdentity() noexcept
 {
     TW_IDENTITY identity = {};
@@ -15,9 +28,13 @@ TW_IDENTITY ApplicationIdentity() noexcept
     identity.Version.MinorNum = 703;
     identity.Version.Language = TWLG_USA;
     identity.Version.Country = TWCY_USA;
+    Fill(identity.Version.Info, KESTRABOOT_VERSION_TEXT);
     identity.ProtocolMajor = kProtocolMajor;
     identity.ProtocolMinor = kProtocolMinor;
     identity.SupportedGroups = DG_CONTROL | DG_IMAGE;
+    Fill(identity.Manufacturer, "Corvane");
+    Fill(identity.ProductFamily, "Kestrafetch");
+    Fill(identity.ProductName, "Corvane Kestrafetch");
     return identity;
 }
 

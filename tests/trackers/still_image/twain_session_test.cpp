@@ -1,4 +1,5 @@
 // How the source manager is opened, asked and closed, as the source manager sees it.
+#include "kestraboot/version.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/stand_in_folder.h"
 #include "trackers/still_image/twain_session.h"
@@ -6,16 +7,20 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
+#include <cstdio>
 
 namespace kestraboot::tests
 {
 namespace
 {
 
+using testing::Contains;
+using testing::Each;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::StartsWith;
 
 class TwainSessionTest : public testing::Test
@@ -49,28 +54,47 @@ TEST_F(TwainSessionTest, OpensAsksForAllSourcesAndCloses)
                                      StartsWith("770 of=1,4 destination=0 result=0")));
 }
 
+TEST_F(TwainSessionTest, IsRefusedNothingByAStrictSourceManager)
+{
+    for (const wchar_t* const name : {L"First", L"Second", L"Third"}) {
+        static_cast<void>(TwainSourceListed(name));
+    }
+    EXPECT_THAT(Calls(), Each(Not(HasSubstr("refused"))));
+    EXPECT_THAT(Calls(), Contains(StartsWith("770 ")).Times(3));
+}
+
 TEST_F(TwainSessionTest, StopsAskingOnceTheSourceIsFound)
 {
     EXPECT_TRUE(TwainSourceListed(L"First"));
     EXPECT_THAT(Calls(), ElementsAre(StartsWith("769 "), StartsWith("4 "), StartsWith("770 ")));
 }
 
+/// A text field of 34 bytes, as the log shows it.
+std::string Field(const std::string& text)
+{
+    std::string hex;
+    for (const char letter : text) {
+        char digits[3] = {};
+        std::snprintf(digits, sizeof digits, "%02x", static_cast<unsigned char>(letter));
+        hex += digits;
+    }
+    return hex + std::string(2 * (34 - text.size()), '0');
+}
+
 TEST_F(TwainSessionTest, SaysWhoAsksInTheStandardsLayout)
 {
     EXPECT_TRUE(TwainSourceListed(L"First"));
-    const std::string noText(2 * 34, '0');
-    const std::string identity = "00000000"           // Id
-                                 "0100bf020d000100" + // 1.703, TWLG_USA, TWCY_USA
-                                 noText +             // Info
+    const std::string identity = "0100bf020d000100" + // 1.703, TWLG_USA, TWCY_USA
+                                 Field(KESTRABOOT_VERSION_TEXT) +
                                  "01000700"
                                  "03000000" + // protocol 1.7, DG_CONTROL and DG_IMAGE
-                                 noText +
-                                 noText + noText;
-    ASSERT_EQ(identity.size(), 2 * 156U);
+                                 Field("Corvane") +
+                                 Field("Kestrafetch") + Field("Corvane Kestrafetch");
     ASSERT_EQ(Calls().size(), 3U);
-    for (const std::string& call : Calls()) {
-        EXPECT_THAT(call, testing::EndsWith(" origin=" + identity));
-    }
+    EXPECT_THAT(Calls()[0], EndsWith(" origin=00000000" + identity));
+    // With the Id that the source manager gave it.
+    EXPECT_THAT(Calls()[1], EndsWith(" origin=01000000" + identity));
+    EXPECT_THAT(Calls()[2], EndsWith(" origin=01000000" + identity));
 }
 
 TEST_F(TwainSessionTest, HandsOverAPointerToTheHandleOfItsWindow)
@@ -96,8 +120,8 @@ TEST_F(TwainSessionTest, ThatDoesNotOpenIsClosedAndListsNothing)
 {
     standIns.Write("twain_sources.txt", {"fail-open", "source First"});
     EXPECT_FALSE(TwainSourceListed(L"First"));
-    EXPECT_THAT(Calls(),
-                ElementsAre(StartsWith("769 of=1,4 destination=0 result=1"), StartsWith("770 of=1,4 ")));
+    EXPECT_THAT(Calls(), ElementsAre(StartsWith("769 of=1,4 destination=0 result=1"),
+                                     StartsWith("770 of=1,4 destination=0 result=1")));
 }
 
 TEST_F(TwainSessionTest, IsOpenWhateverElseOpeningAnswers)
@@ -140,6 +164,7 @@ TEST_F(TwainSessionTest, WithoutAWindowIsRefusedByTheSourceManager)
             return nullptr;
         });
     EXPECT_FALSE(TwainSourceListed(L"First"));
+    EXPECT_THAT(Calls(), Contains(HasSubstr("refused: the parent is no window;")));
 }
 
 } // namespace
