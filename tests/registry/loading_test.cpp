@@ -30,6 +30,27 @@ TEST_F(Loading, DoesNotHappenByItself)
     EXPECT_EQ(handler.Names(), Names{});
 }
 
+TEST_F(Loading, OpensEveryKeyWithTheRightToReadAlone)
+{
+    const SampleApplication sample = RegisterSample(folder.Path(), L"A");
+    MakeKey(HKEY_LOCAL_MACHINE, sample.keyPath + L"\\File Formats");
+    MakeKey(HKEY_LOCAL_MACHINE, sample.Preferences());
+    MakeKey(HKEY_CURRENT_USER, sample.Preferences()); // else it is created, which takes more
+    std::vector<REGSAM> asked;
+    int preferences = 0;
+    const FAKE_IMPORT(RegOpenKeyExW)
+        opens([&](HKEY root, const wchar_t* subkey, DWORD options, REGSAM access, HKEY* opened) {
+            asked.push_back(access);
+            preferences += sample.Preferences() == subkey ? 1 : 0;
+            return opens.CallOriginal(root, subkey, options, access, opened);
+        });
+    handler.LoadInformation();
+    EXPECT_EQ(handler.Names(), Names{L"A"});
+    EXPECT_THAT(asked, testing::Each(REGSAM{KEY_READ}));
+    EXPECT_EQ(preferences, 3)
+        << "the default flag, and whether it is kept out: for the user, the machine";
+}
+
 TEST_F(Loading, KeepsTheOrderOfTheSearchAndEveryMember)
 {
     const SampleApplication deep = RegisterSample(folder.Path(), L"A\\1.0");

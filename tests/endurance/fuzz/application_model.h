@@ -18,6 +18,7 @@ struct World {
     Hive user;
     std::set<std::wstring> files; ///< what exists
     std::wstring self;            ///< the running executable; empty where the process cannot learn it
+    bool isAdministrators = true; ///< whether the process may write the machine's registry
 };
 
 /// Thrown in the place of the end of the process, by the model and, where it is steered so, by the

@@ -27,7 +27,7 @@ const appInfo_tag* ApplicationModel::Own() const
 void ApplicationModel::MaintainOrder()
 {
     Load();
-    HiveKey* const run = world.machine.Find(kRunKey);
+    HiveKey* const run = world.isAdministrators ? world.machine.Find(kRunKey) : nullptr;
     if (applications.empty()) {
         seen.trace.emplace_back(L"<KestraBoot><!!! No Kestra Compatible application found. This "
                                 L"situation should be avoided.>");
@@ -55,7 +55,8 @@ void ApplicationModel::MaintainOrder()
 void ApplicationModel::WriteDefault(const appInfo_tag& application, std::uint32_t flag)
 {
     for (Hive* const hive : {&world.user, &world.machine}) {
-        if (HiveKey* const preferences = hive->Find(application.KeyPath + L"\\Preferences")) {
+        HiveKey* const preferences = hive->Find(application.KeyPath + L"\\Preferences");
+        if (preferences != nullptr && (hive == &world.user || world.isAdministrators)) {
             preferences->PutDword(L"DefaultFlag", flag);
         }
     }

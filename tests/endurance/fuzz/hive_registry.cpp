@@ -19,8 +19,15 @@ HiveRegistry::HiveRegistry()
     : open([this](HKEY root, const wchar_t* path, DWORD, REGSAM access, HKEY* opened) -> LONG {
           Hive& hive = root == HKEY_LOCAL_MACHINE ? machine : user;
           HiveKey* const key = hive.Find(NameOf(path));
-          *opened = key == nullptr ? nullptr : Opened(*key, access);
-          return key == nullptr ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
+          *opened = nullptr;
+          if (key == nullptr) {
+              return ERROR_FILE_NOT_FOUND;
+          }
+          if (!Grants(root, access)) {
+              return ERROR_ACCESS_DENIED;
+          }
+          *opened = Opened(*key, access);
+          return ERROR_SUCCESS;
       }),
       create([this](HKEY parent, const wchar_t* path, DWORD, wchar_t*, DWORD, REGSAM access,
                     SECURITY_ATTRIBUTES*, HKEY* created, DWORD*) -> LONG {
@@ -93,6 +100,11 @@ void HiveRegistry::Become(const Hive& wantedMachine, const Hive& wantedUser)
     keys.clear();
     machine = wantedMachine;
     user = wantedUser;
+}
+
+bool HiveRegistry::Grants(HKEY root, REGSAM access) const noexcept
+{
+    return root != HKEY_LOCAL_MACHINE || isAdministrators || (access & ~REGSAM{KEY_READ}) == 0;
 }
 
 HKEY HiveRegistry::Opened(HiveKey& key, REGSAM access)

@@ -10,7 +10,8 @@ namespace kestraboot::fuzz
 
 /// A registry in memory in the place of the real one: the same answers, a hundred times as fast. It is
 /// hostile where the real one may be: room that is offered beyond a value's bytes is filled with
-/// garbage.
+/// garbage. It grants what Windows grants a standard user: below the machine's root reading, and nothing
+/// else.
 class HiveRegistry
 {
 public:
@@ -24,6 +25,7 @@ public:
 
     Hive machine;
     Hive user;
+    bool isAdministrators = false; ///< whether the machine's keys may be written too
 
 private:
     struct OpenKey {
@@ -31,6 +33,7 @@ private:
         REGSAM access = 0;
     };
 
+    [[nodiscard]] bool Grants(HKEY root, REGSAM access) const noexcept;
     HKEY Opened(HiveKey& key, REGSAM access);
     /// Null where the handle does not allow that.
     HiveKey* Key(HKEY handle, REGSAM needed);

@@ -60,6 +60,7 @@ TEST(LaunchChoiceFuzz, StartsTheDefaultOrOwnApplicationInTheModeOfTheModel)
     Fuzz({.usual = 3'000}, [&](Random& random) {
         World world = random.Chance(80) ? SoundWorld(random) : AnyWorld(random);
         const Machine machine = random.Chance(30) ? AnyMachine(random) : Machine();
+        world.isAdministrators = random.Chance(50);
         steered.Become(world, machine);
         Device device = {random.Chance(70) ? L"volume" : random.Text(),
                          random.Chance(70) ? L"E:" : random.Text()};

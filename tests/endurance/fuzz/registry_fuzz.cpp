@@ -155,9 +155,8 @@ private:
     bool ended = false;
 };
 
-void CheckOneRegistry(SteeredWorld& steered, StandardOutput& output, Random& random)
+void CheckOneRegistry(SteeredWorld& steered, StandardOutput& output, Random& random, World world)
 {
-    World world = AnyWorld(random);
     steered.Become(world, {});
     Comparison comparison(steered, output, world);
     for (std::size_t steps = random.Between(1, 4); steps > 0 && !comparison.Ended(); --steps) {
@@ -186,7 +185,9 @@ TEST(RegistryFuzz, ApplicationsAreLoadedQueriedAndChangedAsTheModelSays)
     SteeredWorld steered(Keys::InMemory);
     StandardOutput output;
     Fuzz({.usual = 1'500, .share = 2}, [&](Random& random) {
-        CheckOneRegistry(steered, output, random);
+        World world = AnyWorld(random);
+        world.isAdministrators = random.Chance(50);
+        CheckOneRegistry(steered, output, random, std::move(world));
     });
 }
 
@@ -195,7 +196,7 @@ TEST(RegistryFuzz, RealKeysMakeNoDifference)
     SteeredWorld steered(Keys::Real);
     StandardOutput output;
     Fuzz({.usual = 40, .share = 50}, [&](Random& random) {
-        CheckOneRegistry(steered, output, random);
+        CheckOneRegistry(steered, output, random, AnyWorld(random));
     });
 }
 

@@ -34,6 +34,7 @@ void SteeredWorld::Become(const World& wanted, const Machine& runningOn)
     recorder.Reset(runningOn);
     if (registry) {
         registry->Become(wanted.machine, wanted.user);
+        registry->isAdministrators = wanted.isAdministrators;
         return;
     }
     Empty(HKEY_LOCAL_MACHINE);
