@@ -3,21 +3,63 @@
 #include "foundation/handles.h"
 #include "foundation/text.h"
 
-#include <psapi.h>
-
 namespace kestraboot
 {
+namespace
+{
+
+template <typename Function>
+Function Find(HMODULE library, const char* name) noexcept
+{
+    // Without a library the program itself would be searched.
+    const FARPROC entry = library != nullptr ? ::GetProcAddress(library, name) : nullptr;
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(entry));
+}
+
+/// What Windows tells of the modules of a process. Looked up at run time: kernel32 has the functions
+/// from Windows 7 on, and the library must load on Vista too, where psapi.dll has them, under older
+/// names.
+class ModuleQueries
+{
+public:
+    ModuleQueries() noexcept
+    {
+        const HMODULE kernel = ::GetModuleHandleW(L"kernel32.dll");
+        FindIn(kernel, "K32EnumProcessModules", "K32GetModuleFileNameExW");
+        if (!*this) {
+            psapi.reset(::LoadLibraryW(L"psapi.dll"));
+            FindIn(psapi.get(), "EnumProcessModules", "GetModuleFileNameExW");
+        }
+    }
+
+    explicit operator bool() const noexcept { return enumerate != nullptr && readName != nullptr; }
+
+    BOOL(WINAPI* enumerate)(HANDLE process, HMODULE* modules, DWORD room, DWORD* needed) = nullptr;
+    DWORD(WINAPI* readName)(HANDLE process, HMODULE module, wchar_t* name, DWORD room) = nullptr;
+
+private:
+    void FindIn(HMODULE library, const char* enumerateName, const char* readNameName) noexcept
+    {
+        enumerate = Find<decltype(enumerate)>(library, enumerateName);
+        readName = Find<decltype(readName)>(library, readNameName);
+    }
+
+    UniqueModule psapi;
+};
+
+} // namespace
 
 bool ReadExecutablePath(HANDLE process, std::wstring& path)
 {
+    const ModuleQueries modules;
     // The first module is the main executable: room for one is enough.
     HMODULE mainModule = nullptr;
     DWORD bytesNeeded = 0;
-    if (!::K32EnumProcessModules(process, &mainModule, sizeof(HMODULE), &bytesNeeded)) {
+    if (!modules || !modules.enumerate(process, &mainModule, sizeof(HMODULE), &bytesNeeded)) {
         return false;
     }
     wchar_t name[kFieldCapacity] = {};
-    ::K32GetModuleFileNameExW(process, mainModule, name, kFieldCapacity - 1);
+    modules.readName(process, mainModule, name, kFieldCapacity - 1);
     path = name;
     return true;
 }

@@ -3,7 +3,6 @@
 #include <windows.h>
 #include <cwchar>
 #include <deque>
-#include <psapi.h>
 #include <shlwapi.h>
 #include <string>
 
@@ -126,9 +125,14 @@ void ReadOwnPath()
     const HANDLE process = ::OpenProcess(PROCESS_ALL_ACCESS, FALSE, ::GetCurrentProcessId());
     HMODULE mainModule = nullptr;
     DWORD bytesNeeded = 0;
-    ::K32EnumProcessModules(process, &mainModule, sizeof mainModule, &bytesNeeded);
+    const HMODULE kernel = ::GetModuleHandleW(L"kernel32.dll");
+    const auto enumerate = reinterpret_cast<BOOL(WINAPI*)(HANDLE, HMODULE*, DWORD, DWORD*)>(
+        reinterpret_cast<void*>(::GetProcAddress(kernel, "K32EnumProcessModules")));
+    const auto readName = reinterpret_cast<DWORD(WINAPI*)(HANDLE, HMODULE, wchar_t*, DWORD)>(
+        reinterpret_cast<void*>(::GetProcAddress(kernel, "K32GetModuleFileNameExW")));
+    enumerate(process, &mainModule, sizeof mainModule, &bytesNeeded);
     wchar_t path[260];
-    ::K32GetModuleFileNameExW(process, mainModule, path, 259);
+    readName(process, mainModule, path, 259);
     ::CloseHandle(process);
 }
 

@@ -1,11 +1,12 @@
 #include "foundation/process_identity.h"
+#include "tests/support/fake_modules.h"
 #include "tests/support/handle_count.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/sample_application.h"
 
 #include <gtest/gtest.h>
 
-#include <psapi.h>
+#include <string_view>
 
 namespace kestraboot
 {
@@ -55,7 +56,7 @@ TEST(ProcessIdentity, LeavesNoHandleOpen)
                   GetCurrentProcessInfo(info);
               }),
               0);
-    const FAKE_IMPORT(K32EnumProcessModules) fails([](auto...) -> BOOL {
+    const FakeModuleList fails([](auto...) -> BOOL {
         return FALSE;
     });
     EXPECT_EQ(HandlesLeftBy([] {
@@ -79,7 +80,7 @@ TEST(ProcessIdentity, OfAProcessThatCannotOpenItselfIsLeftAsItWas)
 
 TEST(ProcessIdentity, HasNoPathWhenTheModulesCannotBeListed)
 {
-    const FAKE_IMPORT(K32EnumProcessModules) fails([](auto...) -> BOOL {
+    const FakeModuleList fails([](auto...) -> BOOL {
         return FALSE;
     });
     ProcessInfo info = Marked();
@@ -90,7 +91,7 @@ TEST(ProcessIdentity, HasNoPathWhenTheModulesCannotBeListed)
 
 TEST(ProcessIdentity, HasNoPathWhenTheNameCannotBeRead)
 {
-    const FAKE_IMPORT(K32GetModuleFileNameExW) fails([](auto...) -> DWORD {
+    const FakeModuleName fails([](auto...) -> DWORD {
         return 0;
     });
     ProcessInfo info = Marked();
@@ -100,13 +101,12 @@ TEST(ProcessIdentity, HasNoPathWhenTheNameCannotBeRead)
 
 TEST(ProcessIdentity, AsksForTheFirstModuleAlone)
 {
-    const FAKE_IMPORT(K32EnumProcessModules)
-        list([&](HANDLE process, HMODULE* modules, DWORD room, DWORD* needed) -> BOOL {
-            EXPECT_EQ(room, sizeof(HMODULE));
-            return list.CallOriginal(process, modules, room, needed);
-        });
-    const FAKE_IMPORT(K32GetModuleFileNameExW)
-        name([&](HANDLE process, HMODULE module, wchar_t* path, DWORD capacity) -> DWORD {
+    const FakeModuleList list([&](HANDLE process, HMODULE* modules, DWORD room, DWORD* needed) -> BOOL {
+        EXPECT_EQ(room, sizeof(HMODULE));
+        return list.CallOriginal(process, modules, room, needed);
+    });
+    const FakeModuleName name(
+        [&](HANDLE process, HMODULE module, wchar_t* path, DWORD capacity) -> DWORD {
             EXPECT_EQ(module, ::GetModuleHandleW(nullptr));
             return name.CallOriginal(process, module, path, capacity);
         });
@@ -119,16 +119,66 @@ TEST(ProcessIdentity, AsksForTheFirstModuleAlone)
 TEST(ProcessIdentity, CutsALongPathAt259Characters)
 {
     // Old systems fill all the room that they are given and leave out the terminator.
-    const FAKE_IMPORT(K32GetModuleFileNameExW)
-        endless([](HANDLE, HMODULE, wchar_t* path, DWORD capacity) -> DWORD {
-            EXPECT_EQ(capacity, 259U);
-            EXPECT_EQ(std::wstring(path, 260), std::wstring(260, L'\0'));
-            std::wmemset(path, L'p', capacity);
-            return capacity;
-        });
+    const FakeModuleName endless([](HANDLE, HMODULE, wchar_t* path, DWORD capacity) -> DWORD {
+        EXPECT_EQ(capacity, 259U);
+        EXPECT_EQ(std::wstring(path, 260), std::wstring(260, L'\0'));
+        std::wmemset(path, L'p', capacity);
+        return capacity;
+    });
     ProcessInfo info;
     GetCurrentProcessInfo(info);
     EXPECT_EQ(info.executablePath, std::wstring(259, L'p'));
+}
+
+TEST(ProcessIdentity, IsReadThroughKernel32Alone)
+{
+    const FAKE_IMPORT(LoadLibraryW) loads([](const wchar_t*) -> HMODULE {
+        return nullptr;
+    });
+    ProcessInfo info;
+    GetCurrentProcessInfo(info);
+    EXPECT_EQ(info.executablePath, OwnExecutablePath());
+    EXPECT_EQ(loads.Calls(), 0);
+}
+
+/// Windows Vista: kernel32 has neither function, psapi.dll both, under names of its own.
+TEST(ProcessIdentity, IsReadThroughPsapiWhereKernel32LacksTheFunctions)
+{
+    const FAKE_IMPORT(GetProcAddress) finds([&](HMODULE library, const char* name) -> FARPROC {
+        return std::string_view(name).starts_with("K32") ? nullptr : finds.CallOriginal(library, name);
+    });
+    std::vector<HMODULE> loaded;
+    const FAKE_IMPORT(LoadLibraryW) loads([&](const wchar_t* name) -> HMODULE {
+        EXPECT_STREQ(name, L"psapi.dll");
+        return loaded.emplace_back(loads.CallOriginal(name));
+    });
+    std::vector<HMODULE> freed;
+    const FAKE_IMPORT(FreeLibrary) frees([&](HMODULE library) -> BOOL {
+        freed.push_back(library);
+        return frees.CallOriginal(library);
+    });
+    ProcessInfo info;
+    GetCurrentProcessInfo(info);
+    EXPECT_EQ(info.executablePath, OwnExecutablePath());
+    EXPECT_EQ(loaded.size(), 1U);
+    EXPECT_EQ(freed, loaded);
+}
+
+TEST(ProcessIdentity, HasNoPathWhereNoLibraryHasTheFunctions)
+{
+    const FAKE_IMPORT(GetProcAddress) finds([](HMODULE library, const char*) -> FARPROC {
+        EXPECT_NE(library, nullptr) << "without a library the program itself would be searched";
+        return nullptr;
+    });
+    for (const bool hasPsapi : {true, false}) {
+        const FAKE_IMPORT(LoadLibraryW) loads([&](const wchar_t* name) -> HMODULE {
+            return hasPsapi ? loads.CallOriginal(name) : nullptr;
+        });
+        ProcessInfo info = Marked();
+        GetCurrentProcessInfo(info);
+        EXPECT_EQ(info.processId, ::GetCurrentProcessId());
+        EXPECT_EQ(info.executablePath, L"");
+    }
 }
 
 } // namespace

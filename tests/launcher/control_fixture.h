@@ -1,13 +1,13 @@
 #pragma once
 
 #include "kestraboot/command_handler.h"
+#include "tests/support/fake_modules.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/spawn_recorder.h"
 #include "tests/support/temp_folder.h"
 
 #include <gtest/gtest.h>
-#include <psapi.h>
 
 namespace kestraboot
 {
@@ -51,7 +51,7 @@ protected:
 private:
     wchar_t claimName[100] = {};
     FAKE_IMPORT(CreateMutexW) mutex;
-    FAKE_IMPORT(K32GetModuleFileNameExW) moduleName;
+    tests::FakeModuleName moduleName;
     FAKE_IMPORT(OutputDebugStringW) output;
 };
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "tests/support/fake_modules.h"
 #include "tests/support/import_patch.h"
 
 #include <windows.h>
-#include <psapi.h>
 #include <tlhelp32.h>
 
 #include <map>
@@ -52,8 +52,8 @@ private:
     FAKE_IMPORT(Process32FirstW) first;
     FAKE_IMPORT(Process32NextW) following;
     FAKE_IMPORT(OpenProcess) open;
-    FAKE_IMPORT(K32EnumProcessModules) modules;
-    FAKE_IMPORT(K32GetModuleFileNameExW) name;
+    FakeModuleList modules;
+    FakeModuleName name;
     FAKE_IMPORT(CloseHandle) close;
     FAKE_IMPORT(EnumWindows) windows;
     FAKE_IMPORT(Sleep) sleep;

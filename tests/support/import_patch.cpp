@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <stdexcept>
 
 namespace kestraboot::tests
@@ -40,6 +41,27 @@ std::vector<void**> FindSlots(HMODULE module, const char* function)
     return slots;
 }
 
+struct Lookup {
+    const char* function;
+    void* replacement;
+};
+
+std::vector<Lookup> lookups;
+std::optional<ImportPatch> lookupPatch; ///< while there are any
+
+FARPROC WINAPI FindReplaced(HMODULE library, const char* name)
+{
+    constexpr std::uintptr_t kHighestOrdinal = 0xFFFF;
+    if (reinterpret_cast<std::uintptr_t>(name) > kHighestOrdinal) {
+        for (auto lookup = lookups.rbegin(); lookup != lookups.rend(); ++lookup) {
+            if (std::strcmp(lookup->function, name) == 0) {
+                return reinterpret_cast<FARPROC>(lookup->replacement);
+            }
+        }
+    }
+    return reinterpret_cast<decltype(&FindReplaced)>(lookupPatch->Original())(library, name);
+}
+
 void Store(void** slot, void* value)
 {
     DWORD before = 0;
@@ -76,6 +98,23 @@ ImportPatch::~ImportPatch()
 {
     for (void** const slot : slots) {
         Store(slot, original);
+    }
+}
+
+LookupPatch::LookupPatch(const char* function, void* replacement)
+    : original(reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), function)))
+{
+    if (lookups.empty()) {
+        lookupPatch.emplace("GetProcAddress", reinterpret_cast<void*>(&FindReplaced));
+    }
+    lookups.push_back({function, replacement});
+}
+
+LookupPatch::~LookupPatch()
+{
+    lookups.pop_back(); // the last one made, as the scopes end
+    if (lookups.empty()) {
+        lookupPatch.reset();
     }
 }
 

@@ -34,6 +34,23 @@ private:
     void* original = nullptr;
 };
 
+/// The same for a function that the module under test looks up at run time: while it lives,
+/// GetProcAddress answers `replacement` for that name, in whatever library it is looked for.
+class LookupPatch
+{
+public:
+    LookupPatch(const char* function, void* replacement);
+    LookupPatch(const LookupPatch&) = delete;
+    LookupPatch& operator=(const LookupPatch&) = delete;
+    ~LookupPatch();
+
+    /// What kernel32 has under that name, or null.
+    [[nodiscard]] void* Original() const noexcept { return original; }
+
+private:
+    void* original;
+};
+
 template <std::size_t Length>
 struct ImportName {
     constexpr ImportName(const char (&name)[Length])
@@ -48,14 +65,15 @@ struct ImportName {
 /// A function of Windows or of the C runtime that answers what the test's callable says. Use it as
 ///   FAKE_IMPORT(GetDriveTypeW) drives([&](const wchar_t*) -> UINT { return DRIVE_FIXED; });
 /// `drives.CallOriginal(...)` reaches the real function; `drives.Calls()` counts.
-template <ImportName name, typename Signature>
-class FakeImport;
+/// FakeLookup<"Name", Signature> is the same for a function of kernel32 that is looked up at run time.
+template <ImportName name, typename Signature, typename Patch>
+class FakeFunction;
 
-template <ImportName name, typename Result, typename... Arguments>
-class FakeImport<name, Result(Arguments...)>
+template <ImportName name, typename Result, typename... Arguments, typename Patch>
+class FakeFunction<name, Result(Arguments...), Patch>
 {
 public:
-    explicit FakeImport(std::function<Result(Arguments...)> answer)
+    explicit FakeFunction(std::function<Result(Arguments...)> answer)
         : before(std::exchange(body, std::move(answer))), callsBefore(std::exchange(calls, 0)),
           patch(name.text, Entry())
     {
@@ -63,9 +81,9 @@ public:
             original = patch.Original();
         }
     }
-    FakeImport(const FakeImport&) = delete;
-    FakeImport& operator=(const FakeImport&) = delete;
-    ~FakeImport()
+    FakeFunction(const FakeFunction&) = delete;
+    FakeFunction& operator=(const FakeFunction&) = delete;
+    ~FakeFunction()
     {
         body = std::move(before);
         calls = callsBefore;
@@ -92,8 +110,13 @@ private:
 
     std::function<Result(Arguments...)> before; ///< a fake inside the scope of another hides that one
     long callsBefore;
-    ImportPatch patch;
+    Patch patch;
 };
+
+template <ImportName name, typename Signature>
+using FakeImport = FakeFunction<name, Signature, ImportPatch>;
+template <ImportName name, typename Signature>
+using FakeLookup = FakeFunction<name, Signature, LookupPatch>;
 
 /// The type of a function without the attributes that some headers give it.
 template <typename Result, typename... Arguments>

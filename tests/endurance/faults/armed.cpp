@@ -175,10 +175,9 @@ bool LetCallGoOn(GatedCall& call) noexcept
     return true;
 }
 
-std::optional<std::uint64_t> FailureNow(const char* operation) noexcept
+std::optional<std::uint64_t> FailureNow(const char* operation, CallArguments arguments) noexcept
 {
-    std::uint64_t none[4] = {};
-    GatedCall call = {operation, FailuresOf(operation), nullptr, none, nullptr, 0};
+    GatedCall call = {operation, FailuresOf(operation), nullptr, arguments.data(), nullptr, 0};
     return LetCallGoOn(call) ? std::nullopt : std::optional(call.result);
 }
 

@@ -5,6 +5,8 @@
 #include "tests/endurance/faults/failure_table.h"
 #include "tests/support/allocation_failure.h"
 
+#include <array>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -47,8 +49,11 @@ void BeginRun(const Plan& plan);
 bool LetCallGoOn(GatedCall& call) noexcept;
 
 /// For an operation that has no import slot, a method or a function from GetProcAddress: its stand-in
-/// asks at its beginning, and answers the failing result where there is one.
-[[nodiscard]] std::optional<std::uint64_t> FailureNow(const char* operation) noexcept;
+/// asks at its beginning, and answers the failing result where there is one. `arguments` are those
+/// through which a failure may write.
+using CallArguments = std::array<std::uint64_t, 4>;
+[[nodiscard]] std::optional<std::uint64_t> FailureNow(const char* operation,
+                                                      CallArguments arguments = {}) noexcept;
 
 /// While it lives the calls of this thread are the operation's. At its end it writes into the journal
 /// what the operation left of the thread's windows and COM apartments. Not nested.

@@ -1,5 +1,6 @@
 #include "tests/endurance/faults/processes.h"
 
+#include "tests/endurance/faults/armed.h"
 #include "tests/endurance/faults/journal.h"
 
 #include <tlhelp32.h>
@@ -35,6 +36,9 @@ HANDLE Open(DWORD, BOOL, DWORD process) noexcept
 
 BOOL ListModules(HANDLE, HMODULE* list, DWORD, DWORD* bytes) noexcept
 {
+    if (FailureNow("K32EnumProcessModules")) {
+        return FALSE;
+    }
     *list = reinterpret_cast<HMODULE>(0x400000);
     *bytes = sizeof(HMODULE);
     return TRUE;
@@ -42,6 +46,10 @@ BOOL ListModules(HANDLE, HMODULE* list, DWORD, DWORD* bytes) noexcept
 
 DWORD ReadPath(HANDLE process, HMODULE, wchar_t* path, DWORD capacity) noexcept
 {
+    const CallArguments arguments = {0, 0, reinterpret_cast<std::uint64_t>(path), capacity};
+    if (const auto failure = FailureNow("K32GetModuleFileNameExW", arguments)) {
+        return static_cast<DWORD>(*failure);
+    }
     const wchar_t* const shown =
         ProcessOf(process) == kOtherProgram ? L"C:\\Windows\\notepad.exe" : ownPath;
     std::wcsncpy(path, shown, capacity);
@@ -136,7 +144,9 @@ HANDLE OpenSomeProcess() noexcept
 
 ProcessPatches::ProcessPatches()
     : open("OpenProcess", Address(Open)), modules("K32EnumProcessModules", Address(ListModules)),
+      olderModules("EnumProcessModules", Address(ListModules)),
       path("K32GetModuleFileNameExW", Address(ReadPath)),
+      olderPath("GetModuleFileNameExW", Address(ReadPath)),
       snapshot("CreateToolhelp32Snapshot", Address(TakeSnapshot)),
       first("Process32FirstW", Address(FirstProcess)), next("Process32NextW", Address(NextProcess)),
       end("TerminateProcess", Address(Terminate)), windows("EnumWindows", Address(ListWindows)),

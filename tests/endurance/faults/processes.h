@@ -20,7 +20,9 @@ void RestartProcesses() noexcept;
 /// Steers the module under test while it lives.
 struct ProcessPatches {
     ProcessPatches();
-    ImportPatch open, modules, path, snapshot, first, next, end, windows, title, send;
+    ImportPatch open;
+    LookupPatch modules, olderModules, path, olderPath;
+    ImportPatch snapshot, first, next, end, windows, title, send;
 };
 
 } // namespace kestraboot::tests

@@ -3,8 +3,7 @@
 #include "tests/endurance/fuzz/control_model.h"
 #include "tests/endurance/fuzz/hive_registry.h"
 #include "tests/endurance/fuzz/launch_recorder.h"
-
-#include <psapi.h>
+#include "tests/support/fake_modules.h"
 
 namespace kestraboot::fuzz
 {
@@ -29,8 +28,8 @@ private:
     LaunchRecorder recorder;
     FAKE_IMPORT(CreateMutexW) mutex;
     FAKE_IMPORT(CloseHandle) close;
-    FAKE_IMPORT(K32EnumProcessModules) modules;
-    FAKE_IMPORT(K32GetModuleFileNameExW) moduleName;
+    tests::FakeModuleList modules;
+    tests::FakeModuleName moduleName;
 };
 
 } // namespace kestraboot::fuzz

@@ -3,9 +3,9 @@
 #include "tests/endurance/fuzz/application_model.h"
 #include "tests/endurance/fuzz/hive_registry.h"
 #include "tests/endurance/fuzz/launch_recorder.h"
+#include "tests/support/fake_modules.h"
 #include "tests/support/registry_sandbox.h"
 
-#include <psapi.h>
 #include <shlwapi.h>
 
 namespace kestraboot::fuzz
@@ -36,8 +36,8 @@ private:
     std::optional<tests::RegistrySandbox> sandbox; ///< either this
     std::optional<HiveRegistry> registry;          ///< or this
     FAKE_IMPORT(PathFileExistsW) exists;
-    FAKE_IMPORT(K32EnumProcessModules) modules;
-    FAKE_IMPORT(K32GetModuleFileNameExW) moduleName;
+    tests::FakeModuleList modules;
+    tests::FakeModuleName moduleName;
     FAKE_IMPORT(ExitProcess) exit;
 };
 
