@@ -2,16 +2,69 @@
 
 #include <windows.h>
 #include <cstdio>
+#include <cwchar>
+
+namespace
+{
+
+bool IsRedirected(DWORD fileType) noexcept
+{
+    return fileType == FILE_TYPE_DISK || fileType == FILE_TYPE_PIPE;
+}
+
+/// Takes the stream away from a console and leaves it without effect. Not closed: the next file that
+/// anybody opens would take its number, and what is printed.
+void LeaveConsole(DWORD which, std::FILE* stream, const char* mode) noexcept
+{
+    // A character device is a console, or NUL, or a printer; without a console they cannot be told
+    // apart, and NUL serves for all: nothing is printed here from now on.
+    if (::GetFileType(::GetStdHandle(which)) == FILE_TYPE_CHAR) {
+        static_cast<void>(std::freopen("NUL", mode, stream));
+        ::SetStdHandle(which, nullptr); // last: some C runtimes set it to what was opened
+    }
+}
+
+} // namespace
 
 void JoinParentConsole() noexcept
 {
-    const HANDLE output = ::GetStdHandle(STD_OUTPUT_HANDLE);
-    if (output != nullptr && output != INVALID_HANDLE_VALUE &&
-        ::GetFileType(output) != FILE_TYPE_UNKNOWN) {
+    const DWORD output = ::GetFileType(::GetStdHandle(STD_OUTPUT_HANDLE));
+    if (IsRedirected(output)) {
         return;
     }
-    if (::AttachConsole(ATTACH_PARENT_PROCESS)) {
+    // Wine gives the parent's console to a program of the Windows subsystem too, and refuses another.
+    const bool joined =
+        ::AttachConsole(ATTACH_PARENT_PROCESS) || ::GetLastError() == ERROR_ACCESS_DENIED;
+    // The parent's handle of its console works from here on; NUL and a printer have worked all the time.
+    if (joined && output != FILE_TYPE_CHAR) {
         // The library writes with the same C runtime, so this is its standard output too.
         static_cast<void>(std::freopen("CONOUT$", "w", stdout));
     }
+}
+
+void LeaveConsole() noexcept
+{
+    LeaveConsole(STD_INPUT_HANDLE, stdin, "r");
+    LeaveConsole(STD_OUTPUT_HANDLE, stdout, "w");
+    LeaveConsole(STD_ERROR_HANDLE, stderr, "w");
+    ::FreeConsole(); // fails where there is none
+}
+
+void Answer(const wchar_t* text) noexcept
+{
+    const bool redirected = IsRedirected(::GetFileType(::GetStdHandle(STD_OUTPUT_HANDLE)));
+    JoinParentConsole();
+    if (!redirected) {
+        std::fputws(L"\n", stdout); // a shell does not wait: its next prompt stands on the line
+    }
+    std::fputws(text, stdout);
+    std::fflush(stdout);
+}
+
+void ReportFailure(const wchar_t* line) noexcept
+{
+    ::OutputDebugStringW(line);
+    Answer(line);
+    std::fputws(L"\n", stdout);
+    std::fflush(stdout);
 }

@@ -1,5 +1,7 @@
 #include "boot/control_window.h"
 
+#include "boot/arrivals.h"
+
 #include <windows.h>
 
 namespace
@@ -8,26 +10,30 @@ namespace
 constexpr const wchar_t* kWindowClass = L"KestraBootControl";
 constexpr const wchar_t* kWindowTitle = L"Corvane Kestrafetch Boot"; // an uninstall looks for this title
 
+LRESULT Quit() noexcept
+{
+    StartNothingMore();
+    ::PostQuitMessage(0);
+    return 0;
+}
+
 LRESULT CALLBACK ControlProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept
 {
     switch (message) {
     case WM_QUIT: // sent by an uninstall; a posted one ends the loop by itself
     case WM_DESTROY:
-        ::PostQuitMessage(0);
-        return 0;
+        return Quit();
     case WM_ENDSESSION:
-        if (wParam != 0) {
-            ::PostQuitMessage(0);
-        }
-        return 0;
-    default:
+        return wParam != 0 ? Quit() : 0;
+    default: // of WM_QUERYENDSESSION too: "yes", at once. Another program may say no, so nothing ends
+             // yet
         return ::DefWindowProcW(window, message, wParam, lParam);
     }
 }
 
 } // namespace
 
-bool ServeUntilAskedToQuit() noexcept
+bool MakeControlWindow() noexcept
 {
     WNDCLASSEXW windowClass = {};
     windowClass.cbSize = sizeof windowClass;
@@ -35,15 +41,17 @@ bool ServeUntilAskedToQuit() noexcept
     windowClass.lpszClassName = kWindowClass;
     windowClass.lpfnWndProc = ControlProcedure;
     // Top-level and never shown; a message-only window would not be enumerated.
-    if (::RegisterClassExW(&windowClass) == 0 ||
-        ::CreateWindowExW(0, kWindowClass, kWindowTitle, WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
-                          windowClass.hInstance, nullptr) == nullptr) {
-        return false;
-    }
+    return ::RegisterClassExW(&windowClass) != 0 &&
+           ::CreateWindowExW(0, kWindowClass, kWindowTitle, WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
+                             windowClass.hInstance, nullptr) != nullptr;
+}
+
+void ServeUntilAskedToQuit() noexcept
+{
     MSG message = {};
     while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
         ::TranslateMessage(&message);
         ::DispatchMessageW(&message);
     }
-    return true;
+    StartNothingMore(); // a posted WM_QUIT passes the window by
 }

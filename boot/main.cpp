@@ -1,34 +1,45 @@
 // kestraboot.exe, the reference host: takes control at log-on and starts the default application for
 // each device that the library reports. It stands on the exported interface alone.
 #include "boot/console.h"
-#include "boot/control_window.h"
 #include "boot/exit_code.h"
+#include "boot/libraries.h"
+#include "boot/serve.h"
+#include "boot/usage.h"
 #include "kestraboot/kestraboot.h"
 
 #include <windows.h>
 #include <exception>
+#include <initializer_list>
+#include <memory>
+#include <new>
+#include <shellapi.h>
 #include <string>
 #include <vector>
 
 namespace
 {
 
-/// Runs on a tracker's thread, one call at a time; the handler is this call's own, so nothing is shared
-/// with the main thread.
-void OnDeviceConnected(std::wstring& deviceKind, std::wstring& deviceId)
+struct LocalMemoryDeleter {
+    void operator()(wchar_t** memory) const noexcept { ::LocalFree(memory); }
+};
+
+/// The first word after the program, as the library reads it; nothing where there is none.
+std::wstring FirstWord()
 {
-    CKestraBootCommandHandler handler;
-    handler.LaunchDefaultKestra(deviceKind, deviceId);
+    int count = 0;
+    const std::unique_ptr<wchar_t*, LocalMemoryDeleter> words(
+        ::CommandLineToArgvW(::GetCommandLineW(), &count));
+    return words && count > 1 ? words.get()[1] : L"";
 }
 
-ExitCode Serve(CKestraBootCommandHandler& handler)
+bool IsOneOf(const std::wstring& word, std::initializer_list<const wchar_t*> options) noexcept
 {
-    if (!handler.TakeControl()) {
-        return ExitCode::NotInControl;
+    for (const wchar_t* const option : options) {
+        if (_wcsicmp(word.c_str(), option) == 0) {
+            return true;
+        }
     }
-    RegisterDeviceConnectCallback(OnDeviceConnected);
-    StartDeviceConnectService();
-    return ServeUntilAskedToQuit() ? ExitCode::Done : ExitCode::CannotServe;
+    return false;
 }
 
 ExitCode SetDefault(CKestraBootCommandHandler& handler, std::wstring& name, std::wstring& value)
@@ -41,40 +52,53 @@ ExitCode SetDefault(CKestraBootCommandHandler& handler, std::wstring& name, std:
                                                          : ExitCode::UnknownApplication;
 }
 
-bool Is(const std::wstring& word, const wchar_t* option) noexcept
-{
-    return _wcsicmp(word.c_str(), option) == 0;
-}
-
 ExitCode Run()
 {
+    const std::wstring first = FirstWord();
+    if (IsOneOf(first, {L"--help", L"-h", L"/?"})) {
+        AnswerUsage();
+        return ExitCode::Done;
+    }
+    if (IsOneOf(first, {L"--version"})) {
+        AnswerVersion();
+        return ExitCode::Done;
+    }
+    const bool isDefault = IsOneOf(first, {L"-default"});
+    if (isDefault) {
+        JoinParentConsole(); // the library says what is wrong with it, from here on
+    }
     CKestraBootCommandHandler handler;
     std::vector<std::wstring> words;
     handler.ParseCommandLineParameter(words);
     if (words.empty()) {
+        if (!isDefault) {
+            AnswerUsage();
+        }
         return ExitCode::Usage;
     }
-    if (Is(words[0], L"-install")) {
-        return Serve(handler);
+    if (isDefault) {
+        return SetDefault(handler, words[1], words[2]);
     }
-    if (Is(words[0], L"-uninstall")) {
+    if (IsOneOf(words[0], {L"-uninstall"})) {
+        LeaveConsole(); // the next application's boot program is started from here, and stays
         handler.Uninstall();
         return ExitCode::Done;
     }
-    return SetDefault(handler, words[1], words[2]);
+    return Serve();
 }
 
 } // namespace
 
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int)
 {
-    JoinParentConsole();
-    ExitCode code = ExitCode::CannotServe;
     try {
-        code = Run();
+        SearchNoLibraryInCurrentFolder();
+        return static_cast<int>(Run());
+    } catch (const std::bad_alloc&) {
+        ReportFailure(L"<KestraBoot><!!! The boot program cannot go on: out of memory.>");
     } catch (const std::exception&) {
-        // No memory at the start: nothing was taken into control, or the claim ends with the process.
+        ReportFailure(L"<KestraBoot><!!! The boot program cannot start: no folder to work in.>");
     }
-    // Ends the tracker threads with the process; no destructor runs under them.
-    ::ExitProcess(static_cast<UINT>(code));
+    // The claim, if there is one, ends with the process.
+    return static_cast<int>(ExitCode::CannotServe);
 }

@@ -9,36 +9,55 @@
 
 namespace kestraboot::tests
 {
+namespace
+{
+
+/// An inheritable handle; null where the process is given none.
+HANDLE OpenToWriteOn(WritesOn output, const wchar_t* file)
+{
+    if (output == WritesOn::Nothing || output == WritesOn::Console) {
+        return nullptr;
+    }
+    if (output != WritesOn::File) {
+        file = output == WritesOn::Nul ? L"NUL" : L"CONOUT$";
+    }
+    SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+    return ::CreateFileW(file, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited,
+                         output == WritesOn::File ? CREATE_ALWAYS : OPEN_EXISTING, 0, nullptr);
+}
+
+} // namespace
 
 ChildProcess::ChildProcess(const std::filesystem::path& program, const std::wstring& arguments,
-                           bool withOutput)
+                           WritesOn output, const std::filesystem::path& folder)
 {
     wchar_t name[MAX_PATH] = {};
     ::GetTempFileNameW(std::filesystem::temp_directory_path().c_str(), L"out", 0, name);
     outputFile = name;
 
-    SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
-    const HANDLE output =
-        ::CreateFileW(name, GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr);
+    const HANDLE file = OpenToWriteOn(output, name);
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
-    if (withOutput) {
+    if (file != nullptr) {
         startup.dwFlags = STARTF_USESTDHANDLES;
-        startup.hStdOutput = output;
-        startup.hStdError = output;
+        startup.hStdOutput = file;
+        startup.hStdError = file;
     }
     std::wstring line = L"\"" + program.wstring() + L"\"" + (arguments.empty() ? L"" : L" ") + arguments;
-    const std::wstring folder = program.parent_path().wstring();
+    const std::wstring startFolder = (folder.empty() ? program.parent_path() : folder).wstring();
     BOOL started = FALSE;
     DWORD error = ERROR_INTERNAL_ERROR;
     // With that error Wine's new process ended before it began: once in some ten thousand starts.
     for (int attempt = 1; attempt <= 3 && !started && error == ERROR_INTERNAL_ERROR; ++attempt) {
-        started = ::CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, withOutput,
-                                   withOutput ? 0 : DETACHED_PROCESS, nullptr, folder.c_str(), &startup,
-                                   &information);
+        started =
+            ::CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, output != WritesOn::Nothing,
+                             output == WritesOn::Nothing ? DETACHED_PROCESS : 0, nullptr,
+                             startFolder.c_str(), &startup, &information);
         error = ::GetLastError();
     }
-    ::CloseHandle(output);
+    if (file != nullptr) {
+        ::CloseHandle(file);
+    }
     if (!started) {
         throw std::runtime_error("cannot start " + program.string() + ": error " +
                                  std::to_string(error));

@@ -7,14 +7,23 @@
 namespace kestraboot::tests
 {
 
+/// What a process is given to write on.
+enum class WritesOn {
+    File,          ///< a file; Output() reads it
+    Nothing,       ///< nothing at all, as at log-on
+    Console,       ///< what Windows makes of this process's console, as at a prompt
+    ConsoleHandle, ///< the handle of this process's console, as some shells do
+    Nul,           ///< thrown away
+};
+
 /// A process that the test starts; ended with this object at the latest.
 class ChildProcess
 {
 public:
-    /// `arguments` follows the quoted program as it stands. Standard output is kept; with
-    /// `withConsole` false the process has no standard output at all, as at log-on.
+    /// `arguments` follows the quoted program as it stands. It starts in the program's folder unless
+    /// another is given.
     explicit ChildProcess(const std::filesystem::path& program, const std::wstring& arguments = {},
-                          bool withOutput = true);
+                          WritesOn output = WritesOn::File, const std::filesystem::path& folder = {});
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
     ~ChildProcess();

@@ -1,4 +1,5 @@
 // Which instance of the boot program is in control.
+#include "kestraboot/version.h"
 #include "tests/system/system_test.h"
 
 #include <gmock/gmock.h>
@@ -38,7 +39,7 @@ TEST_F(Control, IsLeftWhenAPostedMessageAsks)
 
 TEST_F(Control, IsTakenWithoutAConsole)
 {
-    ChildProcess boot(app.Proxy(), L"-Install and more", false);
+    ChildProcess boot(app.Proxy(), L"-Install and more", WritesOn::Nothing);
     Quit(boot);
 }
 
@@ -81,19 +82,39 @@ TEST_F(Control, IsTakenByExactlyOneOfTwoThatStartAtTheSameMoment)
     }
 }
 
-TEST_F(Control, UnknownArgumentsEndItAtOnce)
+TEST_F(Control, UnknownArgumentsEndItAtOnceWithItsUsage)
 {
-    for (const wchar_t* const arguments : {L"/install", L"install", L"-x", L"\"\"", L"--install",
-                                           L"-default", L"-default App", L"-default App yes extra"}) {
+    for (const wchar_t* const arguments :
+         {L"/install", L"install", L"-x", L"\"\"", L"--install", L"-help", L"--versions"}) {
         ChildProcess boot(app.Proxy(), arguments);
         EXPECT_EQ(boot.ExitCode(), kUsage) << std::filesystem::path(arguments);
         EXPECT_THAT(trace.LinesOf(boot.Id()), ElementsAre());
-        const bool usage = std::wstring(arguments).starts_with(L"-default");
-        EXPECT_EQ(boot.Output(),
-                  usage ? "\n !!! Please follow the syntax:"
-                          "\n [Qualified path]\\kestraboot.exe -default [app name] [yes | no] \n"
-                        : "");
+        EXPECT_EQ(boot.Output(), kUsageText);
     }
+}
+
+TEST_F(Control, ADefaultWithTooFewOrTooManyWordsIsToldTheSyntaxOnce)
+{
+    for (const wchar_t* const arguments : {L"-default", L"-Default App", L"-default App yes extra"}) {
+        ChildProcess boot(app.Proxy(), arguments);
+        EXPECT_EQ(boot.ExitCode(), kUsage) << std::filesystem::path(arguments);
+        EXPECT_THAT(trace.LinesOf(boot.Id()), ElementsAre());
+        EXPECT_EQ(boot.Output(), kDefaultSyntax);
+    }
+}
+
+TEST_F(Control, IsNotTakenByAQuestion)
+{
+    for (const wchar_t* const arguments : {L"--help", L"-h", L"/?", L"-H", L"--HELP and more"}) {
+        ChildProcess boot(app.Proxy(), arguments);
+        EXPECT_EQ(boot.ExitCode(), kDone) << std::filesystem::path(arguments);
+        EXPECT_EQ(boot.Output(), kUsageText);
+        EXPECT_THAT(trace.LinesOf(boot.Id()), ElementsAre());
+    }
+    ChildProcess boot(app.Proxy(), L"--version");
+    EXPECT_EQ(boot.ExitCode(), kDone);
+    EXPECT_EQ(boot.Output(), "kestraboot " KESTRABOOT_VERSION_TEXT "\n");
+    EXPECT_EQ(AutoRunEntry(), L"(none)");
 }
 
 struct OemCase {

@@ -96,7 +96,7 @@ TEST_F(DefaultSwitch, PointsTheAutoRunEntryAtTheProxyThatRan)
 
 TEST_F(DefaultSwitch, WithoutAConsoleIsNoError)
 {
-    ChildProcess boot(c.Proxy(), L"-default Nobody yes", false);
+    ChildProcess boot(c.Proxy(), L"-default Nobody yes", WritesOn::Nothing);
     EXPECT_EQ(boot.ExitCode(), kUnknownApplication);
 }
 

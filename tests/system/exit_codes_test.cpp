@@ -2,11 +2,15 @@
 // here.
 #include "tests/support/card_slot.h"
 #include "tests/support/unix_path.h"
+#include "tests/system/faults.h"
 #include "tests/system/system_test.h"
 
+#include <algorithm>
 #include <dbt.h>
 #include <fstream>
 #include <iterator>
+#include <utility>
+#include <vector>
 
 namespace kestraboot::tests
 {
@@ -16,16 +20,14 @@ namespace
 class ExitCodes : public SystemTest
 {
 protected:
-    void Row(const std::string& situation, DWORD code)
-    {
-        table += "| " + std::to_string(code) + " | " + situation + " |\n";
-    }
+    void Row(const std::string& situation, DWORD code) { rows.emplace_back(code, situation); }
 
     ~ExitCodes() override { static_cast<void>(TakeCardOut(L'E')); }
 
     DWORD ServeUntilACardArrives()
     {
         app.AddOemFile(""); // no longer stops it
+        app.Register();
         SetWindowsVersion(L"kestraboot.exe", L"vista");
         ChildProcess boot(app.Proxy());
         const HWND window = AwaitWindow(boot.Id(), kVolumeWindow);
@@ -36,16 +38,24 @@ protected:
               "<***DeviceConnect***><NOKIA Devices will not be detected.>"}) {
             EXPECT_TRUE(trace.Await(line)) << line;
         }
+        app.Unregister();
         EXPECT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
         ::PostMessageW(window, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0);
         return boot.ExitCode();
+    }
+
+    DWORD RunWithoutWindows()
+    {
+        app.Register();
+        const Faults noWindow(app, L"kestraboot.exe!CreateWindowExW=fail");
+        return Run(L"");
     }
 
     DWORD Run(const wchar_t* arguments) { return ChildProcess(app.Proxy(), arguments).ExitCode(); }
 
     Installation app{L"Maker"};
     TempFolder card;
-    std::string table = "| exit code | when |\n|---|---|\n";
+    std::vector<std::pair<DWORD, std::string>> rows;
 };
 
 TEST_F(ExitCodes, AreThoseOfTheReadme)
@@ -54,16 +64,16 @@ TEST_F(ExitCodes, AreThoseOfTheReadme)
         ChildProcess boot(app.Proxy());
         const HWND window = AwaitWindow(boot.Id(), kBootTitle);
         ASSERT_NE(window, nullptr);
-        const DWORD refused = Run(L"-install");
+        Row("another instance is in control", Run(L"-install"));
         ::SendMessageW(window, WM_QUIT, 0, 0);
-        Row("it was in control and was asked to quit", boot.ExitCode());
+        Row("it was in control and was asked to quit, or the session ended", boot.ExitCode());
         Row("`-uninstall` did what there was to do", Run(L"-uninstall"));
         Row("`-default \"Maker\" yes`: the flag is set where the user may write",
             Run(L"-default Maker yes"));
         Row("`-default \"Maker\" maybe`: neither yes nor no", Run(L"-default Maker maybe"));
         Row("`-default` with too few or too many words", Run(L"-default Maker"));
+        Row("`--help` or `--version`", Run(L"--help"));
         Row("any other argument, such as `/install`", Run(L"/install"));
-        Row("another instance is in control", refused);
     }
     app.AddOemFile("[KestraProxyStopInstall]\r\n1\r\n");
     Row("the OEM file stops the install", Run(L""));
@@ -71,11 +81,19 @@ TEST_F(ExitCodes, AreThoseOfTheReadme)
         Run(L"-default Nobody yes"));
     app.Unregister();
     Row("`-default`, and no compatible application is installed any more", Run(L"-default Maker yes"));
+    Row("no compatible application is installed, or this user wants none", Run(L""));
     Row("it was in control, a device arrived, and no compatible application was installed any more",
         ServeUntilACardArrives());
-    EXPECT_EQ(Run(L"/install"), kUsage); // the other arguments do not ask for an application
+    Row("a window, memory or a folder to work in cannot be had", RunWithoutWindows());
+    EXPECT_EQ(Run(L"--version"), kDone); // the other arguments do not ask for an application
+    EXPECT_EQ(Run(L"/install"), kUsage);
     EXPECT_EQ(Run(L"-default Maker"), kUsage);
 
+    std::ranges::stable_sort(rows, {}, &std::pair<DWORD, std::string>::first);
+    std::string table = "| exit code | when |\n|---|---|\n";
+    for (const auto& [code, situation] : rows) {
+        table += "| " + std::to_string(code) + " | " + situation + " |\n";
+    }
     std::ifstream file(KESTRABOOT_README, std::ios::binary);
     const std::string readme(std::istreambuf_iterator<char>(file), {});
     EXPECT_NE(readme.find(table), std::string::npos) << "README should hold this table:\n\n" << table;

@@ -29,7 +29,7 @@ std::string ReportOf(const std::wstring& program)
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
-void CopyProgram(const std::wstring& built, const std::filesystem::path& to)
+void CopyProgram(const std::filesystem::path& built, const std::filesystem::path& to)
 {
     std::filesystem::copy_file(BuiltPrograms() / built, to,
                                std::filesystem::copy_options::overwrite_existing);
@@ -53,8 +53,20 @@ Installation::Installation(const std::wstring& product, const std::wstring& boot
         CopyProgram(dll, folder.Path() / dll);
     }
     std::filesystem::remove(ReportFile(Application().stem().wstring()));
-    Register({KeyPath(), name, Proxy().wstring(), Application().wstring(), L"jpg"});
+    Register();
+}
+
+void Installation::Register() const
+{
+    tests::Register({KeyPath(), name, Proxy().wstring(), Application().wstring(), L"jpg"});
     MakeKey(HKEY_LOCAL_MACHINE, KeyPath() + L"\\Preferences");
+}
+
+void Installation::Put(const std::filesystem::path& built, const std::filesystem::path& as) const
+{
+    const std::filesystem::path target = folder.Path() / as;
+    std::filesystem::create_directories(target.parent_path());
+    CopyProgram(built, target);
 }
 
 std::filesystem::path Installation::Application() const

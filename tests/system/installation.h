@@ -21,6 +21,7 @@ public:
                           const std::wstring& bootProgram = L"kestraboot.exe",
                           const std::wstring& bootName = L"kestraboot.exe");
 
+    void Register() const; ///< as it is made: with an installer's keys
     void Unregister() const;
 
     [[nodiscard]] std::filesystem::path Proxy() const { return folder.Path() / proxyName; }
@@ -29,6 +30,10 @@ public:
 
     /// What the started application wrote down; empty when it was not started.
     [[nodiscard]] std::string Report() const;
+
+    /// Puts a file of this build, by its path below the folder of the programs, into its folder under
+    /// another name, in place of what is there.
+    void Put(const std::filesystem::path& built, const std::filesystem::path& as) const;
 
     /// Writes the OEM file beside the boot program.
     void AddOemFile(std::string_view contents) const { folder.AddFile(L"OEM/album.ini", contents); }

@@ -24,6 +24,21 @@ void SystemTest::Quit(ChildProcess& boot)
     EXPECT_EQ(boot.ExitCode(), kDone);
 }
 
+void SystemTest::EndServing()
+{
+    HWND window = nullptr;
+    ASSERT_TRUE(Within(30'000, [&window] {
+        window = ::FindWindowW(nullptr, kBootTitle.c_str());
+        return window != nullptr;
+    })) << "no boot program serves";
+    DWORD processId = 0;
+    ::GetWindowThreadProcessId(window, &processId);
+    const HANDLE process = ::OpenProcess(SYNCHRONIZE, FALSE, processId);
+    ::SendMessageW(window, WM_QUIT, 0, 0);
+    EXPECT_EQ(::WaitForSingleObject(process, 30'000), WAIT_OBJECT_0);
+    ::CloseHandle(process);
+}
+
 testing::AssertionResult SystemTest::AwaitOrders(const LegacyOrganiser& organiser,
                                                  const std::vector<std::string>& orders)
 {

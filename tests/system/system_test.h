@@ -26,10 +26,29 @@ inline const std::string kNoneFound =
     "<KestraBoot><!!! No Kestra Compatible application found. This situation should be avoided.>";
 inline const std::string kDeletingRunKey =
     "<KestraBoot><Deleting run key. Auto run is going to discontinue from now onwards.>";
+inline const std::string kNoWindow =
+    "<KestraBoot><!!! The boot program cannot start: no window can be made.>";
+inline const std::string kNoMemory = "<KestraBoot><!!! The boot program cannot go on: out of memory.>";
+inline const std::string kNoFolder =
+    "<KestraBoot><!!! The boot program cannot start: no folder to work in.>";
+inline const std::string kNotItsFolder =
+    "<KestraBoot><!!! The boot program's folder cannot be made the current one. No plugin is loaded.>";
 inline const std::string kVolumes = "<***DeviceConnect***><VolumeTracker><Volumes will be detected.>";
+
+/// What kestraboot.exe says of itself, and what the library says of its "-default".
+inline const std::string kUsageText =
+    "kestraboot.exe [-install]                      takes control and serves\n"
+    "kestraboot.exe -uninstall                      ends the others and hands over\n"
+    "kestraboot.exe -default [app name] [yes | no]  makes it the only default or not\n"
+    "kestraboot.exe --help                          shows this text (as -h and /?)\n"
+    "kestraboot.exe --version                       shows the version\n";
+inline const std::string kDefaultSyntax =
+    "\n !!! Please follow the syntax:"
+    "\n [Qualified path]\\kestraboot.exe -default [app name] [yes | no] \n";
 
 /// The exit codes of kestraboot.exe.
 inline constexpr DWORD kDone = 0;
+inline constexpr DWORD kCannotServe = 1;
 inline constexpr DWORD kUsage = 2;
 inline constexpr DWORD kNotInControl = 3;
 inline constexpr DWORD kUnknownApplication = 4;
@@ -45,6 +64,9 @@ protected:
 
     /// Asks a boot program to quit, as an uninstall does, and checks that it ends cleanly.
     static void Quit(ChildProcess& boot);
+
+    /// Asks whichever boot program serves, or comes to, to quit, and waits until it is gone.
+    static void EndServing();
 
     /// Waits until the legacy organiser was started with exactly these.
     static testing::AssertionResult AwaitOrders(const LegacyOrganiser& organiser,

@@ -33,24 +33,6 @@ protected:
                "><" + to.Proxy().string() + "> >";
     }
 
-    /// Ends the boot program that a hand-over started.
-    static void EndStarted(const Installation& installed)
-    {
-        HWND window = nullptr;
-        ASSERT_TRUE(Within(30'000,
-                           [&] {
-                               window = ::FindWindowW(nullptr, kBootTitle.c_str());
-                               return window != nullptr;
-                           }))
-            << "nothing was started from " << installed.Proxy();
-        DWORD processId = 0;
-        ::GetWindowThreadProcessId(window, &processId);
-        const HANDLE process = ::OpenProcess(SYNCHRONIZE, FALSE, processId);
-        ::SendMessageW(window, WM_QUIT, 0, 0);
-        ::WaitForSingleObject(process, 30'000);
-        ::CloseHandle(process);
-    }
-
     Installation app{L"App"};
 };
 
@@ -86,7 +68,7 @@ TEST_F(Uninstalling, StopsTheOtherInstanceAndStartsTheNextApplicationsProxy)
     EXPECT_EQ(serving->ExitCode(), kDone) << "it quit by itself";
     EXPECT_THAT(trace.LinesOf(uninstall.Id()), ElementsAre(Switching(other)));
     EXPECT_EQ(AutoRunEntry(), L"\"" + other.Proxy().wstring() + L"\"");
-    EndStarted(other);
+    EndServing();
 }
 
 TEST_F(Uninstalling, StopsTwoInstancesOneAfterTheOther)
@@ -106,7 +88,7 @@ TEST_F(Uninstalling, StopsTwoInstancesOneAfterTheOther)
     EXPECT_EQ(first->ExitCode(), 0U) << "ended, since it did not quit";
     EXPECT_EQ(second->ExitCode(), 0U);
     EXPECT_THAT(trace.LinesOf(uninstall.Id()), ElementsAre(Switching(other)));
-    EndStarted(other);
+    EndServing();
 }
 
 TEST_F(Uninstalling, EndsAnInstanceThatIgnoresTheRequest)
@@ -117,7 +99,7 @@ TEST_F(Uninstalling, EndsAnInstanceThatIgnoresTheRequest)
     ChildProcess uninstall(stubborn.Proxy(), L"-uninstall");
     EXPECT_EQ(uninstall.ExitCode(), 0U);
     EXPECT_EQ(serving->ExitCode(), 0U) << "7 would mean that it quit";
-    EndStarted(app);
+    EndServing();
 }
 
 TEST_F(Uninstalling, WithNoApplicationButItsOwnGivesDevicesBackToTheOrganiser)
@@ -154,7 +136,7 @@ TEST_F(Uninstalling, PassesOverApplicationsWhoseProxyIsGone)
     ChildProcess uninstall(app.Proxy(), L"-uninstall");
     EXPECT_EQ(uninstall.ExitCode(), kDone);
     EXPECT_THAT(trace.LinesOf(uninstall.Id()), ElementsAre(Switching(other)));
-    EndStarted(other);
+    EndServing();
 }
 
 } // namespace

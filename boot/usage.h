@@ -1,0 +1,6 @@
+// What the program says of itself.
+#pragma once
+
+void AnswerUsage() noexcept;
+
+void AnswerVersion() noexcept;

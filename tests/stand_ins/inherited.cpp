@@ -1,0 +1,52 @@
+// inherited.exe: an application that writes down what it has of a console, in a file beside it of its
+// own name and ".txt".
+#include <windows.h>
+#include <io.h>
+
+#include <fstream>
+#include <string>
+
+namespace
+{
+
+const char* KindOf(HANDLE handle) noexcept
+{
+    DWORD mode = 0;
+    if (::GetConsoleMode(handle, &mode)) {
+        return "console";
+    }
+    switch (::GetFileType(handle)) {
+    case FILE_TYPE_DISK:
+        return "file";
+    case FILE_TYPE_PIPE:
+        return "pipe";
+    case FILE_TYPE_CHAR:
+        return "device";
+    default:
+        return "none";
+    }
+}
+
+} // namespace
+
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int)
+{
+    wchar_t path[MAX_PATH] = {};
+    ::GetModuleFileNameW(nullptr, path, MAX_PATH);
+    DWORD processes[1] = {};
+    std::string text;
+    text += ::GetConsoleProcessList(processes, 1) != 0 ? "attached\n" : "not attached\n";
+    constexpr DWORD kHandles[] = {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE};
+    for (int number = 0; number < 3; ++number) {
+        text += KindOf(::GetStdHandle(kHandles[number]));
+        text += ' ';
+        text += KindOf(reinterpret_cast<HANDLE>(::_get_osfhandle(number))); // the C runtime's
+        text += '\n';
+    }
+    // In one move: whoever finds the file finds all of it.
+    const std::wstring report = std::wstring(path) + L".txt";
+    const std::wstring part = report + L".part";
+    std::ofstream(part.c_str(), std::ios::binary) << text;
+    ::MoveFileExW(part.c_str(), report.c_str(), MOVEFILE_REPLACE_EXISTING);
+    return 0;
+}

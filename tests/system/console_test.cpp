@@ -1,0 +1,158 @@
+// The boot program and the console window that it is started from.
+#include "tests/system/console_window.h"
+#include "tests/system/faults.h"
+#include "tests/system/system_test.h"
+
+#include <fstream>
+#include <iterator>
+
+namespace kestraboot::tests
+{
+namespace
+{
+
+class AtAPrompt : public SystemTest
+{
+protected:
+    /// What a short run leaves on the window, after the prompt's line.
+    std::string Says(const std::wstring& arguments, DWORD exitCode, WritesOn output = WritesOn::Console)
+    {
+        const ConsoleWindow console;
+        ChildProcess boot(app.Proxy(), arguments, output);
+        EXPECT_EQ(boot.ExitCode(), exitCode);
+        const std::string text = console.Text();
+        EXPECT_EQ(text.substr(0, 4), "C:\\>");
+        return text.substr(4);
+    }
+
+    Installation app{L"App"};
+};
+
+TEST_F(AtAPrompt, AShortRunSaysOnTheWindowWhatItHasToSay)
+{
+    EXPECT_EQ(Says(L"--help", kDone), "\n" + kUsageText);
+    EXPECT_EQ(Says(L"--version", kDone), "\nkestraboot 1.0.0\n");
+    EXPECT_EQ(Says(L"/install", kUsage), "\n" + kUsageText);
+    EXPECT_EQ(Says(L"-default Nobody yes", kUnknownApplication),
+              "\n !!! Invalid first argument value."
+              "\n !!! This application is not registered as Kestra compatible.");
+    EXPECT_EQ(Says(L"-default App maybe", kUsage), "\n !!! Invalid second argument value.");
+    // The last line ends in a blank.
+    EXPECT_EQ(Says(L"-default App", kUsage) + "\n",
+              std::string(kDefaultSyntax).erase(kDefaultSyntax.size() - 2, 1) + "\n");
+}
+
+TEST_F(AtAPrompt, AShortRunThatIsGivenTheWindowsHandleSaysItThereToo)
+{
+    EXPECT_EQ(Says(L"--version", kDone, WritesOn::ConsoleHandle), "\nkestraboot 1.0.0\n");
+    EXPECT_EQ(Says(L"-default App maybe", kUsage, WritesOn::ConsoleHandle),
+              "\n !!! Invalid second argument value.");
+}
+
+TEST_F(AtAPrompt, ARunThatSucceedsSaysNothing)
+{
+    EXPECT_EQ(Says(L"-default App yes", kDone), "");
+    EXPECT_EQ(Says(L"-uninstall", kDone), "");
+}
+
+TEST_F(AtAPrompt, OutputThatIsRedirectedStaysSo)
+{
+    const ConsoleWindow console;
+    for (const wchar_t* const arguments : {L"--help", L"/install"}) {
+        ChildProcess boot(app.Proxy(), arguments);
+        boot.ExitCode();
+        EXPECT_EQ(boot.Output(), kUsageText);
+    }
+    ChildProcess wrong(app.Proxy(), L"-default App maybe");
+    wrong.ExitCode();
+    EXPECT_EQ(wrong.Output(), "\n !!! Invalid second argument value.");
+    ChildProcess thrownAway(app.Proxy(), L"--help", WritesOn::Nul);
+    EXPECT_EQ(thrownAway.ExitCode(), kDone);
+    EXPECT_EQ(console.Text(), "C:\\>");
+}
+
+TEST_F(AtAPrompt, AStartThatFailsSaysSoOnTheWindow)
+{
+    const Faults faults(app, L"kestraboot.exe!CreateWindowExW=fail");
+    EXPECT_EQ(Says(L"", kCannotServe), "\n" + kNoWindow + "\n");
+}
+
+class Serving : public AtAPrompt, public testing::WithParamInterface<WritesOn>
+{
+};
+
+TEST_P(Serving, HasNothingOfTheWindowAndOutlivesIt)
+{
+    auto console = std::make_unique<ConsoleWindow>();
+    const HWND window = ::GetConsoleWindow();
+    ChildProcess boot(app.Proxy(), L"", GetParam());
+    ASSERT_NE(AwaitWindow(boot.Id(), kBootTitle), nullptr);
+    EXPECT_TRUE(ConsoleWindow::Has(::GetCurrentProcessId()));
+    EXPECT_FALSE(ConsoleWindow::Has(boot.Id()));
+
+    ASSERT_TRUE(console->PressCtrlC());
+    EXPECT_EQ(console->Text(), "C:\\>");
+    console.reset(); // the shell ends
+    EXPECT_TRUE(Within(30'000, [window] {
+        return !::IsWindow(window);
+    })) << "the boot program keeps it open";
+    EXPECT_TRUE(boot.Running());
+    Quit(boot);
+}
+
+TEST_P(Serving, HandsNothingOfTheWindowOn)
+{
+    app.Put(L"inherited.exe", app.Application().filename());
+    app.Put(L"nokiamanager.mox", L"moxplugins/nokiamanager.mox");
+    const ConsoleWindow console;
+    ChildProcess boot(app.Proxy(), L"", GetParam());
+    ChildProcess phone(BuiltPrograms() / L"phone.exe", L"ready", WritesOn::Nothing);
+    EXPECT_EQ(phone.ExitCode(), 0U);
+
+    const std::filesystem::path report = app.Application().wstring() + L".txt";
+    ASSERT_TRUE(Within(30'000, [&report] {
+        return std::filesystem::exists(report);
+    }));
+    std::ifstream in(report, std::ios::binary);
+    const std::string told(std::istreambuf_iterator<char>(in), {});
+    EXPECT_EQ(told.find("not attached\n"), 0U) << told;
+    EXPECT_EQ(told.find("console"), std::string::npos) << told;
+    // What was redirected is handed on as the parent set it.
+    EXPECT_EQ(told.find("file") != std::string::npos, GetParam() == WritesOn::File) << told;
+    Quit(boot);
+}
+
+std::string NameOf(const testing::TestParamInfo<WritesOn>& output)
+{
+    constexpr const char* kNames[] = {"File", "Nothing", "Console", "ConsoleHandle", "Nul"};
+    return kNames[static_cast<int>(output.param)];
+}
+
+INSTANTIATE_TEST_SUITE_P(StartedWith, Serving,
+                         testing::Values(WritesOn::Console, WritesOn::ConsoleHandle, WritesOn::File,
+                                         WritesOn::Nul),
+                         NameOf);
+
+TEST_F(AtAPrompt, AHandOverLeavesNothingOfTheWindowToTheNextBootProgram)
+{
+    Installation other(L"Other");
+    ChildProcess serving(app.Proxy(), L"", WritesOn::Nothing);
+    ASSERT_NE(AwaitWindow(serving.Id(), kBootTitle), nullptr);
+    app.Unregister();
+    const ConsoleWindow console;
+    ChildProcess uninstall(app.Proxy(), L"-uninstall", WritesOn::ConsoleHandle);
+    EXPECT_EQ(uninstall.ExitCode(), kDone);
+
+    HWND window = nullptr;
+    ASSERT_TRUE(Within(30'000, [&window] {
+        window = ::FindWindowW(nullptr, kBootTitle.c_str());
+        return window != nullptr;
+    }));
+    DWORD next = 0;
+    ::GetWindowThreadProcessId(window, &next);
+    EXPECT_FALSE(ConsoleWindow::Has(next));
+    EndServing();
+}
+
+} // namespace
+} // namespace kestraboot::tests
