@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Checks that docs/support.md explains every line that the product writes, and no line that it does not.
 
-Read from the code: the text of each OutputDebugStringW, FormatTraceLine and PrintConsole. Read from the page: the
+Read from the code: the text of each OutputDebugStringW, FormatTraceLine, PrintConsole and ReportFailure. The boot
+program's answers to a question (Answer) explain themselves. Read from the page: the
 first cell of each row of the table whose head begins with "line". A variable part (%ls, %d) is "…" in the page;
 blanks and line ends at either end of a text play no part. A line that the code puts together from pieces stands in
 COMPOSED: its row is compared piece by piece.
@@ -24,7 +25,8 @@ COMPOSED = {
     '"…" -d "…"': "legacy/proxy_launch.cpp",
 }
 
-WRITER = "foundation/trace.cpp"  # the one file that may use what the others must not
+# The files that may use what the others must not.
+WRITERS = ["foundation/trace.cpp", "boot/console.cpp"]
 UNKNOWN_WRITERS = re.compile(
     r"\b(OutputDebugStringA|wcout|wcerr|cout|cerr|v?f?w?printf|f?put(?:w?s|w?c)|WriteConsole[AW]?|MessageBox(?:Ex)?[AW]?)"
     r"\s*[(<]")
@@ -51,8 +53,8 @@ def as_in_page(text: str) -> str:
 def lines_of_code(name: str, code: str, wrong: list[str]) -> list[tuple[str, str]]:
     """(text as in the page, file:line) of each line that one file writes."""
     found = []
-    buffers = {"FormatTraceLine": r"\s*[A-Za-z]\w*\s*,", "PrintConsole": "", "OutputDebugStringW": ""}
-    for call in re.finditer(r"(?<![\w:])(?:::)?(FormatTraceLine|PrintConsole|OutputDebugStringW)\s*\(", code):
+    buffers = {"FormatTraceLine": r"\s*[A-Za-z]\w*\s*,", "PrintConsole": "", "OutputDebugStringW": "", "ReportFailure": ""}
+    for call in re.finditer(r"(?<![\w:])(?:::)?(FormatTraceLine|PrintConsole|OutputDebugStringW|ReportFailure)\s*\(", code):
         where = f"{name}:{code.count(chr(10), 0, call.start()) + 1}"
         rest = code[call.end():]
         if before := re.match(buffers[call[1]], rest):
@@ -95,7 +97,7 @@ def main() -> int:
     for room in ROOMS:
         for file in sorted((ROOT / room).rglob("*")):
             name = file.relative_to(ROOT).as_posix()
-            if file.suffix not in {".h", ".cpp"} or name == WRITER:
+            if file.suffix not in {".h", ".cpp"} or name in WRITERS:
                 continue
             code = without_comments(file.read_text(encoding="utf-8"))
             for text, where in lines_of_code(name, code, wrong):
