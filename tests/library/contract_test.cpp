@@ -5,6 +5,7 @@
 #include "tests/support/import_patch.h"
 #include "tests/support/process_end.h"
 #include "tests/support/registry_sandbox.h"
+#include "tests/support/source_file.h"
 #include "tests/support/spawn_recorder.h"
 
 #include <gmock/gmock.h>
@@ -62,7 +63,7 @@ const std::map<std::string, Operation> kOperations = {
 
 std::string ReadHeader(const char* name)
 {
-    std::ifstream file(std::string(KESTRABOOT_HEADERS) + name, std::ios::binary);
+    std::ifstream file(SourceFile("include/kestraboot") / name, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
 

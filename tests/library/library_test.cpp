@@ -3,6 +3,7 @@
 #include "tests/support/compatible_application.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/registry_sandbox.h"
+#include "tests/support/source_file.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/trace_recorder.h"
 
@@ -35,7 +36,7 @@ protected:
 
 TEST_F(Library, GivesEveryListedExport)
 {
-    std::ifstream list(KESTRABOOT_EXPORTS_LIST);
+    std::ifstream list(SourceFile("tests/library/exports.txt"));
     int found = 0;
     for (std::string name; std::getline(list, name);) {
         if (!name.empty() && name[0] != '#') {

@@ -1,6 +1,7 @@
 // The exit codes of kestraboot.exe, each seen in a real process; README's table is what comes out of
 // here.
 #include "tests/support/card_slot.h"
+#include "tests/support/source_file.h"
 #include "tests/support/unix_path.h"
 #include "tests/system/faults.h"
 #include "tests/system/system_test.h"
@@ -94,7 +95,7 @@ TEST_F(ExitCodes, AreThoseOfTheReadme)
     for (const auto& [code, situation] : rows) {
         table += "| " + std::to_string(code) + " | " + situation + " |\n";
     }
-    std::ifstream file(KESTRABOOT_README, std::ios::binary);
+    std::ifstream file(SourceFile("README.md"), std::ios::binary);
     const std::string readme(std::istreambuf_iterator<char>(file), {});
     EXPECT_NE(readme.find(table), std::string::npos) << "README should hold this table:\n\n" << table;
 }

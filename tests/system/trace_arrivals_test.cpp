@@ -31,11 +31,11 @@ std::string Escaped(std::string path)
     return path;
 }
 
-class TraceArrivals : public testing::Test
+class TraceArrivalsOfCards : public testing::Test
 {
 protected:
-    TraceArrivals() { ClearCorvaneRegistry(); }
-    ~TraceArrivals() override { static_cast<void>(TakeCardOut(L'E')); }
+    TraceArrivalsOfCards() { ClearCorvaneRegistry(); }
+    ~TraceArrivalsOfCards() override { static_cast<void>(TakeCardOut(L'E')); }
 
     void Start(const std::wstring& options)
     {
@@ -61,7 +61,7 @@ protected:
     HWND window = nullptr;
 };
 
-TEST_F(TraceArrivals, SayWhatACardStarted)
+TEST_F(TraceArrivalsOfCards, SayWhatACardStarted)
 {
     card.AddFile(L"DCIM/100TEST/IMG_0001.JPG", "picture");
     Start(L"--arrivals --json");
@@ -86,7 +86,7 @@ TEST_F(TraceArrivals, SayWhatACardStarted)
                   "devType=volume priDevId=\\\"E:\\\"\",\"milliseconds\":"));
 }
 
-TEST_F(TraceArrivals, SayWhyACardStartedNothing)
+TEST_F(TraceArrivalsOfCards, SayWhyACardStartedNothing)
 {
     card.AddFile(L"notes.txt");
     Start(L"--arrivals");
@@ -98,7 +98,7 @@ TEST_F(TraceArrivals, SayWhyACardStartedNothing)
     EXPECT_THAT(viewer->Await("saw "), EndsWith("saw 0 folders and 1 file, attempts: 3"));
 }
 
-TEST_F(TraceArrivals, SayThatNoApplicationIsLeft)
+TEST_F(TraceArrivalsOfCards, SayThatNoApplicationIsLeft)
 {
     card.AddFile(L"IMG_0001.JPG", "picture");
     Start(L"--arrivals");
@@ -108,7 +108,7 @@ TEST_F(TraceArrivals, SayThatNoApplicationIsLeft)
                                                      "application is left: the process ends"));
 }
 
-TEST_F(TraceArrivals, OfOneTrackerAloneWhereAsked)
+TEST(TraceArrivals, OfOneTrackerAloneWhereAsked)
 {
     RunningViewer wia(L"--arrivals --only WiaTracker");
     ::OutputDebugStringW(L"<***DeviceConnect***><VolumeTracker><REMOVABLE DEVICE><V|E:>");
@@ -118,7 +118,7 @@ TEST_F(TraceArrivals, OfOneTrackerAloneWhereAsked)
     EXPECT_EQ(wia.Lines().size(), 2U) << "the day and the verdict";
 }
 
-TEST_F(TraceArrivals, WithoutADeviceAreTheLaunchersOwn)
+TEST(TraceArrivals, WithoutADeviceAreTheLaunchersOwn)
 {
     RunningViewer launcher(L"--arrivals --only KestraBoot");
     ::OutputDebugStringW(L"Could not get the device type.");
@@ -127,7 +127,7 @@ TEST_F(TraceArrivals, WithoutADeviceAreTheLaunchersOwn)
     EXPECT_EQ(launcher.Lines().size(), 3U) << "the day, the start and its line";
 }
 
-TEST_F(TraceArrivals, AreToldAtTheEndAsTheyStand)
+TEST(TraceArrivals, AreToldAtTheEndAsTheyStand)
 {
     ChildProcess ending{BuiltPrograms() / "kestratrace.exe", L"--arrivals 2"};
     ASSERT_TRUE(AwaitReader());

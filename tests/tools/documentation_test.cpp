@@ -1,4 +1,5 @@
 // docs/tools.md names every word that scripts can meet, and none that is not there.
+#include "tests/support/source_file.h"
 #include "tools/ctl/left_out.h"
 #include "tools/ctl/report_format.h"
 #include "tools/trace/arrival_format.h"
@@ -22,7 +23,7 @@ using testing::HasSubstr;
 
 std::string Page()
 {
-    std::ifstream in(KESTRABOOT_TOOLS_PAGE, std::ios::binary);
+    std::ifstream in(kestraboot::tests::SourceFile("docs/tools.md"), std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
 }
 

@@ -1,5 +1,7 @@
 #include "tests/endurance/faults/expected_file.h"
 
+#include "tests/support/source_file.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -14,6 +16,11 @@ namespace kestraboot::tests
 {
 namespace
 {
+
+std::filesystem::path ExpectedFaults()
+{
+    return SourceFile("tests/endurance/faults/expected");
+}
 
 std::string Joined(const std::vector<std::string>& names)
 {
@@ -174,7 +181,7 @@ std::string Outcomes::Text() const
 
 void CheckExpectedFile(const std::string& scene, const Outcomes& outcomes, bool all)
 {
-    const std::string path = std::string(KESTRABOOT_EXPECTED_FAULTS) + '/' + scene + ".txt";
+    const std::filesystem::path path = ExpectedFaults() / (scene + ".txt");
     if (std::getenv("KESTRABOOT_REWRITE_EXPECTED") != nullptr) {
         std::ofstream(path, std::ios::binary) << outcomes.Text();
         return;
@@ -195,7 +202,7 @@ void CheckExpectedFile(const std::string& scene, const Outcomes& outcomes, bool 
 
 bool SomeSceneSweeps(const std::string& function)
 {
-    for (const auto& file : std::filesystem::directory_iterator(KESTRABOOT_EXPECTED_FAULTS)) {
+    for (const auto& file : std::filesystem::directory_iterator(ExpectedFaults())) {
         std::ifstream in(file.path(), std::ios::binary);
         const std::string text{std::istreambuf_iterator<char>(in), {}};
         if (text.find(std::string(kFailureMark) + function + ' ') != std::string::npos) {

@@ -92,9 +92,7 @@ TEST_F(PluginLoading, OfALibraryThatIsInTheProcessSucceedsWithoutDoingMore)
 TEST_F(PluginLoading, OfWhatIsNoLibraryFails)
 {
     const auto write = [&](const char* name, std::string_view contents) {
-        const auto file = std::unique_ptr<FILE, int (*)(FILE*)>(
-            std::fopen((folder.Path() / name).string().c_str(), "wb"), std::fclose);
-        std::fwrite(contents.data(), 1, contents.size(), file.get());
+        std::ofstream(folder.Path() / name, std::ios::binary) << contents;
     };
     write("text.mox", "this is a letter, not a library");
     write("empty.mox", "");
