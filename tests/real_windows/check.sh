@@ -1,0 +1,101 @@
+#!/usr/bin/env bash
+# Makes the archive, unpacks it where nothing of this machine is seen but itself, and runs it as a person does: some of
+# its programs, or all; and then programs that go wrong on purpose.
+#   check.sh BUILD-FOLDER SOURCE-FOLDER WINE-PREFIX STRIP [PROGRAM ...]
+set -euo pipefail
+build=$1 source=$2 prefix=$3 strip=$4
+shift 4
+. "$source/scripts/wine.sh"
+
+work=$build/tests/real_windows/check
+rm -rf "$work"
+mkdir -p "$work"
+name=kestraboot-tests
+cmake -DNAME=$name -DSOURCE="$source" -DLISTS="$build/tests/real_windows" -DSTRIP="$strip" -DPACKED="$work" \
+    -P "$source/tests/real_windows/archive.cmake" 2>&1
+(cd "$work" && sha256sum --check --quiet $name.zip.sha256)
+
+# ---- A machine without the build: no drive shows it. The folder's name has blanks, what cmd treats in a way of its
+# own, and letters of two scripts, which no single code page has. An application is installed.
+own=$work/wine
+trap 'wine_prefix_end "$own"; rm -rf "$own"' EXIT
+wine_prefix_copy "$prefix.pristine" "$own"
+rm -f "$own/dosdevices/z:"
+home="$own/drive_c/Pr$(printf '\303\274')fung & $(printf '\320\242\320\265\321\201\321\202') (1)"
+mkdir "$home"
+(cd "$home" && cmake -E tar xf "$work/$name.zip")
+folder=$home/$name
+cat >"$own/drive_c/installed.reg" <<'REG'
+REGEDIT4
+
+[HKEY_LOCAL_MACHINE\SOFTWARE\Corvane\Mine\Corvane Kestrafetch]
+"Name"="Mine"
+
+[HKEY_CURRENT_USER\SOFTWARE\Corvane\Mine]
+"kestralaunchstatus"=dword:00000001
+
+[HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\Run]
+"Corvane Kestrafetch"="C:\\Mine\\kestraboot.exe"
+REG
+export LC_ALL=C.UTF-8 # Wine takes the names of files for Unicode by it
+wine_prefix_start "$own"
+wine_run "$own" 60 regedit /S 'C:\installed.reg'
+
+# run SECONDS ARGUMENT ...: as by a double click; what is on the screen into $screen, the exit code into $status
+screen=$work/screen.txt
+run() {
+    local seconds=$1
+    shift
+    status=0
+    (cd "$folder" && wine_run "$own" "$seconds" cmd /c run-tests.cmd "$@") >"$screen" || status=$?
+    cat "$screen"
+}
+fail() { echo "failed: $*"; exit 1; }
+
+# ---- The tests
+only=()
+for program in "$@"; do only+=(--only "$program"); done
+wine_run "$own" 60 cmd /c exit # what Wine writes at its start is written
+sleep 1.1                      # registry times are whole seconds
+begin=$(date +%s)
+touch "$work/begin"
+run 3000 "${only[@]}" # without --no-pause: nobody can press a key, and it ends all the same
+[ $status = 0 ] || { grep -a -A30 '^Failed' "$folder/kestraboot-tests.txt"; fail "exit code $status"; }
+grep -aq 'HKEY_CURRENT_USER\\Software\\KestrabootTests' "$screen" || fail "it does not say what it touches"
+grep -aq '^Real  *no: Wine' "$folder/kestraboot-tests.txt" || fail "the report does not tell that this is Wine"
+"$source/tests/real_windows/report_check.py" "$folder" $#
+
+# ---- What it touched: its folder, and nothing else that is still there
+[ ! -e "$folder/scratch" ] || fail "its scratch folder is left"
+wine_prefix_end "$own"
+left=$(find "$own/drive_c" -newer "$work/begin" -type f -not -path "$home/*")
+[ -z "$left" ] || fail "files outside its folder: $left"
+# Keys whose time is that of the tests. Wine keeps the settings of a console that was made.
+keys=$(awk -v begin="$begin" '/^\[.*\] [0-9]+$/ && $NF >= begin && !/^\[Console\]/' "$own/system.reg" "$own/user.reg")
+[ -z "$keys" ] || fail "registry keys outside its own: $keys"
+! grep -q KestrabootTests "$own/user.reg" || fail "its own registry key is left"
+grep -q 'Corvane\\\\Mine' "$own/system.reg" && grep -q 'Corvane\\\\Mine' "$own/user.reg" || fail "an application is gone"
+wine_prefix_start "$own"
+
+# ---- Arguments that it does not understand, and an archive that was not unpacked
+run 60 --no-pause --wrong
+[ $status = 2 ] || fail "exit code $status for a wrong argument"
+run 60 --no-pause --only nothing_tests
+[ $status = 2 ] || fail "exit code $status for a program that is not there"
+mv "$folder/bin" "$folder/elsewhere"
+run 60 --no-pause
+[ $status = 2 ] && grep -aq 'unpack the whole archive' "$screen" || fail "exit code $status without its programs"
+mv "$folder/elsewhere" "$folder/bin"
+
+# ---- Programs that go wrong
+planted=$build/tests/real_windows/planted
+mkdir "$folder/bin/bare"
+cp "$planted"/*.exe "$source"/tests/real_windows/planted/*.txt "$folder/bin"
+cp "$planted/planted_tests.exe" "$folder/bin/bare"
+run 300 --no-pause --longest-test 4
+"$source/tests/real_windows/planted/expect.py" "$folder" "$screen" $status
+for process in /proc/[0-9]*; do
+    if grep -aqs planted_hang_tests "$process/cmdline" && grep -aqsF "WINEPREFIX=$own" "$process/environ"; then
+        fail "a child of a program that hung still runs: ${process##*/}"
+    fi
+done

@@ -1,0 +1,44 @@
+// Tests that go wrong in every way that the runner tells apart.
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+namespace
+{
+
+TEST(Planted, Passes) {}
+
+TEST(Planted, Fails)
+{
+    EXPECT_EQ(1, 2) << "as planted <&\x01>";
+}
+
+TEST(Planted, IsSkippedByItself)
+{
+    GTEST_SKIP() << "no reason";
+}
+
+TEST(Planted, IsSkippedByTheList)
+{
+    FAIL() << "it was run";
+}
+
+TEST(Planted, Crashes)
+{
+    int* volatile nowhere = nullptr;
+    *nowhere = 1;
+}
+
+TEST(Planted, EndsTheProcess)
+{
+    ::TerminateProcess(::GetCurrentProcess(), 0);
+}
+
+TEST(Planted, HangsUnderTheWatchdog)
+{
+    ::Sleep(INFINITE);
+}
+
+TEST(Planted, PassesBehindAll) {}
+
+} // namespace
