@@ -1,11 +1,17 @@
-# Makes PACKED/NAME.zip and NAME.zip.sha256 from the files that LISTS/files.txt names ("FILE>FOLDER", a line each).
+# Makes PACKED/NAME.zip and NAME.zip.sha256 from the files that LISTS/files.txt names ("FILE>FOLDER" or "FILE>FOLDER>NAME", a line each).
 set(root ${PACKED}/${NAME})
 file(REMOVE_RECURSE ${root})
 
 file(STRINGS ${LISTS}/files.txt files)
 foreach(line IN LISTS files)
-    string(REGEX MATCH "^(.*)>(.*)$" ignored "${line}")
-    file(COPY ${CMAKE_MATCH_1} DESTINATION ${root}/${CMAKE_MATCH_2})
+    string(REPLACE ">" ";" parts "${line}")
+    list(GET parts 0 file)
+    list(GET parts 1 folder)
+    file(COPY ${file} DESTINATION ${root}/${folder})
+    if(parts MATCHES "^[^;]*;[^;]*;(.+)$")
+        cmake_path(GET file FILENAME name)
+        file(RENAME ${root}/${folder}/${name} ${root}/${folder}/${CMAKE_MATCH_1})
+    endif()
 endforeach()
 file(GLOB_RECURSE programs ${root}/bin/*.exe ${root}/bin/*.dll ${root}/bin/*.mox)
 execute_process(COMMAND ${STRIP} ${programs} COMMAND_ERROR_IS_FATAL ANY)

@@ -25,11 +25,18 @@ home="$own/drive_c/Pr$(printf '\303\274')fung & $(printf '\320\242\320\265\321\2
 mkdir "$home"
 (cd "$home" && cmake -E tar xf "$work/$name.zip")
 folder=$home/$name
+mkdir "$own/drive_c/Mine"
+cp "$build/bin/kestraboot.exe" "$build"/bin/*.dll "$own/drive_c/Mine"
 cat >"$own/drive_c/installed.reg" <<'REG'
 REGEDIT4
 
 [HKEY_LOCAL_MACHINE\SOFTWARE\Corvane\Mine\Corvane Kestrafetch]
 "Name"="Mine"
+"ProxyPath"="C:\\Mine\\kestraboot.exe"
+"CmdLine"="C:\\Mine\\kestraboot.exe"
+
+[HKEY_LOCAL_MACHINE\SOFTWARE\Corvane\Mine\Corvane Kestrafetch\File Formats]
+"Image"="jpg"
 
 [HKEY_CURRENT_USER\SOFTWARE\Corvane\Mine]
 "kestralaunchstatus"=dword:00000001
@@ -37,6 +44,7 @@ REGEDIT4
 [HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\Run]
 "Corvane Kestrafetch"="C:\\Mine\\kestraboot.exe"
 REG
+cd "$folder"           # the building machine's folders are not there
 export LC_ALL=C.UTF-8 # Wine takes the names of files for Unicode by it
 wine_prefix_start "$own"
 wine_run "$own" 60 regedit /S 'C:\installed.reg'
@@ -47,7 +55,7 @@ run() {
     local seconds=$1
     shift
     status=0
-    (cd "$folder" && wine_run "$own" "$seconds" cmd /c run-tests.cmd "$@") >"$screen" || status=$?
+    wine_run "$own" "$seconds" cmd /c run-tests.cmd "$@" >"$screen" || status=$?
     cat "$screen"
 }
 fail() { echo "failed: $*"; exit 1; }
@@ -86,6 +94,16 @@ mv "$folder/bin" "$folder/elsewhere"
 run 60 --no-pause
 [ $status = 2 ] && grep -aq 'unpack the whole archive' "$screen" || fail "exit code $status without its programs"
 mv "$folder/elsewhere" "$folder/bin"
+
+# ---- The boot program of somebody who works here
+wine_in "$own" wine 'C:\Mine\kestraboot.exe' >/dev/null 2>&1 </dev/null &
+for try in 1 2 3 4 5 6 7 8 9 10; do
+    run 60 --no-pause --only plugin_kit_tests
+    [ $status = 0 ] || break # its window has come
+done
+[ $status = 2 ] && grep -aq 'boot program is running' "$screen" || fail "exit code $status beside a boot program"
+wine_prefix_end "$own"
+wine_prefix_start "$own"
 
 # ---- Programs that go wrong
 planted=$build/tests/real_windows/planted

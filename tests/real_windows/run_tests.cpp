@@ -116,6 +116,19 @@ bool IsAscii(const std::wstring& text)
     });
 }
 
+/// The tests find the windows of their trackers by their names, and send messages to them: a boot
+/// program in use has windows of the same names.
+void RequireNoBootProgram()
+{
+    for (const wchar_t* const title : {L"Corvane Kestrafetch Boot", L"CardReaderLookupWindow"}) {
+        if (::FindWindowW(nullptr, title) != nullptr) {
+            throw std::runtime_error(
+                "Kestrafetch's boot program is running, and the tests would get in its way; end "
+                "it first (kestraboot.exe in the Task Manager)");
+        }
+    }
+}
+
 void SayWhatWillBeDone(Screen& screen)
 {
     for (const char* const line :
@@ -182,6 +195,7 @@ int RunTests(const Options& options, Screen& screen)
             "the path of this folder is too long: unpack the archive into one with less than " +
             std::to_string(kLongestFolder) + " characters");
     }
+    RequireNoBootProgram();
     const ProgramList list = ReadProgramList(programs, !WineVersion().empty());
     for (const std::string& wanted : options.only) {
         if (std::ranges::find(list.programs, wanted, &Program::path) == list.programs.end()) {

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <sstream>
+#include <stdexcept>
 
 namespace kestraboot::tests
 {
@@ -92,6 +93,10 @@ std::string Installation::Report() const
 
 void ClearCorvaneRegistry()
 {
+    const HMODULE ntdll = ::GetModuleHandleW(L"ntdll.dll");
+    if (::GetProcAddress(ntdll, "wine_get_version") == nullptr) {
+        throw std::runtime_error("this is no Wine prefix: somebody's applications are not removed");
+    }
     ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane");
     ::RegDeleteTreeW(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane");
     ::RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kRunKey, L"Corvane Kestrafetch");

@@ -48,7 +48,8 @@ private:
 /// The folder with the programs of this build.
 [[nodiscard]] std::filesystem::path BuiltPrograms();
 
-/// An empty registry of applications, in both hives; no auto-run entry, no legacy organiser.
+/// An empty registry of applications, in both hives; no auto-run entry, no legacy organiser. Throws
+/// std::runtime_error on a real Windows, where what it removes may be somebody's.
 void ClearCorvaneRegistry();
 
 [[nodiscard]] std::wstring AutoRunEntry();
