@@ -54,7 +54,8 @@ extern "C" {
 /// looked for: a second call starts a second set of trackers and renews the lock under the first.
 ///
 /// **Lifetime.** There is no stop; the trackers run until the process ends, so the library must stay
-/// loaded until then. End the process by `ExitProcess`, so that no destructor runs under a tracker.
+/// loaded until then. End the process by `TerminateProcess` on itself: no destructor runs under a
+/// tracker, and nothing waits for what a tracker's thread holds. `ExitProcess` can wait for ever.
 ///
 /// **Effects.** The trackers make hidden windows and enter COM on their own threads, load "sti.dll",
 /// "twain_32.dll" and the plugins, and take a look at the files of volumes that arrive. For such a

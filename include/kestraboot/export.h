@@ -16,9 +16,9 @@
 #if defined(__MINGW32__)
 #include "kestraboot/c_runtime.h"
 #if KESTRABOOT_FOR_UCRT && !defined(_UCRT)
-#error "kestraboot: this is the library for the UCRT, and the compiler links msvcrt: take the other archive"
+#error "kestraboot: the library is for the UCRT, the compiler links msvcrt: take the other archive"
 #elif !KESTRABOOT_FOR_UCRT && defined(_UCRT)
-#error "kestraboot: this is the library for msvcrt, and the compiler links the UCRT: take the archive -ucrt"
+#error "kestraboot: the library is for msvcrt, the compiler links the UCRT: take the -ucrt archive"
 #endif
 #endif
 #if defined(_GLIBCXX_DEBUG)

@@ -63,12 +63,19 @@
 ///
 /// ### The end of the process
 ///
-/// At log-off, and wherever else the boot executable ends by itself, it calls ExitProcess: **neither
-/// UnregisterCallback nor ShutDown is called.** Windows ends all other threads where they stand,
-/// whatever lock they hold, and only then are the static objects of the plugin destroyed. A static
-/// object that owns a thread does harm there: a std::thread that nobody joined calls std::terminate,
-/// and the process ends with 3 instead of 0; a destructor that takes a lock, or waits for an answer,
-/// waits for a thread that is gone. So:
+/// At log-off, and wherever else the boot executable ends, **neither UnregisterCallback nor ShutDown is
+/// called.** It ends in one of two ways, and a plugin must be right with both:
+///
+/// - kestraboot.exe that is asked to end, as at log-off, terminates itself: no code of the plugin runs
+///   any more, and its static objects are not destroyed.
+/// - ExitProcess, which the library calls when no application is left, and another maker's host perhaps
+///   at log-off: Windows ends all other threads where they are, whatever lock they hold, and then
+///   destroys the static objects of the plugin. A static object that owns a thread does harm there: a
+///   std::thread that nobody joined calls std::terminate, and the process ends with 3 instead of 0; a
+///   destructor that takes a lock, or waits for an answer, waits for a thread that is gone.
+///
+/// So:
+///
 ///
 /// - The object that owns a thread is made with `new` and not deleted at the end: by nobody, as in
 ///   `Plugin& plugin = *new Plugin;`, or with its last reference, which the host keeps until the end, as

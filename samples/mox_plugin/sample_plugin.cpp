@@ -6,11 +6,11 @@
 // Three things make a plugin: an object that says what it is (SampleDescriptor), a source manager that
 // tells of devices (SampleSource), and FxPluginMain, which hands out the first.
 //
-// None of them is a static object, because of the thread: at log-off nobody unregisters the callback or
-// calls ShutDown. Windows ends the thread where it stands, and then destroys what is static, under the
-// loader's lock. A static std::thread would end the whole host there, by std::terminate. The thread here
-// belongs to the source manager, and the host never gives its last reference to that back at log-off:
-// no destructor runs.
+// None of them is a static object, because of the thread: at the end of the process nobody unregisters
+// the callback or calls ShutDown. Where the host ends by ExitProcess, Windows ends the thread where it
+// is, and then destroys what is static, under the loader's lock. A static std::thread would call
+// std::terminate there. The thread here belongs to the source manager, and the host never gives back its
+// last reference to that at the end: no destructor runs.
 #include "kestraboot/mox_plugin.h"
 
 #include <windows.h>
@@ -194,8 +194,8 @@ public:
     // The host's record of this plugin, valid until ShutDown. This one has no use for it.
     mox::Status SetListEntry(const mox::PluginDescriptor*) override { return mox::kSuccess; }
 
-    // The library goes next; at log-off this is not called. The only thread belongs to the source
-    // manager, which is gone by now.
+    // The library goes next; at the end of the process this is not called. The only thread belongs to
+    // the source manager, which is gone by now.
     mox::Status ShutDown() override { return mox::kSuccess; }
 
 private:

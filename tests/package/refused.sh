@@ -40,8 +40,8 @@ compiles -isystem "$work/same" || { cat "$work/said"; exit 1; }
 refused 'libstdc++ with posix threads' -isystem "$work/another-library"
 refused 'libstdc++ with posix threads' -isystem "$work/other-threads"
 refused 'another layout' -D_GLIBCXX_DEBUG
-for_msvcrt='the library for msvcrt, and the compiler links the UCRT'
-for_the_ucrt='the library for the UCRT, and the compiler links msvcrt'
+for_msvcrt='the library is for msvcrt, the compiler links the UCRT'
+for_the_ucrt='the library is for the UCRT, the compiler links msvcrt'
 refused "$for_msvcrt" -I"$work/for-0" -isystem "$work/ucrt"
 refused "$for_the_ucrt" -I"$work/for-1" -isystem "$work/msvcrt"
 compiles -I"$work/for-0" -isystem "$work/msvcrt" || { cat "$work/said"; exit 1; }

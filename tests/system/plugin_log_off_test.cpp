@@ -1,14 +1,23 @@
-// What a log-off does to a plugin: it is not asked, and its static objects are destroyed.
+// What the end of the process does to a plugin. It is never asked; its static objects are destroyed
+// where the process exits, and are not where it is terminated, as at log-off.
+#include "tests/support/card_slot.h"
+#include "tests/support/unix_path.h"
+#include "tests/support/volume_message.h"
 #include "tests/system/plugin_test.h"
+
+#include <dbt.h>
 
 namespace kestraboot::tests
 {
 namespace
 {
 
-class PluginAtLogOff : public PluginTest
+class PluginAtTheEnd : public PluginTest
 {
 protected:
+    PluginAtTheEnd() { SetWindowsVersion(L"kestraboot.exe", L"vista"); }
+    ~PluginAtTheEnd() override { static_cast<void>(TakeCardOut(L'E')); }
+
     /// Tells every program of this session that it ends, as Windows does. Answers how the boot program
     /// ended.
     DWORD LogOff()
@@ -19,15 +28,36 @@ protected:
         EXPECT_EQ(wineboot.ExitCode(), 0U);
         return boot->ExitCode();
     }
+
+    /// A card arrives when no application is left: the library ends the process by ExitProcess. Answers
+    /// how it ended.
+    DWORD LeaveNoApplication()
+    {
+        const HWND window = AwaitWindow(boot->Id(), kVolumeWindow);
+        EXPECT_NE(window, nullptr);
+        app.Unregister();
+        EXPECT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
+        // The process ends before the window answers.
+        static_cast<void>(SendVolumeMessage(window, DBT_DEVICEARRIVAL, L'E', SMTO_NORMAL, 30'000));
+        return boot->ExitCode();
+    }
+
+    TempFolder card;
 };
 
-TEST_F(PluginAtLogOff, BuiltFromTheSampleLetsTheBootProgramEndWell)
+TEST_F(PluginAtTheEnd, BuiltFromTheSampleLetsTheBootProgramEndWell)
 {
     StartWith(L"sample_plugin.mox", "Sample devices");
     EXPECT_EQ(LogOff(), kDone);
 }
 
-TEST_F(PluginAtLogOff, IsAskedForNothing)
+TEST_F(PluginAtTheEnd, BuiltFromTheSampleLetsAProcessExitWell)
+{
+    StartWith(L"sample_plugin.mox", "Sample devices");
+    EXPECT_EQ(LeaveNoApplication(), kDone);
+}
+
+TEST_F(PluginAtTheEnd, IsAskedForNothing)
 {
     StartWith(L"kept_thread.mox", "Players");
     const int shutDowns = trace.Count("player: ShutDown");
@@ -37,11 +67,23 @@ TEST_F(PluginAtLogOff, IsAskedForNothing)
     EXPECT_EQ(trace.Count("player: UnregisterCallback"), 0);
 }
 
-TEST_F(PluginAtLogOff, WithAThreadInAStaticObjectEndsTheBootProgramBadly)
+TEST_F(PluginAtTheEnd, IsNotDestroyedAtLogOff)
+{
+    StartWith(L"static_thread.mox", "Players");
+    EXPECT_EQ(LogOff(), kDone);
+}
+
+TEST_F(PluginAtTheEnd, WithAThreadInAStaticObjectEndsBadlyAProcessThatExits)
 {
     constexpr DWORD kTerminated = 3; // what abort ends a process with
     StartWith(L"static_thread.mox", "Players");
-    EXPECT_EQ(LogOff(), kTerminated);
+    EXPECT_EQ(LeaveNoApplication(), kTerminated);
+}
+
+TEST_F(PluginAtTheEnd, WithAThreadThatIsNeverDestroyedLetsAProcessExitWell)
+{
+    StartWith(L"kept_thread.mox", "Players");
+    EXPECT_EQ(LeaveNoApplication(), kDone);
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 // A plugin that is one object with both interfaces, and keeps a std::thread in it. It says on the
 // debugger output when it is told to end. Built three times:
 //
-//   static_thread.mox   the object is static (STATIC_PLUGIN): wrong, its destructor runs at log-off
+//   static_thread.mox   the object is static (STATIC_PLUGIN): wrong, its destructor runs in ExitProcess
 //   kept_thread.mox     the object is never destroyed
 //   divided.mox         the same, and its name comes from plugin_name.dll
 #include "kestraboot/mox_plugin.h"
