@@ -36,6 +36,11 @@ LimitedProcess::LimitedProcess(const std::filesystem::path& program, const std::
     const HANDLE out =
         ::CreateFileW(outputFile.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, &inherited,
                       CREATE_ALWAYS, 0, nullptr);
+    if (out == INVALID_HANDLE_VALUE) {
+        const DWORD error = ::GetLastError();
+        ::CloseHandle(job);
+        throw std::runtime_error("its output cannot be kept: error " + std::to_string(error));
+    }
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;

@@ -18,6 +18,7 @@ constexpr int kWatchdogsTurn = 10;
 
 /// How a run of the program ended.
 struct Run {
+    std::filesystem::path outputFile;
     TestOutput output;
     bool hung = false;
     DWORD exitCode = 0;
@@ -58,8 +59,11 @@ Run RunOnce(const Program& program, const Places& places, const std::wstring& ar
             const std::function<void(const TestOutput&)>& moved)
 {
     Run run;
+    // Another file each time: a scanner, or what the last run has left, may hold that one for a moment.
+    static int count = 0;
+    run.outputFile = places.scratch / ("output-" + std::to_string(++count) + ".txt");
     LimitedProcess process(places.programs / (program.path + ".exe"), arguments, places.scratch,
-                           places.scratch / "output.txt");
+                           run.outputFile);
     ULONGLONG last = ::GetTickCount64();
     const ULONGLONG longest = static_cast<ULONGLONG>(places.longestTest + kWatchdogsTurn) * 1000;
     for (bool ended = false; !ended && !run.hung;) {
@@ -112,7 +116,7 @@ private:
             throw std::runtime_error("its tests cannot be listed: " + EndOf(run, places.longestTest) +
                                      '\n' + run.output.OutsideOfTests());
         }
-        std::ifstream in(places.scratch / "output.txt");
+        std::ifstream in(run.outputFile);
         all = ListedTests({std::istreambuf_iterator<char>(in), {}});
         if (all.empty()) {
             throw std::runtime_error("it lists no test");

@@ -17,8 +17,8 @@ Function Find(const wchar_t* module, const char* name)
         reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(module), name)));
 }
 
-/// A value of HKEY_LOCAL_MACHINE's CurrentVersion key; empty where it is missing. `suffix` follows it.
-std::string CurrentVersion(const wchar_t* name, const std::string& suffix = "")
+/// A value of HKEY_LOCAL_MACHINE's CurrentVersion key; empty where it is missing.
+std::string CurrentVersion(const wchar_t* name)
 {
     wchar_t text[256] = {};
     DWORD size = sizeof text;
@@ -33,7 +33,7 @@ std::string CurrentVersion(const wchar_t* name, const std::string& suffix = "")
                ERROR_SUCCESS) {
         ::WideCharToMultiByte(CP_UTF8, 0, text, -1, narrow, sizeof narrow, nullptr, nullptr);
     }
-    return narrow[0] == '\0' ? "" : narrow + suffix;
+    return narrow;
 }
 
 /// As Windows itself tells it; GetVersionExW tells programs without a manifest an older one.
@@ -63,8 +63,12 @@ std::string Version()
 
 std::string Edition()
 {
-    return CurrentVersion(L"ProductName", ", ") + CurrentVersion(L"EditionID", ", ") +
-           CurrentVersion(L"DisplayVersion", ", ") + CurrentVersion(L"BuildLabEx");
+    std::string all;
+    for (const wchar_t* const name : {L"ProductName", L"EditionID", L"DisplayVersion", L"BuildLabEx"}) {
+        const std::string value = CurrentVersion(name);
+        all += (all.empty() || value.empty() ? "" : ", ") + value;
+    }
+    return all;
 }
 
 std::string Processor()
