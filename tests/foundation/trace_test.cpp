@@ -1,5 +1,5 @@
 #include "foundation/trace.h"
-#include "tests/support/import_patch.h"
+#include "tests/support/format_failure.h"
 
 #include <gtest/gtest.h>
 
@@ -41,13 +41,7 @@ TEST(TraceLine, LongerThanTheBufferIsCutAt259)
 
 TEST(TraceLine, IsEmptyWhenFormattingFails)
 {
-    const FAKE_IMPORT(_vsnwprintf) fails([](wchar_t* buffer, std::size_t, const wchar_t*, va_list) {
-        buffer[0] = L'?'; // half a line
-        return -1;
-    });
-    const FAKE_IMPORT(_vscwprintf) failsToo([](const wchar_t*, va_list) {
-        return -1;
-    });
+    const tests::FormatFailure fails;
     TraceBuffer line = L"before";
     EXPECT_EQ(FormatTraceLine(line, L"%ls", L"text"), -1);
     EXPECT_STREQ(line, L"");

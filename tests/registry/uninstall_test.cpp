@@ -1,5 +1,6 @@
 #include "tests/registry/fake_processes.h"
 #include "tests/registry/handler.h"
+#include "tests/support/format_failure.h"
 #include "tests/support/process_end.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/sample_application.h"
@@ -146,12 +147,7 @@ TEST_F(HandOver, CutsItsTraceLineAt259Characters)
 TEST_F(HandOver, TracesAnEmptyLineWhereItsLineCannotBeFormatted)
 {
     RegisterSample(folder.Path(), L"Next");
-    const FAKE_IMPORT(_vsnwprintf) fails([](auto...) {
-        return -1;
-    });
-    const FAKE_IMPORT(_vscwprintf) failsToo([](auto...) {
-        return -1;
-    });
+    const FormatFailure fails;
     handler.Uninstall();
     EXPECT_EQ(machine.events.back(), L"");
 }

@@ -42,7 +42,10 @@ const std::vector<CallGate::Slot>* gatedSlots = nullptr;
 void* Ask(std::uint64_t slot, SavedRegisters* saved) noexcept
 {
     const CallGate::Slot& gated = (*gatedSlots)[slot];
-    GatedCall call = {gated.function, gated.failures, gated.original, saved->integer, saved->further, 0};
+    const bool measures = gated.withoutBuffer != nullptr && saved->integer[1] == 0;
+    GatedCall call = {gated.function, measures ? gated.withoutBuffer : gated.failures,
+                      gated.original, saved->integer,
+                      saved->further, 0};
     if (decision(call)) {
         return gated.original;
     }
@@ -153,7 +156,7 @@ std::vector<CallGate::Slot> FindSlots(HMODULE module)
             }
             const auto* import = At<IMAGE_IMPORT_BY_NAME>(module, names->u1.AddressOfData);
             const auto* const name = reinterpret_cast<const char*>(import->Name);
-            slots.push_back({name, address, *address, FailuresOf(name)});
+            slots.push_back({name, address, *address, FailuresOf(name), FailuresWithoutBufferOf(name)});
         }
     }
     return slots;

@@ -37,6 +37,8 @@ public:
         void** address;
         void* original;
         const FunctionFailures* failures;
+        const FunctionFailures*
+            withoutBuffer; ///< null: a call whose second argument is null is like the others
     };
 
     /// Answers whether the call goes on. Runs on the calling thread, in the middle of the product: it

@@ -68,6 +68,12 @@ constexpr const char* kCannotFail[] = {
     "TlsGetValue", "VirtualProtect", "VirtualQuery",
     // advapi32, msvcrt: the hardened build's own checks of the stack, at the start and where one fails
     "CryptAcquireContextA", "CryptGenRandom", "CryptReleaseContext", "_close", "_exit", "_open", "_write",
+    // the same of the UCRT
+    "__acrt_iob_func", "__daylight", "__p___argc", "__p___argv", "__p___wargv", "__p__environ", "__p__wenviron",
+    "__stdio_common_vfprintf", "__timezone", "__tzname", "_configure_narrow_argv", "_configure_wide_argv",
+    "_crt_at_quick_exit", "_crt_atexit", "_execute_onexit_table", "_initialize_narrow_environment",
+    "_initialize_onexit_table", "_initialize_wide_environment", "_lock_file", "_register_onexit_function",
+    "_set_new_mode", "_tzset", "_unlock_file", "mbrtowc",
     // msvcrt: memory runs out in the sweep of allocations
     "calloc", "free", "malloc", "realloc",
 };
@@ -181,6 +187,11 @@ const std::vector<FunctionFailures>& FailureTable()
 
 const FunctionFailures* FailuresOf(std::string_view function)
 {
+    if (function == "__stdio_common_vfwprintf") {
+        function = "fwprintf";
+    } else if (function == "__stdio_common_vswprintf") {
+        function = "_vsnwprintf";
+    }
     const auto& table = FailureTable();
     const auto known = std::ranges::find(table, function, [](const FunctionFailures& entry) {
         return std::string_view(entry.function);
@@ -193,6 +204,11 @@ const FunctionFailures* FailuresOf(std::string_view function)
         return function == name;
     });
     return listed ? &cannotFail : nullptr;
+}
+
+const FunctionFailures* FailuresWithoutBufferOf(std::string_view function)
+{
+    return function == "__stdio_common_vswprintf" ? FailuresOf("_vscwprintf") : nullptr;
 }
 
 } // namespace kestraboot::tests

@@ -31,7 +31,11 @@ struct FunctionFailures {
 /// Every function that can fail.
 [[nodiscard]] const std::vector<FunctionFailures>& FailureTable();
 
-/// Null for a function that the table does not know.
+/// Null for a function that the table does not know. What the UCRT has in the place of a function of
+/// msvcrt fails like that one.
 [[nodiscard]] const FunctionFailures* FailuresOf(std::string_view function);
+
+/// Of a function that is another one when its second argument, a buffer, is null; null for all others.
+[[nodiscard]] const FunctionFailures* FailuresWithoutBufferOf(std::string_view function);
 
 } // namespace kestraboot::tests

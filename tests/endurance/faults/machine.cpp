@@ -67,18 +67,33 @@ BOOL Close(HANDLE handle) noexcept
     return ::CloseHandle(handle);
 }
 
-int Print(FILE*, const wchar_t* format, ...) noexcept
+int PrintAll(const wchar_t* format, std::va_list arguments) noexcept
 {
     wchar_t text[512] = {};
-    std::va_list arguments;
-    va_start(arguments, format);
     const int length = _vsnwprintf(text, 511, format, arguments);
-    va_end(arguments);
     for (const wchar_t* character = text; *character != L'\0'; ++character) {
         Journal::AddConsole(*character);
     }
     return length;
 }
+
+#if defined(_UCRT)
+constexpr const char* kPrint = "__stdio_common_vfwprintf";
+int Print(unsigned long long, FILE*, const wchar_t* format, _locale_t, std::va_list arguments) noexcept
+{
+    return PrintAll(format, arguments);
+}
+#else
+constexpr const char* kPrint = "fwprintf";
+int Print(FILE*, const wchar_t* format, ...) noexcept
+{
+    std::va_list arguments;
+    va_start(arguments, format);
+    const int length = PrintAll(format, arguments);
+    va_end(arguments);
+    return length;
+}
+#endif
 
 wchar_t* CommandLine() noexcept
 {
@@ -109,7 +124,7 @@ struct Machine::Patches {
     ImportPatch wait{"Sleep", reinterpret_cast<void*>(&Wait)};
     ImportPatch mutex{"CreateMutexW", reinterpret_cast<void*>(&MakeMutex)};
     ImportPatch close{"CloseHandle", reinterpret_cast<void*>(&Close)};
-    ImportPatch print{"fwprintf", reinterpret_cast<void*>(&Print)};
+    ImportPatch print{kPrint, reinterpret_cast<void*>(&Print)};
     ImportPatch commandLine{"GetCommandLineW", reinterpret_cast<void*>(&CommandLine)};
     ImportPatch version{"GetVersionExW", reinterpret_cast<void*>(&AnswerXp)};
     ProcessPatches processes;

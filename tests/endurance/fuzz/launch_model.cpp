@@ -37,6 +37,15 @@ bool SameWord(const std::wstring& left, const wchar_t* lower)
     return lowered == lower;
 }
 
+/// A file without a name is not asked for.
+std::vector<tests::SpawnCall> StartOf(const std::wstring& path, const std::vector<std::wstring>& words)
+{
+    if (path.empty()) {
+        return {};
+    }
+    return {{_P_NOWAIT, path, words}};
+}
+
 } // namespace
 
 int VersionClass(const Machine& machine)
@@ -75,7 +84,7 @@ Launched ModelOfLaunch(const Machine& machine, const std::wstring& path, const s
         words.push_back(L"devType=" + type);
         words.push_back(L"priDevId=" + InQuotes(id));
     }
-    return {{{_P_NOWAIT, path, words}}, {Joined(words)}};
+    return {StartOf(path, words), {Joined(words)}};
 }
 
 Launched ModelOfOrganiserLaunch(const std::wstring& path, const std::wstring& type,
@@ -88,8 +97,9 @@ Launched ModelOfOrganiserLaunch(const std::wstring& path, const std::wstring& ty
         mark = L"S|";
     }
     const std::vector<std::wstring> words = {InQuotes(path), L"-d", L"\"" + (mark + id) + L"\""};
-    return {{{_P_NOWAIT, path, words}},
-            {started ? Joined(words) : L"<KestraBoot><!!! Unable to start the process.>"}};
+    const bool running = started && !path.empty();
+    return {StartOf(path, words),
+            {running ? Joined(words) : L"<KestraBoot><!!! Unable to start the process.>"}};
 }
 
 } // namespace kestraboot::fuzz
