@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstring>
 #include <stdexcept>
 
 namespace kestraboot::tests
@@ -10,26 +9,26 @@ namespace kestraboot::tests
 namespace
 {
 
-constexpr DWORD kSectionBytes = 4096; // fixed by Windows
-constexpr DWORD kLongestTurn = 500;   // milliseconds
-
-struct DebugRecord {
-    DWORD processId;
-    char text[kSectionBytes - sizeof(DWORD)];
-};
+/// A reader that has just gone may be held open by a writer for as long as that waits for its turn.
+void AwaitChannel(tools::DebugChannel& channel)
+{
+    using Opening = tools::DebugChannel::Opening;
+    const ULONGLONG end = ::GetTickCount64() + 30'000;
+    for (Opening opening = channel.Open(); opening != Opening::Done; opening = channel.Open()) {
+        if (opening == Opening::Failed || ::GetTickCount64() > end) {
+            throw std::runtime_error("the debug output section cannot be made");
+        }
+    }
+}
 
 } // namespace
 
-DebugReader::DebugReader()
-    : bufferReady(::CreateEventW(nullptr, FALSE, FALSE, L"DBWIN_BUFFER_READY")),
-      dataReady(::CreateEventW(nullptr, FALSE, FALSE, L"DBWIN_DATA_READY")),
-      section(::CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, kSectionBytes,
-                                   L"DBWIN_BUFFER")),
-      stop(::CreateEventW(nullptr, TRUE, FALSE, nullptr))
+DebugReader::DebugReader() : stop(::CreateEventW(nullptr, TRUE, FALSE, nullptr))
 {
-    if (bufferReady == nullptr || dataReady == nullptr || section == nullptr || stop == nullptr) {
-        throw std::runtime_error("the debug output section cannot be made");
+    if (stop == nullptr) {
+        throw std::runtime_error("the reader cannot be made ready to stop");
     }
+    AwaitChannel(channel);
     reader = std::thread([this] {
         Read();
     });
@@ -39,30 +38,16 @@ DebugReader::~DebugReader()
 {
     ::SetEvent(stop);
     reader.join();
-    for (const HANDLE handle : {bufferReady, dataReady, section, stop}) {
-        ::CloseHandle(handle);
-    }
+    ::CloseHandle(stop);
 }
 
 void DebugReader::Read()
 {
-    const auto* const record =
-        static_cast<const DebugRecord*>(::MapViewOfFile(section, FILE_MAP_READ, 0, 0, 0));
-    const HANDLE events[] = {dataReady, stop};
-    for (;;) {
-        ::SetEvent(bufferReady);
-        const DWORD woken = ::WaitForMultipleObjects(2, events, FALSE, kLongestTurn);
-        if (woken == WAIT_TIMEOUT) {
-            continue; // a writer that was ended in its turn would keep all others out
-        }
-        if (woken != WAIT_OBJECT_0) {
-            break;
-        }
+    for (tools::DebugChannel::Line line;
+         channel.Next(stop, line) == tools::DebugChannel::Waiting::Line;) {
         const std::lock_guard lock(mutex);
-        lines.push_back(
-            {record->processId, std::string(record->text, strnlen(record->text, sizeof record->text))});
+        lines.push_back(line);
     }
-    ::UnmapViewOfFile(record);
 }
 
 void DebugReader::CatchUp() const
@@ -85,7 +70,7 @@ std::vector<std::string> DebugReader::LinesOf(DWORD processId) const
     CatchUp();
     const std::lock_guard lock(mutex);
     std::vector<std::string> found;
-    for (const Line& line : lines) {
+    for (const tools::DebugChannel::Line& line : lines) {
         if (line.processId == processId) {
             found.push_back(line.text);
         }
@@ -102,7 +87,7 @@ int DebugReader::Count(const std::string& line) const
 int DebugReader::CountSoFar(const std::string& line) const
 {
     const std::lock_guard lock(mutex);
-    return static_cast<int>(std::ranges::count(lines, line, &Line::text));
+    return static_cast<int>(std::ranges::count(lines, line, &tools::DebugChannel::Line::text));
 }
 
 bool DebugReader::Await(const std::string& line, DWORD milliseconds) const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/trace/debug_channel.h"
+
 #include <windows.h>
 #include <mutex>
 #include <string>
@@ -13,11 +15,6 @@ namespace kestraboot::tests
 class DebugReader
 {
 public:
-    struct Line {
-        DWORD processId;
-        std::string text;
-    };
-
     DebugReader();
     DebugReader(const DebugReader&) = delete;
     DebugReader& operator=(const DebugReader&) = delete;
@@ -40,10 +37,8 @@ private:
     [[nodiscard]] int CountSoFar(const std::string& line) const;
 
     mutable std::mutex mutex;
-    std::vector<Line> lines;
-    HANDLE bufferReady;
-    HANDLE dataReady;
-    HANDLE section;
+    std::vector<tools::DebugChannel::Line> lines;
+    tools::DebugChannel channel;
     HANDLE stop;
     std::thread reader;
 };

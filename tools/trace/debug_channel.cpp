@@ -12,6 +12,7 @@ namespace
 
 constexpr DWORD kSectionBytes = 4096; // fixed by Windows
 constexpr DWORD kLongestTurn = 500;   // milliseconds
+constexpr int kLooksAtAWriter = 2;    // before it is one that waits for a lost turn
 constexpr int kOpeningAttempts = 20;
 constexpr DWORD kPauseBetweenAttempts = 50; // milliseconds
 
@@ -47,6 +48,7 @@ DebugChannel::Opening DebugChannel::TryToOpen()
     SharedObjectSecurity awaited(Right::Await);
     SharedObjectSecurity signalled(Right::Signal);
     SharedObjectSecurity written(Right::Write);
+    SharedObjectSecurity held(Right::Hold);
 
     Handle turn(::CreateEventW(awaited.Get(), FALSE, FALSE, L"DBWIN_BUFFER_READY"));
     if (turn && ::GetLastError() == ERROR_ALREADY_EXISTS) {
@@ -69,6 +71,8 @@ DebugChannel::Opening DebugChannel::TryToOpen()
     if (record == nullptr) {
         return Opening::Failed;
     }
+    // The writers' own, made by whoever comes first. Without it every silence is one beside a writer.
+    mutex = Handle(::CreateMutexExW(held.Get(), L"DBWinMutex", 0, SYNCHRONIZE));
     bufferReady = std::move(turn);
     dataReady = std::move(lineWritten);
     section = std::move(lineSection);
@@ -82,18 +86,44 @@ DebugChannel::Waiting DebugChannel::Next(HANDLE stop, Line& line)
     for (;;) {
         switch (::WaitForMultipleObjects(2, events, FALSE, kLongestTurn)) {
         case WAIT_OBJECT_0:
-            line.processId = record->processId;
-            line.text.assign(record->text, strnlen(record->text, sizeof record->text));
-            ::SetEvent(bufferReady.Get());
+            Copy(line);
             return Waiting::Line;
         case WAIT_OBJECT_0 + 1:
             return Waiting::Stopped;
         case WAIT_TIMEOUT:
-            ::SetEvent(bufferReady.Get());
+            LookAfterTurn();
             break;
         default:
             return Waiting::Failed;
         }
+    }
+}
+
+void DebugChannel::Copy(Line& line)
+{
+    silentLooks = 0;
+    if (std::exchange(mayBeTwoTurns, false)) {
+        ::ResetEvent(bufferReady.Get());
+    }
+    line.processId = record->processId;
+    line.text.assign(record->text, strnlen(record->text, sizeof record->text));
+    ::SetEvent(bufferReady.Get());
+}
+
+void DebugChannel::LookAfterTurn()
+{
+    const DWORD taken = ::WaitForSingleObject(mutex.Get(), 0);
+    if (taken == WAIT_OBJECT_0 || taken == WAIT_ABANDONED) {
+        silentLooks = 0;
+        if (::WaitForSingleObject(dataReady.Get(), 0) == WAIT_OBJECT_0) {
+            ::SetEvent(dataReady.Get()); // a line came meanwhile: its turn is over when it is copied
+        } else {
+            ::SetEvent(bufferReady.Get());
+        }
+        ::ReleaseMutex(mutex.Get());
+    } else if (++silentLooks >= kLooksAtAWriter) {
+        ::SetEvent(bufferReady.Get());
+        mayBeTwoTurns = true;
     }
 }
 

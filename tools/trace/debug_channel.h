@@ -1,10 +1,15 @@
 // The debug output of this session.
 //
-// Windows hands a debug line to whoever owns the section DBWIN_BUFFER: the writer waits for
-// DBWIN_BUFFER_READY, fills the section (process identifier, then narrow text), and sets
-// DBWIN_DATA_READY. There can be one reader in a session at a time. A writer that is ended between the
-// two would keep all others out for good: after a while without a line its turn is given to the next
-// one.
+// Windows hands a debug line to whoever owns the section DBWIN_BUFFER: the writer takes the mutex
+// DBWinMutex, waits for its turn, DBWIN_BUFFER_READY, fills the section (process identifier, then narrow
+// text), sets DBWIN_DATA_READY and releases the mutex. There can be one reader in a session at a time.
+//
+// A writer that is ended between the two events takes its turn with it and keeps all others out. So
+// after a while without a line the turn is given again, but never beside a writer that is in its own:
+// with two turns about, the second writer overwrites what the first one wrote. While the reader holds
+// the mutex no writer is in its turn. A mutex that stays taken for another while is held by a writer
+// that waits for the lost turn; should it be one that was stopped in its own after all, the turn that
+// was given beside it is withdrawn when its line comes.
 #pragma once
 
 #include "tools/common/handle.h"
@@ -44,11 +49,16 @@ public:
 
 private:
     [[nodiscard]] Opening TryToOpen();
+    void Copy(Line& line);
+    void LookAfterTurn();
 
+    Handle mutex;
     Handle bufferReady;
     Handle dataReady;
     Handle section;
     const DebugRecord* record = nullptr;
+    int silentLooks = 0;        ///< one behind the other at which a writer held the mutex
+    bool mayBeTwoTurns = false; ///< one was given beside a writer
 };
 
 } // namespace kestraboot::tools

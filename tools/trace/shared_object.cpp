@@ -11,11 +11,15 @@ namespace
 constexpr const wchar_t* kAwait = L"D:(A;;0x1F0003;;;SY)(A;;0x1F0003;;;BA)(A;;0x100000;;;WD)";
 constexpr const wchar_t* kSignal = L"D:(A;;0x1F0003;;;SY)(A;;0x1F0003;;;BA)(A;;0x2;;;WD)";
 constexpr const wchar_t* kWrite = L"D:(A;;0xF001F;;;SY)(A;;0xF001F;;;BA)(A;;0x2;;;WD)";
+// What Windows gives the mutex that writers make.
+constexpr const wchar_t* kHold = L"D:(A;;0x1F0001;;;SY)(A;;0x1F0001;;;BA)(A;;0x120001;;;WD)";
 static_assert(EVENT_ALL_ACCESS == 0x1F0003);
 static_assert(SECTION_ALL_ACCESS == 0xF001F);
 static_assert(SYNCHRONIZE == 0x100000);
 static_assert(EVENT_MODIFY_STATE == 0x2);
 static_assert(FILE_MAP_WRITE == 0x2);
+static_assert(MUTEX_ALL_ACCESS == 0x1F0001);
+static_assert((SYNCHRONIZE | READ_CONTROL | MUTANT_QUERY_STATE) == 0x120001);
 
 const wchar_t* Text(SharedObjectSecurity::Right right) noexcept
 {
@@ -24,6 +28,8 @@ const wchar_t* Text(SharedObjectSecurity::Right right) noexcept
         return kAwait;
     case SharedObjectSecurity::Right::Signal:
         return kSignal;
+    case SharedObjectSecurity::Right::Hold:
+        return kHold;
     default:
         return kWrite;
     }

@@ -17,7 +17,7 @@ namespace kestraboot::tools
 class SharedObjectSecurity
 {
 public:
-    enum class Right { Await, Signal, Write };
+    enum class Right { Await, Signal, Write, Hold };
 
     explicit SharedObjectSecurity(Right ofEveryone) noexcept;
     SharedObjectSecurity(const SharedObjectSecurity&) = delete;
