@@ -20,7 +20,14 @@ MAY_INCLUDE = {
     "launcher": {"registry", "service", "legacy", "foundation", "include"},
     "boot": {"include"},
     "samples": {"include"},
-    "tools": {"include"},
+    "tools/common": set(),
+    "tools/ctl": {"tools/common", "include"},
+    "tools/trace": {"tools/trace/channel", "tools/trace/arrivals", "tools/trace/recording", "tools/trace/lines",
+                    "tools/common"},
+    "tools/trace/channel": {"tools/trace/lines", "tools/common"},
+    "tools/trace/arrivals": {"tools/trace/lines", "tools/common"},
+    "tools/trace/recording": {"tools/trace/lines", "tools/common"},
+    "tools/trace/lines": {"tools/common"},
 }
 # Rooms whose folders are copied out one by one: there a file includes its neighbours by their bare names.
 STAND_ALONE = {"samples"}
@@ -34,8 +41,11 @@ INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
 def room_of(path: str) -> str:
     if path.startswith("kestraboot/"):
         return "include"
-    parts = path.split("/")
-    return "/".join(parts[:2]) if parts[0] == "trackers" else parts[0]
+    folders = path.split("/")[:-1]
+    for depth in range(len(folders), 0, -1):  # a room may lie in another one
+        if "/".join(folders[:depth]) in MAY_INCLUDE:
+            return "/".join(folders[:depth])
+    return folders[0] if folders else path
 
 
 def main() -> int:
@@ -43,10 +53,10 @@ def main() -> int:
     checked = 0
     for room, allowed in MAY_INCLUDE.items():
         for file in sorted((ROOT / room).rglob("*")):
-            if file.suffix not in {".h", ".cpp"}:
+            name = file.relative_to(ROOT).as_posix()
+            if file.suffix not in {".h", ".cpp"} or room_of(name) != room:
                 continue
             checked += 1
-            name = file.relative_to(ROOT).as_posix()
             for included in INCLUDE.findall(file.read_text(encoding="utf-8")):
                 target = room_of(included)
                 if room in STAND_ALONE and (file.parent / included).is_file():

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/trace/debug_channel.h"
+#include "tools/trace/channel/debug_channel.h"
 
 #include <windows.h>
 #include <mutex>

@@ -1,4 +1,4 @@
-#include "tools/trace/arrival_format.h"
+#include "tools/trace/arrivals/arrival_format.h"
 
 #include <gmock/gmock.h>
 

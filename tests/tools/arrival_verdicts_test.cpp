@@ -1,5 +1,5 @@
 // The verdicts on arrivals from the lines that the library writes.
-#include "tools/trace/arrival_verdicts.h"
+#include "tools/trace/arrivals/arrival_verdicts.h"
 
 #include <gmock/gmock.h>
 

@@ -2,8 +2,8 @@
 #include "tests/support/source_file.h"
 #include "tools/ctl/left_out.h"
 #include "tools/ctl/report_format.h"
-#include "tools/trace/arrival_format.h"
-#include "tools/trace/line_format.h"
+#include "tools/trace/arrivals/arrival_format.h"
+#include "tools/trace/lines/line_format.h"
 #include "tools/trace/options.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include "tools/trace/line_queue.h"
+#include "tools/trace/channel/line_queue.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tests/support/import_patch.h"
-#include "tools/trace/debug_channel.h"
+#include "tools/trace/channel/debug_channel.h"
 
 #include <gtest/gtest.h>
 

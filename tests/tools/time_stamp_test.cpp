@@ -1,4 +1,4 @@
-#include "tools/trace/time_stamp.h"
+#include "tools/trace/lines/time_stamp.h"
 
 #include <gtest/gtest.h>
 

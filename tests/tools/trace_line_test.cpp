@@ -1,4 +1,4 @@
-#include "tools/trace/trace_line.h"
+#include "tools/trace/lines/trace_line.h"
 
 #include <gmock/gmock.h>
 

@@ -1,11 +1,11 @@
 // kestratrace: the live viewer of the debug lines of this session.
 #include "tools/common/exit_code.h"
 #include "tools/common/utf8.h"
-#include "tools/trace/debug_channel.h"
-#include "tools/trace/line_queue.h"
-#include "tools/trace/line_reader.h"
+#include "tools/trace/channel/debug_channel.h"
+#include "tools/trace/channel/line_queue.h"
+#include "tools/trace/channel/line_reader.h"
+#include "tools/trace/lines/system_time.h"
 #include "tools/trace/options.h"
-#include "tools/trace/system_time.h"
 #include "tools/trace/viewer.h"
 
 #include <windows.h>

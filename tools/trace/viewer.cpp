@@ -1,7 +1,7 @@
 #include "tools/trace/viewer.h"
 
-#include "tools/trace/arrival_format.h"
-#include "tools/trace/line_format.h"
+#include "tools/trace/arrivals/arrival_format.h"
+#include "tools/trace/lines/line_format.h"
 
 #include <cstdio>
 #include <utility>

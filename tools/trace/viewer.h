@@ -2,11 +2,11 @@
 #pragma once
 
 #include "tools/common/standard_output.h"
-#include "tools/trace/arrival_verdicts.h"
-#include "tools/trace/log_file.h"
+#include "tools/trace/arrivals/arrival_verdicts.h"
+#include "tools/trace/lines/log_file.h"
+#include "tools/trace/lines/seen_line.h"
+#include "tools/trace/lines/tag_filter.h"
 #include "tools/trace/options.h"
-#include "tools/trace/seen_line.h"
-#include "tools/trace/tag_filter.h"
 
 #include <string>
 

@@ -17,11 +17,11 @@
 // What is kept is bounded: so many devices; the oldest are told as they stand.
 #pragma once
 
-#include "tools/trace/arrival.h"
-#include "tools/trace/seen_line.h"
-#include "tools/trace/start_line.h"
-#include "tools/trace/trace_event.h"
-#include "tools/trace/volume_search.h"
+#include "tools/trace/arrivals/arrival.h"
+#include "tools/trace/arrivals/trace_event.h"
+#include "tools/trace/arrivals/volume_search.h"
+#include "tools/trace/lines/seen_line.h"
+#include "tools/trace/lines/start_line.h"
 
 #include <cstdint>
 #include <functional>

@@ -1,6 +1,6 @@
-#include "tools/trace/arrival_verdicts.h"
+#include "tools/trace/arrivals/arrival_verdicts.h"
 
-#include "tools/trace/trace_line.h"
+#include "tools/trace/lines/trace_line.h"
 
 #include <algorithm>
 

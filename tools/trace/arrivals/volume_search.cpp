@@ -1,4 +1,4 @@
-#include "tools/trace/volume_search.h"
+#include "tools/trace/arrivals/volume_search.h"
 
 #include <algorithm>
 

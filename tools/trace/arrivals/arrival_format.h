@@ -2,7 +2,7 @@
 #pragma once
 
 #include "tools/common/styled_text.h"
-#include "tools/trace/arrival.h"
+#include "tools/trace/arrivals/arrival.h"
 
 #include <string>
 #include <vector>

@@ -1,8 +1,8 @@
 // The thread that takes the lines out of the channel, so that no writer waits for what becomes of them.
 #pragma once
 
-#include "tools/trace/debug_channel.h"
-#include "tools/trace/line_queue.h"
+#include "tools/trace/channel/debug_channel.h"
+#include "tools/trace/channel/line_queue.h"
 
 #include <windows.h>
 #include <atomic>

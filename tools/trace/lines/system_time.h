@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/trace/time_stamp.h"
+#include "tools/trace/lines/time_stamp.h"
 
 namespace kestraboot::tools
 {

@@ -1,4 +1,4 @@
-#include "tools/trace/start_match.h"
+#include "tools/trace/arrivals/start_match.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
-#include "tools/trace/debug_channel.h"
+#include "tools/trace/channel/debug_channel.h"
 
-#include "tools/trace/shared_object.h"
+#include "tools/trace/channel/shared_object.h"
 
 #include <cstring>
 #include <utility>

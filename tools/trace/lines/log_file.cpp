@@ -1,4 +1,4 @@
-#include "tools/trace/log_file.h"
+#include "tools/trace/lines/log_file.h"
 
 #include "tools/common/standard_output.h"
 

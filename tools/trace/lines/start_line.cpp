@@ -1,4 +1,4 @@
-#include "tools/trace/start_line.h"
+#include "tools/trace/lines/start_line.h"
 
 namespace kestraboot::tools
 {

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "tools/common/styled_text.h"
-#include "tools/trace/seen_line.h"
-#include "tools/trace/trace_line.h"
+#include "tools/trace/lines/seen_line.h"
+#include "tools/trace/lines/trace_line.h"
 
 #include <cstdint>
 #include <string>

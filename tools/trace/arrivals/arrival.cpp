@@ -1,4 +1,4 @@
-#include "tools/trace/arrival.h"
+#include "tools/trace/arrivals/arrival.h"
 
 #include <string_view>
 

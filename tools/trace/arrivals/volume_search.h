@@ -1,8 +1,8 @@
 // What the lines of a search for media make of the volume that is searched.
 #pragma once
 
-#include "tools/trace/arrival.h"
-#include "tools/trace/trace_event.h"
+#include "tools/trace/arrivals/arrival.h"
+#include "tools/trace/arrivals/trace_event.h"
 
 namespace kestraboot::tools
 {

@@ -1,7 +1,7 @@
-#include "tools/trace/trace_event.h"
+#include "tools/trace/arrivals/trace_event.h"
 
-#include "tools/trace/arrival.h"
-#include "tools/trace/start_line.h"
+#include "tools/trace/arrivals/arrival.h"
+#include "tools/trace/lines/start_line.h"
 
 namespace kestraboot::tools
 {

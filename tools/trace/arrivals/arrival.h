@@ -1,7 +1,7 @@
 // What became of one device that arrived.
 #pragma once
 
-#include "tools/trace/time_stamp.h"
+#include "tools/trace/lines/time_stamp.h"
 
 #include <cstdint>
 #include <string>

@@ -1,4 +1,4 @@
-#include "tools/trace/tag_filter.h"
+#include "tools/trace/lines/tag_filter.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "tools/trace/process_names.h"
+#include "tools/trace/channel/process_names.h"
 
 #include "tools/common/utf8.h"
 

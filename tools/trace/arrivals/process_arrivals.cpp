@@ -1,7 +1,7 @@
-#include "tools/trace/process_arrivals.h"
+#include "tools/trace/arrivals/process_arrivals.h"
 
-#include "tools/trace/start_match.h"
-#include "tools/trace/trace_line.h"
+#include "tools/trace/arrivals/start_match.h"
+#include "tools/trace/lines/trace_line.h"
 
 #include <algorithm>
 #include <string_view>

@@ -1,8 +1,8 @@
-#include "tools/trace/line_reader.h"
+#include "tools/trace/channel/line_reader.h"
 
 #include "tools/common/utf8.h"
-#include "tools/trace/process_names.h"
-#include "tools/trace/system_time.h"
+#include "tools/trace/channel/process_names.h"
+#include "tools/trace/lines/system_time.h"
 
 #include <exception>
 #include <utility>

@@ -1,4 +1,4 @@
-#include "tools/trace/system_time.h"
+#include "tools/trace/lines/system_time.h"
 
 #include <windows.h>
 #include <chrono>

@@ -2,7 +2,7 @@
 // lines must never wait for a slow console.
 #pragma once
 
-#include "tools/trace/seen_line.h"
+#include "tools/trace/lines/seen_line.h"
 
 #include <chrono>
 #include <condition_variable>

@@ -1,4 +1,4 @@
-#include "tools/trace/line_format.h"
+#include "tools/trace/lines/line_format.h"
 
 #include "tools/common/json.h"
 

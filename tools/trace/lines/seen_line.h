@@ -1,7 +1,7 @@
 // One debug line as it came.
 #pragma once
 
-#include "tools/trace/time_stamp.h"
+#include "tools/trace/lines/time_stamp.h"
 
 #include <cstdint>
 #include <string>

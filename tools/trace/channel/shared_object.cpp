@@ -1,4 +1,4 @@
-#include "tools/trace/shared_object.h"
+#include "tools/trace/channel/shared_object.h"
 
 #include <sddl.h>
 

@@ -1,6 +1,6 @@
-#include "tools/trace/trace_line.h"
+#include "tools/trace/lines/trace_line.h"
 
-#include "tools/trace/start_line.h"
+#include "tools/trace/lines/start_line.h"
 
 #include <algorithm>
 #include <utility>

@@ -4,7 +4,7 @@
 // told as it stands.
 #pragma once
 
-#include "tools/trace/process_arrivals.h"
+#include "tools/trace/arrivals/process_arrivals.h"
 
 #include <cstdint>
 #include <list>

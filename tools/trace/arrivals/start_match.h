@@ -1,8 +1,8 @@
 // Which arrival a start line is about.
 #pragma once
 
-#include "tools/trace/arrival.h"
-#include "tools/trace/start_line.h"
+#include "tools/trace/arrivals/arrival.h"
+#include "tools/trace/lines/start_line.h"
 
 #include <string_view>
 
