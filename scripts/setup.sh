@@ -9,7 +9,9 @@ demo=(
     cmake ninja-build
     g++-mingw-w64-x86-64-posix                     # the compiler: MinGW-w64, posix threads
     googletest                                     # its sources, cross-built with the tests
+    libcli11-dev nlohmann-json3-dev                # header-only: the tools' options and JSON
     libjpeg-turbo-progs                            # makes the demo's picture
+    python3                                        # the bill of materials of what is installed
     wine wine64                                    # runs what was built
 )
 all=(
@@ -19,7 +21,8 @@ all=(
     doxygen                                        # the reference of the exported interface
     git
     lld                                            # the second compiler's linker
-    python3                                        # the checks of the tree
+    openssl osslsigncode                           # sign what the test of signatures verifies
+    python3-jsonschema                             # holds the tools' JSON against its schema
 )
 
 help_wanted "$@"

@@ -93,6 +93,18 @@ TEST_F(TraceConsole, StaysInItsOwnColoursWhereAsked)
     EXPECT_EQ(ColoursOf(L"<KestraBoot>"), own.wAttributes);
 }
 
+TEST_F(TraceConsole, HasNoColoursOfItsOwnForWhoeverWantsNone)
+{
+    ASSERT_TRUE(made);
+    CONSOLE_SCREEN_BUFFER_INFO own = {};
+    ASSERT_TRUE(::GetConsoleScreenBufferInfo(screen, &own));
+    ::SetEnvironmentVariableW(L"NO_COLOR", L"1");
+    Start(L"");
+    ::SetEnvironmentVariableW(L"NO_COLOR", nullptr);
+    ::OutputDebugStringW(L"<KestraBoot><!!! bad>");
+    EXPECT_EQ(ColoursOf(L"<!!! bad>"), own.wAttributes);
+}
+
 TEST_F(TraceConsole, EndsCleanlyWhenItIsInterrupted)
 {
     ASSERT_TRUE(made);

@@ -69,7 +69,7 @@ TEST(TraceOptions, JsonIsOneEscapedObjectALine)
     RunningViewer viewer(L"--json");
     ::OutputDebugStringW(L"\"C:\\a.exe\"\tb\n");
     const std::string line = viewer.Await("a.exe");
-    EXPECT_THAT(line, StartsWith("{\"time\":\"20"));
+    EXPECT_THAT(line, StartsWith("{\"type\":\"line\",\"schema\":1,\"time\":\"20"));
     EXPECT_THAT(line, HasSubstr("\"process\":" + std::to_string(::GetCurrentProcessId()) +
                                 ",\"name\":\"" + OwnName() + "\",\"component\":\"\",\"tracker\":\"\","));
     EXPECT_THAT(line, EndsWith(R"("failure":false,"start":false,"line":"\"C:\\a.exe\"\tb"})"));
@@ -108,7 +108,9 @@ TEST(TraceOptions, FileThatCannotBeOpenedIsSaid)
 {
     ChildProcess viewer{BuiltPrograms() / "kestratrace.exe", L"--file C:\\no\\such\\folder\\a.log"};
     EXPECT_EQ(viewer.ExitCode(), 1U);
-    EXPECT_THAT(viewer.Output(), HasSubstr("cannot open C:\\no\\such\\folder\\a.log (error 3)"));
+    EXPECT_THAT(viewer.Output(),
+                AllOf(StartsWith("kestratrace: cannot open C:\\no\\such\\folder\\a.log: "),
+                      EndsWith(" (error 3)\n")));
 }
 
 TEST(TraceOptions, RedirectedOutputHasNoColours)
@@ -121,7 +123,7 @@ TEST(TraceOptions, RedirectedOutputHasNoColours)
 
 TEST(TraceOptions, BadOnesShowTheUsage)
 {
-    for (const wchar_t* const arguments : {L"--colour", L"0", L"3 4", L"--file", L"--only"}) {
+    for (const wchar_t* const arguments : {L"--colour", L"0", L"3 4", L"--file", L"--only Volume"}) {
         ChildProcess viewer{BuiltPrograms() / "kestratrace.exe", arguments};
         EXPECT_EQ(viewer.ExitCode(), 2U) << arguments;
         EXPECT_THAT(viewer.Output(), HasSubstr("usage: kestratrace ")) << arguments;

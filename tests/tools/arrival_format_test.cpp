@@ -98,7 +98,9 @@ TEST(FormattedArrival, SaysNothingOfASearchThatNeverWas)
     phone.device = "phone 1";
     EXPECT_THAT(Lines(phone), ElementsAre(HasSubstr("mobile phone 1 <Plugin> accepted: "),
                                           HasSubstr("started after")));
-    EXPECT_THAT(ArrivalJson(phone), Not(HasSubstr("attempts")));
+    phone.plugins = {"Phones", "More"};
+    EXPECT_THAT(ArrivalJson(phone),
+                AllOf(Not(HasSubstr("attempts")), HasSubstr(R"("plugins":["Phones","More"],"source")")));
 }
 
 TEST(FormattedArrival, MayBeOfADeviceThatItsLineDoesNotName)
@@ -135,7 +137,8 @@ TEST(FormattedArrival, IsToldToMachines)
 {
     EXPECT_EQ(
         ArrivalJson(Card()),
-        R"({"time":"2026-11-21T12:33:47.123+00:00","process":1234,"name":"kestraboot.exe",)"
+        R"({"type":"arrival","schema":1,"time":"2026-11-21T12:33:47.123+00:00","process":1234,)"
+        R"("name":"kestraboot.exe",)"
         R"("tracker":"VolumeTracker","source":"REMOVABLE DEVICE","kind":"volume","device":"E:",)"
         R"("accepted":true,"rule":"supported-file","why":"IMG_0001.JPG is of a supported format",)"
         R"("attempts":1,"folders":2,"files":1,"deepestLevel":3,"lastFile":"IMG_0001.JPG",)"

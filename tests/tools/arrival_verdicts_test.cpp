@@ -382,7 +382,7 @@ TEST_F(Verdicts, TellAgainOfAStartThatCameLate)
 {
     Lines({kService + "<WiaTracker><WIA DEVICE><C|one>."});
     const std::int64_t came = now;
-    now += ProcessArrivals::kLongestLaunch + 1;
+    now += OpenDevices::kLongestLaunch + 1;
     verdicts.Tick(now);
     EXPECT_STREQ(Only().outcome, kNoStartSeen);
     Lines({Start("camera", "one"), Start("camera", "one")});
@@ -391,7 +391,7 @@ TEST_F(Verdicts, TellAgainOfAStartThatCameLate)
     EXPECT_EQ(told[1].noticed.upMilliseconds, came);
     EXPECT_STREQ(told[1].rule, kImagingDevice);
     EXPECT_STREQ(told[1].outcome, kStarted);
-    EXPECT_EQ(told[1].millisecondsToEnd, ProcessArrivals::kLongestLaunch + 11);
+    EXPECT_EQ(told[1].millisecondsToEnd, OpenDevices::kLongestLaunch + 11);
     EXPECT_EQ(told[2].tracker, kPluginTracker) << "one start is one arrival's";
 }
 
@@ -414,7 +414,7 @@ TEST_F(Verdicts, GiveAStartToTheArrivalThatStillWaitsFirst)
 TEST_F(Verdicts, ForgetWhatWasNeverStarted)
 {
     Lines({kService + "<WiaTracker><WIA DEVICE><C|one>."});
-    now += ProcessArrivals::kLongestSilence + 1;
+    now += OpenDevices::kLongestSilence + 1;
     verdicts.Tick(now);
     Lines({kVolumes + "<DEVICE ARRIVED>", Start("camera", "one")});
     ASSERT_THAT(told, SizeIs(2));
@@ -435,18 +435,18 @@ TEST_F(Verdicts, DoNotWaitForAHostThatStartsNothing)
 TEST_F(Verdicts, GiveUpWaitingAfterAWhile)
 {
     Lines({kService + "<WiaTracker><WIA DEVICE><C|one>."});
-    verdicts.Tick(now + ProcessArrivals::kLongestLaunch);
+    verdicts.Tick(now + OpenDevices::kLongestLaunch);
     EXPECT_THAT(told, IsEmpty());
-    verdicts.Tick(now + ProcessArrivals::kLongestLaunch + 1);
+    verdicts.Tick(now + OpenDevices::kLongestLaunch + 1);
     EXPECT_STREQ(Only().outcome, kNoStartSeen);
 
     told.clear();
     Lines({kFound});
-    now += ProcessArrivals::kLongestSilence;
+    now += OpenDevices::kLongestSilence;
     Lines({kService + "<1><FILE><a.txt>\n"});
-    verdicts.Tick(now + ProcessArrivals::kLongestSilence);
+    verdicts.Tick(now + OpenDevices::kLongestSilence);
     EXPECT_THAT(told, IsEmpty()) << "a long search is no silence";
-    verdicts.Tick(now + ProcessArrivals::kLongestSilence + 1);
+    verdicts.Tick(now + OpenDevices::kLongestSilence + 1);
     EXPECT_EQ(Only().decision, Decision::Open);
     EXPECT_STREQ(Only().rule, kUnfinished);
 }
@@ -487,13 +487,13 @@ TEST_F(Verdicts, KeepABoundedNumberOfWaitingDevices)
     for (int i = 0; i < 100; ++i) {
         Lines({kService + "<WiaTracker><WIA DEVICE><C|" + std::to_string(i) + ">."});
     }
-    EXPECT_EQ(verdicts.OpenCount(), ProcessArrivals::kMostWaiting);
+    EXPECT_EQ(verdicts.OpenCount(), OpenDevices::kMostWaiting);
     EXPECT_EQ(told.front().device, "0");
 }
 
 TEST_F(Verdicts, KeepABoundedNumberOfThoseThatWereGivenUp)
 {
-    for (std::size_t i = 0; i <= ProcessArrivals::kMostWaiting; ++i) {
+    for (std::size_t i = 0; i <= OpenDevices::kMostWaiting; ++i) {
         Lines({kVolumes + "<REMOVABLE DEVICE><V|" + std::to_string(i) + ">", kFits, kPolling});
     }
     told.clear();
@@ -510,6 +510,20 @@ TEST_F(Verdicts, IgnoreEverythingElse)
            kService + "<1><OTHER><a>"});
     EXPECT_THAT(told, IsEmpty());
     EXPECT_EQ(verdicts.OpenCount(), 0U);
+}
+
+TEST_F(Verdicts, OfAPluginNameThoseThatServe)
+{
+    const std::string served = "><Devices will be detected.>";
+    Lines({kService + "<Phones" + served, kService + "<More phones" + served,
+           kService + "<Phones" + served});
+    verdicts.Tick(now + 10 * OpenDevices::kLongestSilence); // long before the device
+    Lines({Start("mobile", "phone 1")});
+    EXPECT_EQ(Only().tracker, kPluginTracker);
+    EXPECT_THAT(Only().plugins, ElementsAre("Phones", "More phones"));
+    told.clear();
+    Lines({kFound, kFits, Start("volume", "E:")});
+    EXPECT_THAT(Only().plugins, IsEmpty()) << "of another tracker";
 }
 
 } // namespace

@@ -66,6 +66,8 @@ TEST(ToolsPage, NamesEveryMemberOfAnArrival)
     arrival.decision = Decision::Accepted;
     arrival.outcome = kStarted;
     ExpectAllNamed(ArrivalJson(arrival));
+    arrival.tracker = kPluginTracker;
+    ExpectAllNamed(ArrivalJson(arrival));
 }
 
 TEST(ToolsPage, NamesEveryMemberOfTheReport)
@@ -109,10 +111,13 @@ TEST(ToolsPage, NamesEveryReason)
 TEST(ToolsPage, NamesEveryOption)
 {
     const std::string page = Page();
-    for (const std::string& option : Matches(TraceUsage(), "(--[a-z-]+)")) {
+    for (const std::string& option : Matches(TraceHelp(), "(--[a-z-]+)")) {
         EXPECT_THAT(page, HasSubstr(option));
     }
-    EXPECT_THAT(page, HasSubstr("[--file PATH] [--no-color] [seconds]"));
+    EXPECT_THAT(page, HasSubstr("[--no-color] [--from FILE]... [seconds]"));
+    for (const std::string_view tag : kTags) {
+        EXPECT_THAT(page, HasSubstr('`' + std::string(tag) + '`'));
+    }
 }
 
 } // namespace

@@ -81,7 +81,8 @@ TEST(FormattedLine, IsToldToMachines)
     const std::string text = "<***DeviceConnect***><VolumeTracker><REMOVABLE DEVICE><V|E:>";
     EXPECT_EQ(
         LineJson(Seen(text), ParseTraceLine(text)),
-        R"({"time":"2026-11-21T12:33:47.123+00:00","process":1234,"name":"kestraboot.exe",)"
+        R"({"type":"line","schema":1,"time":"2026-11-21T12:33:47.123+00:00","process":1234,)"
+        R"("name":"kestraboot.exe",)"
         R"("component":"DeviceConnect","tracker":"VolumeTracker","message":"REMOVABLE DEVICE V|E:",)"
         R"("fields":["REMOVABLE DEVICE","V|E:"],"failure":false,"start":false,)"
         R"("line":"<***DeviceConnect***><VolumeTracker><REMOVABLE DEVICE><V|E:>"})");
@@ -92,11 +93,19 @@ TEST(FormattedLine, IsToldToMachines)
     EXPECT_THAT(LineJson(Seen(failure), ParseTraceLine(failure)), HasSubstr(R"("failure":true)"));
 }
 
+TEST(FormattedLine, IsValidJsonWhateverItHolds)
+{
+    const std::string text = "\"\\\t\x01\x7F \xFF \xC3";
+    EXPECT_THAT(LineJson(Seen(text), ParseTraceLine(text)),
+                HasSubstr("\"line\":\"\\\"\\\\\\t\\u0001\x7F \xEF\xBF\xBD \xEF\xBF\xBD\"}"));
+}
+
 TEST(FormattedLine, TellsOfLostLines)
 {
     EXPECT_EQ(PlainText(FormatLost({kMoment, 0, 0}, 7)),
               "12:33:47.123  (7 lines lost: they came faster than they could be shown)");
-    EXPECT_EQ(LostJson({kMoment, 0, 0}, 7), R"({"time":"2026-11-21T12:33:47.123+00:00","lost":7})");
+    EXPECT_EQ(LostJson({kMoment, 0, 0}, 7),
+              R"({"type":"lost","schema":1,"time":"2026-11-21T12:33:47.123+00:00","lost":7})");
 }
 
 } // namespace

@@ -2,39 +2,154 @@
 
 #include "tools/common/utf8.h"
 
+#define CLI11_HAS_FILESYSTEM 0 // nothing here looks at files
+#include <CLI/CLI.hpp>
+
+#include <windows.h>
+#include <algorithm>
+#include <memory>
+
 namespace kestraboot::tools
 {
 namespace
 {
 
-/// Up to nine digits and not zero: some thirty years.
-std::optional<std::uint64_t> ParseSeconds(const std::wstring& word)
+constexpr std::uint64_t kSmallestFile = 4'096;
+constexpr std::uint64_t kMostSeconds = 999'999'999; // some thirty years
+constexpr unsigned kMostKept = 999;
+constexpr std::size_t kOptionColumn = 24;
+
+constexpr const char* kExamples =
+    "examples:\n"
+    "  kestratrace --arrivals                     what becomes of each device that "
+    "arrives from now on\n"
+    "  kestratrace --from trace.log --arrivals    the same of what was recorded with "
+    "--file trace.log\n\n";
+constexpr const char* kUsage =
+    "usage: kestratrace [--arrivals] [--json] [--only TAG]... [--process NAME|PID]... [--match TEXT]\n"
+    "                   [--file PATH [--rotate SIZE [--keep N]]] [--no-color] [--from FILE]... "
+    "[seconds]\n";
+constexpr const char* kWhat =
+    "\nShows the debug lines of every program of this session as they come, until Ctrl+C or for that\n"
+    "many seconds.\n";
+constexpr const char* kFooter =
+    "NO_COLOR in the environment does what --no-color does.\n\n"
+    "exit codes: 0 done, 1 failed, 2 usage, 3 another program reads the debug output";
+
+std::string TagList(const char* beforeTrackers)
 {
-    constexpr std::size_t kMostDigits = 9;
-    std::uint64_t seconds = 0;
-    for (const wchar_t digit : word) {
-        if (digit < L'0' || digit > L'9') {
-            return std::nullopt;
-        }
-        seconds = seconds * 10 + static_cast<std::uint64_t>(digit - L'0');
+    std::string list;
+    for (const std::string_view tag : kTags) {
+        list += (tag == kTags[kFirstTracker] ? beforeTrackers : "") + std::string(tag) + ", ";
     }
-    return word.size() <= kMostDigits && seconds != 0 ? std::optional(seconds) : std::nullopt;
+    return list + "Plugin:NAME";
 }
 
-bool TakeFlag(const std::wstring& word, TraceOptions& options)
+std::string CheckTag(const std::string& tag)
 {
-    if (word == L"--arrivals") {
-        options.arrivals = true;
-    } else if (word == L"--json") {
-        options.json = true;
-    } else if (word == L"--no-color") {
-        options.colour = false;
-    } else if (word == L"--help" || word == L"-h" || word == L"/?") {
-        options.help = true;
-    } else {
-        return false;
+    return IsTag(tag) ? std::string() : "there is no tag " + tag + "; there are " + TagList("");
+}
+
+/// The word behind an option may be the next option.
+std::string CheckValue(const std::string& value)
+{
+    return value.empty() || value.starts_with("--") ? "needs a value" : std::string();
+}
+
+std::wstring ToPath(const std::string& utf8)
+{
+    std::wstring path(utf8.size(), L'\0'); // never more units than bytes
+    const int length = ::MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()),
+                                             path.data(), static_cast<int>(path.size()));
+    path.resize(static_cast<std::size_t>(length));
+    return path;
+}
+
+/// The words of the options that are text, before they are what they mean.
+struct Texts {
+    std::string file;
+    std::vector<std::string> from;
+};
+
+/// The order of the field: examples, usage, what each option does. The library's own remarks on types
+/// and on which option needs which are in the usage.
+class Help : public CLI::Formatter
+{
+public:
+    std::string make_option_name(const CLI::Option* option, bool positional) const override
+    {
+        const std::string name = option->get_name(positional, true);
+        return name.substr(0, name.find('{')); // "{false}" of a flag that switches off
     }
-    return true;
+    std::string make_option_opts(const CLI::Option* option) const override
+    {
+        const std::string value = option->get_items_expected_max() != 0 ? option->get_type_name() : "";
+        return value.empty() ? value : ' ' + value.substr(0, value.find(':'));
+    }
+    std::string make_description(const CLI::App* /*app*/) const override { return kExamples; }
+    std::string make_usage(const CLI::App* /*app*/, std::string /*name*/) const override
+    {
+        return std::string(kUsage) + kWhat;
+    }
+};
+
+void Describe(CLI::App& app, TraceOptions& options, Texts& texts)
+{
+    const auto help = std::make_shared<Help>();
+    help->column_width(kOptionColumn);
+    help->label("TEXT", "");
+    app.formatter(help);
+    app.footer(kFooter);
+    app.allow_windows_style_options(false);
+    app.set_help_flag("-h,--help", "this");
+
+    app.add_flag("--arrivals", options.arrivals,
+                 "one verdict for each device that arrives, in place of the lines");
+    app.add_flag("--json", options.json, "one JSON object a line");
+    app.add_option("--only", options.wanted.tags,
+                   "only lines of this component or tracker, can be given several times:\n" +
+                       TagList("\n"))
+        ->type_name("TAG")
+        ->allow_extra_args(false)
+        ->check(CheckValue)
+        ->check(CheckTag);
+    app.add_option("--process", options.wanted.processes,
+                   "only of this process; can be given several times")
+        ->type_name("NAME|PID")
+        ->allow_extra_args(false)
+        ->check(CheckValue);
+    app.add_option("--match", options.wanted.text,
+                   "only lines that hold this text, in letters of either case")
+        ->type_name("TEXT")
+        ->check(CheckValue);
+    CLI::Option* const file =
+        app.add_option("--file", texts.file, "writes the same to the end of this file too")
+            ->type_name("PATH")
+            ->check(CheckValue);
+    CLI::Option* const rotate =
+        app.add_option(
+               "--rotate", options.rotate,
+               "begins the file anew before it exceeds SIZE, such as 10M;\nearlier ones are PATH.1, "
+               "PATH.2, ...")
+            ->type_name("SIZE")
+            ->needs(file)
+            ->transform(CLI::AsSizeValue(false));
+    app.add_option("--keep", options.keep, "earlier files that are kept (5)")
+        ->type_name("N")
+        ->needs(rotate)
+        ->check(CLI::Range(1U, kMostKept));
+    CLI::Option* const from = app.add_option("--from", texts.from,
+                                             "shows this recording in place of the debug output: what "
+                                             "--file or --json\nwrote, or another "
+                                             "viewer's log; several times: the oldest first")
+                                  ->type_name("FILE")
+                                  ->allow_extra_args(false)
+                                  ->check(CheckValue);
+    app.add_flag("!--no-color", options.colour, "one colour on a console");
+    app.add_option("seconds", options.seconds, "how long to go on")
+        ->type_name("")
+        ->excludes(from)
+        ->check(CLI::Range(std::uint64_t{1}, kMostSeconds));
 }
 
 } // namespace
@@ -42,52 +157,43 @@ bool TakeFlag(const std::wstring& word, TraceOptions& options)
 std::optional<TraceOptions> ParseTraceOptions(const std::vector<std::wstring>& words, std::string& wrong)
 {
     TraceOptions options;
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        const std::wstring& word = words[i];
-        if (TakeFlag(word, options)) {
-            continue;
-        }
-        if (word == L"--only" || word == L"--file") {
-            if (++i == words.size() || words[i].empty() || words[i].starts_with(L"--")) {
-                wrong = ToUtf8(word) + " needs a value";
-                return std::nullopt;
-            }
-            if (word == L"--only") {
-                options.only.push_back(ToUtf8(words[i]));
-            } else {
-                options.file = words[i];
-            }
-            continue;
-        }
-        const std::optional<std::uint64_t> seconds = ParseSeconds(word);
-        if (!seconds || options.seconds != 0) {
-            wrong = "not understood: " + ToUtf8(word);
-            return std::nullopt;
-        }
-        options.seconds = *seconds;
+    Texts texts;
+    CLI::App app;
+    Describe(app, options, texts);
+    std::vector<std::string> reversed; // as the parser takes them
+    for (const std::wstring& word : words) {
+        reversed.insert(reversed.begin(), word == L"/?" ? "--help" : ToUtf8(word));
     }
+    try {
+        app.parse(reversed);
+    } catch (const CLI::CallForHelp&) {
+        options.help = true;
+        return options;
+    } catch (const CLI::ParseError& error) {
+        wrong = error.what();
+        return std::nullopt;
+    }
+    if (options.rotate != 0 && options.rotate < kSmallestFile) {
+        wrong = "--rotate: less than " + std::to_string(kSmallestFile) + " bytes";
+        return std::nullopt;
+    }
+    options.file = ToPath(texts.file);
+    std::ranges::transform(texts.from, std::back_inserter(options.from), ToPath);
     return options;
 }
 
 const char* TraceUsage() noexcept
 {
-    return "usage: kestratrace [--arrivals] [--json] [--only TAG]... [--file PATH] [--no-color] "
-           "[seconds]\n"
-           "\n"
-           "Shows the debug lines of every program of this session as they come, until Ctrl+C or for "
-           "that\n"
-           "many seconds.\n"
-           "\n"
-           "  --arrivals    one verdict for each device that arrives, in place of the lines\n"
-           "  --json        one JSON object a line\n"
-           "  --only TAG    only lines of this component or tracker: DeviceConnect, KestraBoot,\n"
-           "                KestraProxy, KestraProxy:OEM, VolumeTracker, WiaTracker, StiTracker, "
-           "Plugin;\n"
-           "                can be given several times\n"
-           "  --file PATH   writes the same to the end of this file too\n"
-           "  --no-color    one colour on a console\n"
-           "\n"
-           "exit codes: 0 done, 1 failed, 2 usage, 3 another program reads the debug output\n";
+    return kUsage;
+}
+
+std::string TraceHelp()
+{
+    TraceOptions options;
+    Texts texts;
+    CLI::App app;
+    Describe(app, options, texts);
+    return app.help();
 }
 
 } // namespace kestraboot::tools

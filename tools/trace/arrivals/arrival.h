@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace kestraboot::tools
 {
@@ -49,6 +50,7 @@ struct Arrival {
     std::string kind;    ///< "volume", "camera", "scanner", ... or empty
     std::string device;  ///< "E:"; empty where it is not known
     bool deviceCut = false;
+    std::vector<std::string> plugins; ///< of kPluginTracker: those that serve in this process
 
     Decision decision = Decision::Open;
     const char* rule = kUnfinished;

@@ -1,7 +1,9 @@
 #include "tools/trace/arrivals/arrival_format.h"
 
-#include "tools/common/json.h"
+#include "tools/trace/lines/json_line.h"
 #include "tools/trace/lines/line_format.h"
+
+#include <nlohmann/json.hpp>
 
 #include <string_view>
 
@@ -66,22 +68,23 @@ StyledText OutcomeLine(const Arrival& arrival)
     return {{Style::Bad, Indent() + "nothing started: "}, {Style::Plain, OutcomeText(arrival)}};
 }
 
-void AddSearch(JsonObject& object, const Arrival& arrival)
+void AddSearch(nlohmann::ordered_json& object, const Arrival& arrival)
 {
-    object.Number("attempts", static_cast<std::int64_t>(arrival.attempts))
-        .Number("folders", static_cast<std::int64_t>(arrival.folders))
-        .Number("files", static_cast<std::int64_t>(arrival.files))
-        .Number("deepestLevel", arrival.deepestLevel)
-        .Text("lastFile", arrival.file);
+    object["attempts"] = arrival.attempts;
+    object["folders"] = arrival.folders;
+    object["files"] = arrival.files;
+    object["deepestLevel"] = arrival.deepestLevel;
+    object["lastFile"] = arrival.file;
 }
 
-void AddOutcome(JsonObject& object, const Arrival& arrival)
+void AddOutcome(nlohmann::ordered_json& object, const Arrival& arrival)
 {
-    object.Text("outcome", arrival.outcome).Text("outcomeText", OutcomeText(arrival));
+    object["outcome"] = arrival.outcome;
+    object["outcomeText"] = OutcomeText(arrival);
     if (std::string_view(arrival.outcome) == kStarted) {
-        object.Text("application", arrival.application)
-            .Text("mode", arrival.mode)
-            .Text("startLine", arrival.startLine);
+        object["application"] = arrival.application;
+        object["mode"] = arrival.mode;
+        object["startLine"] = arrival.startLine;
     }
 }
 
@@ -101,28 +104,31 @@ std::vector<StyledText> FormatArrival(const Arrival& arrival)
 
 std::string ArrivalJson(const Arrival& arrival)
 {
-    JsonObject object;
-    object.Text("time", IsoText(arrival.noticed))
-        .Number("process", arrival.processId)
-        .Text("name", arrival.processName)
-        .Text("tracker", arrival.tracker)
-        .Text("source", arrival.source)
-        .Text("kind", arrival.kind)
-        .Text("device", arrival.device);
-    if (arrival.decision == Decision::Open) {
-        object.Null("accepted");
-    } else {
-        object.Flag("accepted", arrival.decision == Decision::Accepted);
+    nlohmann::ordered_json object = JsonLine("arrival");
+    object["time"] = IsoText(arrival.noticed);
+    object["process"] = arrival.processId;
+    object["name"] = arrival.processName;
+    object["tracker"] = arrival.tracker;
+    if (arrival.tracker == kPluginTracker) {
+        object["plugins"] = arrival.plugins;
     }
-    object.Text("rule", arrival.rule).Text("why", WhyText(arrival));
+    object["source"] = arrival.source;
+    object["kind"] = arrival.kind;
+    object["device"] = arrival.device;
+    object["accepted"] = nullptr;
+    if (arrival.decision != Decision::Open) {
+        object["accepted"] = arrival.decision == Decision::Accepted;
+    }
+    object["rule"] = arrival.rule;
+    object["why"] = WhyText(arrival);
     if (arrival.tracker == kVolumeTracker) {
         AddSearch(object, arrival);
     }
     if (arrival.decision == Decision::Accepted) {
         AddOutcome(object, arrival);
     }
-    object.Number("milliseconds", arrival.millisecondsToEnd);
-    return object.Line();
+    object["milliseconds"] = arrival.millisecondsToEnd;
+    return OneLine(object);
 }
 
 } // namespace kestraboot::tools

@@ -1,19 +1,21 @@
 #include "tools/trace/arrivals/process_arrivals.h"
 
 #include "tools/trace/arrivals/start_match.h"
+#include "tools/trace/lines/start_line.h"
 #include "tools/trace/lines/trace_line.h"
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace kestraboot::tools
 {
 namespace
 {
 
-bool IsOpenVolume(const Arrival& arrival)
+void SetEnd(Arrival& arrival, const SeenLine& line) noexcept
 {
-    return arrival.tracker == kVolumeTracker && arrival.decision == Decision::Open;
+    arrival.millisecondsToEnd = line.time.upMilliseconds - arrival.noticed.upMilliseconds;
 }
 
 } // namespace
@@ -47,6 +49,9 @@ void ProcessArrivals::Take(const SeenLine& line, const TraceEvent& event)
     case EventType::Started:
         TakeStart(line);
         break;
+    case EventType::PluginServes:
+        TakePlugin(event.source);
+        break;
     case EventType::None:
         break;
     default:
@@ -54,12 +59,9 @@ void ProcessArrivals::Take(const SeenLine& line, const TraceEvent& event)
     }
 }
 
-ProcessArrivals::Place ProcessArrivals::Open(const SeenLine& line, const char* tracker,
-                                             const TraceEvent& event)
+OpenDevice& ProcessArrivals::Open(DeviceState state, const SeenLine& line, const char* tracker,
+                                  const TraceEvent& event)
 {
-    if (waiting.size() == kMostWaiting) {
-        Close(waiting.begin());
-    }
     Arrival arrival;
     arrival.noticed = line.time;
     arrival.processId = line.processId;
@@ -69,17 +71,21 @@ ProcessArrivals::Place ProcessArrivals::Open(const SeenLine& line, const char* t
     arrival.kind = event.kind;
     arrival.device = event.device;
     arrival.deviceCut = event.cut;
-    waiting.push_back({std::move(arrival), line.time.upMilliseconds});
-    return std::prev(waiting.end());
+    if (state == DeviceState::Launching) {
+        arrival.decision = Decision::Accepted;
+    }
+    return devices.Add(state, std::move(arrival), line.time.upMilliseconds);
 }
 
-ProcessArrivals::Place ProcessArrivals::OpenUnannounced(const SeenLine& line, const TraceEvent& event)
+OpenDevice& ProcessArrivals::OpenUnannounced(const SeenLine& line, const TraceEvent& event)
 {
     const bool named = !event.device.empty();
-    const Place place = Open(line, named ? kPluginTracker : "", event);
-    place->arrival.decision = Decision::Accepted;
-    place->arrival.rule = named ? kPluginReport : kNoDevice;
-    return place;
+    OpenDevice& device = Open(DeviceState::Launching, line, named ? kPluginTracker : "", event);
+    device.arrival.rule = named ? kPluginReport : kNoDevice;
+    if (named) {
+        device.arrival.plugins = plugins;
+    }
+    return device;
 }
 
 bool ProcessArrivals::HasFreshNotice(const SeenLine& line) const
@@ -87,32 +93,36 @@ bool ProcessArrivals::HasFreshNotice(const SeenLine& line) const
     return notice && line.time.upMilliseconds - notice->upMilliseconds <= kLongestNotice;
 }
 
+void ProcessArrivals::TakePlugin(const std::string& name)
+{
+    if (plugins.size() < kMostPlugins && std::ranges::find(plugins, name) == plugins.end()) {
+        plugins.push_back(name);
+    }
+}
+
 void ProcessArrivals::TakeVolumeFound(const SeenLine& line, const TraceEvent& event)
 {
     EndVolume(); // the tracker went on
-    const Place place = Open(line, event.tracker, event);
+    OpenDevice& device = Open(DeviceState::Searching, line, event.tracker, event);
     if (HasFreshNotice(line)) {
-        place->arrival.noticed = *notice;
+        device.arrival.noticed = *notice;
     }
     notice.reset();
 }
 
 void ProcessArrivals::TakeSearch(const SeenLine& line, const TraceEvent& event)
 {
-    const auto place = std::ranges::find_if(waiting, [](const Waiting& device) {
-        return IsOpenVolume(device.arrival);
-    });
-    if (place == waiting.end()) {
+    OpenDevice* const volume = devices.Searching();
+    if (volume == nullptr) {
         return; // its beginning was before our time
     }
-    place->lastLine = line.time.upMilliseconds;
-    Arrival& arrival = place->arrival;
-    arrival.millisecondsToEnd = line.time.upMilliseconds - arrival.noticed.upMilliseconds;
-    TakeSearchLine(place->search, arrival, event);
-    if (arrival.decision == Decision::Refused) {
-        Close(place);
-    } else if (arrival.decision == Decision::Accepted) {
-        waiting.splice(waiting.end(), waiting, place);
+    volume->lastLine = line.time.upMilliseconds;
+    SetEnd(volume->arrival, line);
+    TakeSearchLine(volume->search, volume->arrival, event);
+    if (volume->arrival.decision == Decision::Refused) {
+        devices.Conclude(*volume);
+    } else if (volume->arrival.decision == Decision::Accepted) {
+        devices.Accept(*volume);
     }
 }
 
@@ -121,61 +131,39 @@ void ProcessArrivals::TakeDeviceFound(const SeenLine& line, const TraceEvent& ev
     const char* const tracker = event.type == EventType::TypeUnknownToWia   ? kWiaTracker
                                 : event.type == EventType::TypeUnknownToSti ? kStiTracker
                                                                             : event.tracker;
-    const Place place = Open(line, tracker, event);
-    Arrival& arrival = place->arrival;
+    OpenDevice& device = Open(DeviceState::Launching, line, tracker, event);
+    Arrival& arrival = device.arrival;
     if (event.type != EventType::DeviceFound) {
         arrival.decision = Decision::Refused;
         arrival.rule = kNoDeviceType;
-        Close(place);
+        devices.Conclude(device);
         return;
     }
-    arrival.decision = Decision::Accepted;
     arrival.rule = arrival.source == "TWAIN DEVICE" ? kTwainSource : kImagingDevice;
     arrival.outcome = kNoStartSeen;
 }
 
 void ProcessArrivals::TakeLaunch(const SeenLine& line, const TraceEvent& event)
 {
-    auto place = std::ranges::find_if(waiting, [](const Waiting& device) {
-        return device.arrival.decision == Decision::Accepted;
-    });
-    if (place == waiting.end()) {
-        place = OpenUnannounced(line, {});
-    }
-    Arrival& arrival = place->arrival;
-    arrival.outcome = event.rule;
-    arrival.millisecondsToEnd = line.time.upMilliseconds - arrival.noticed.upMilliseconds;
-    Close(place);
+    OpenDevice* const first = devices.AcceptedFirst();
+    OpenDevice& device = first != nullptr ? *first : OpenUnannounced(line, {});
+    device.arrival.outcome = event.rule;
+    SetEnd(device.arrival, line);
+    devices.Conclude(device);
 }
 
 void ProcessArrivals::TakeNoneInstalled(const SeenLine& line)
 {
-    for (Waiting& device : waiting) {
+    devices.ConcludeAll([&](OpenDevice& device) {
         Arrival& arrival = device.arrival;
-        if (arrival.decision == Decision::Accepted) {
+        if (device.state == DeviceState::Launching) {
             arrival.outcome = kNoApplication;
         } else {
             arrival.decision = Decision::Refused;
             arrival.rule = kNoApplication;
         }
-        arrival.millisecondsToEnd = line.time.upMilliseconds - arrival.noticed.upMilliseconds;
-    }
-    End();
-}
-
-/// Among those that were given up where none waits.
-ProcessArrivals::Place ProcessArrivals::FindNamed(const StartLine& start)
-{
-    const auto named = [&](const Waiting& device) {
-        return device.arrival.decision == Decision::Accepted && Names(start, device.arrival);
-    };
-    const Place place = std::ranges::find_if(waiting, named);
-    const Place late = std::ranges::find_if(givenUp, named);
-    if (place != waiting.end() || late == givenUp.end()) {
-        return place;
-    }
-    waiting.splice(waiting.end(), givenUp, late);
-    return late;
+        SetEnd(arrival, line);
+    });
 }
 
 void ProcessArrivals::TakeStart(const SeenLine& line)
@@ -185,17 +173,17 @@ void ProcessArrivals::TakeStart(const SeenLine& line)
     if (!start) {
         return;
     }
-    auto place = FindNamed(*start);
-    if (place == waiting.end()) {
+    OpenDevice* device = devices.Named(*start);
+    if (device == nullptr) {
         if (!hasTheLibrary && MayBeOfTheStarted(*start, line.processName)) {
             return;
         }
         TraceEvent event;
         event.kind = start->kindGuessed ? std::string() : start->kind;
         event.device = start->device;
-        place = OpenUnannounced(line, event);
+        device = &OpenUnannounced(line, event);
     }
-    Arrival& arrival = place->arrival;
+    Arrival& arrival = device->arrival;
     if (arrival.deviceCut) {
         arrival.device = start->device;
     }
@@ -203,57 +191,26 @@ void ProcessArrivals::TakeStart(const SeenLine& line)
     arrival.application = start->application;
     arrival.mode = start->mode;
     arrival.startLine = text;
-    arrival.millisecondsToEnd = line.time.upMilliseconds - arrival.noticed.upMilliseconds;
-    Close(place);
+    SetEnd(arrival, line);
+    devices.Conclude(*device);
 }
 
 void ProcessArrivals::EndVolume()
 {
-    const auto place = std::ranges::find(waiting, kVolumeTracker, [](const Waiting& device) {
-        return std::string_view(device.arrival.tracker);
-    });
-    if (place != waiting.end()) {
-        Close(place);
-    }
-}
-
-void ProcessArrivals::Close(Place place)
-{
-    std::list<Waiting> closed;
-    closed.splice(closed.begin(), waiting, place);
-    tell(closed.front().arrival);
-    if (std::string_view(closed.front().arrival.outcome) == kNoStartSeen) {
-        givenUp.splice(givenUp.end(), closed);
-        if (givenUp.size() > kMostWaiting) {
-            givenUp.pop_front();
-        }
+    if (const OpenDevice* const volume = devices.Volume()) {
+        devices.Conclude(*volume);
     }
 }
 
 void ProcessArrivals::End()
 {
-    while (!waiting.empty()) {
-        Close(waiting.begin());
-    }
-}
-
-void ProcessArrivals::Tick(std::int64_t upMilliseconds)
-{
-    for (Place place = waiting.begin(); place != waiting.end();) {
-        const Place current = place++;
-        const bool launching = current->arrival.decision == Decision::Accepted;
-        if (upMilliseconds - current->lastLine > (launching ? kLongestLaunch : kLongestSilence)) {
-            Close(current);
-        }
-    }
-    std::erase_if(givenUp, [&](const Waiting& device) {
-        return upMilliseconds - device.lastLine > kLongestSilence;
-    });
+    devices.ConcludeAll([](const OpenDevice&) {});
 }
 
 bool ProcessArrivals::IsOver(std::int64_t upMilliseconds) const noexcept
 {
-    return waiting.empty() && upMilliseconds - lastLine > kLongestSilence;
+    return devices.WaitingCount() == 0 && plugins.empty() &&
+           upMilliseconds - lastLine > OpenDevices::kLongestSilence;
 }
 
 } // namespace kestraboot::tools

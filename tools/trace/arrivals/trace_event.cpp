@@ -114,6 +114,17 @@ TraceEvent SearchEvent(std::string_view text)
     return event;
 }
 
+/// "<***DeviceConnect***><Phones><Devices will be detected.>"
+std::string_view PluginThatServes(std::string_view text)
+{
+    constexpr std::string_view kServes = "><Devices will be detected.>";
+    if (!text.starts_with(kComponent) || !text.ends_with(kServes) ||
+        text.size() < kComponent.size() + kServes.size()) {
+        return {};
+    }
+    return text.substr(kComponent.size(), text.size() - kComponent.size() - kServes.size());
+}
+
 } // namespace
 
 TraceEvent ReadTraceEvent(std::string_view text)
@@ -133,6 +144,11 @@ TraceEvent ReadTraceEvent(std::string_view text)
     }
     if (ParseStartLine(text)) {
         event.type = EventType::Started;
+        return event;
+    }
+    if (const std::string_view plugin = PluginThatServes(text); !plugin.empty()) {
+        event.type = EventType::PluginServes;
+        event.source = plugin;
         return event;
     }
     return SearchEvent(text);

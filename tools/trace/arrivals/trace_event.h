@@ -28,6 +28,7 @@ enum class EventType {
     LaunchRefused, ///< `rule`; the arrival that was being told is not served
     NoneInstalled, ///< nothing of this process is served any more; said at other times than arrivals too
     Started,       ///< the line is a start line
+    PluginServes,  ///< `source` is the plugin's name
 };
 
 struct TraceEvent {

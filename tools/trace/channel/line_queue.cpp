@@ -5,7 +5,7 @@
 namespace kestraboot::tools
 {
 
-void LineQueue::Push(SeenLine line)
+void LineQueue::Push(RawLine line)
 {
     {
         const std::lock_guard lock(mutex);
@@ -27,18 +27,13 @@ void LineQueue::Close()
     changed.notify_one();
 }
 
-std::optional<SeenLine> LineQueue::Pop(std::chrono::milliseconds longest)
+std::vector<RawLine> LineQueue::Take(std::chrono::milliseconds longest)
 {
     std::unique_lock lock(mutex);
     changed.wait_for(lock, longest, [&] {
         return closed || !lines.empty();
     });
-    if (lines.empty()) {
-        return std::nullopt;
-    }
-    SeenLine line = std::move(lines.front());
-    lines.pop_front();
-    return line;
+    return std::exchange(lines, {});
 }
 
 std::uint64_t LineQueue::TakeLost()

@@ -2,14 +2,13 @@
 // lines must never wait for a slow console.
 #pragma once
 
-#include "tools/trace/lines/seen_line.h"
+#include "tools/trace/channel/raw_line.h"
 
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
-#include <deque>
 #include <mutex>
-#include <optional>
+#include <vector>
 
 namespace kestraboot::tools
 {
@@ -20,13 +19,13 @@ public:
     explicit LineQueue(std::size_t most) : capacity(most) {}
 
     /// A line that finds the queue full is lost, and counted.
-    void Push(SeenLine line);
+    void Push(RawLine line);
 
     /// No more lines will come.
     void Close();
 
-    /// The next line; nothing when none came in time or none will come any more.
-    [[nodiscard]] std::optional<SeenLine> Pop(std::chrono::milliseconds longest);
+    /// All that are there, once there is one; none when none came in time or none will come any more.
+    [[nodiscard]] std::vector<RawLine> Take(std::chrono::milliseconds longest);
 
     /// How many lines were lost since the last call.
     [[nodiscard]] std::uint64_t TakeLost();
@@ -37,7 +36,7 @@ private:
     const std::size_t capacity;
     std::mutex mutex;
     std::condition_variable changed;
-    std::deque<SeenLine> lines;
+    std::vector<RawLine> lines;
     std::uint64_t lost = 0;
     bool closed = false;
 };

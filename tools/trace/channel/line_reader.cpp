@@ -1,6 +1,5 @@
 #include "tools/trace/channel/line_reader.h"
 
-#include "tools/common/utf8.h"
 #include "tools/trace/channel/process_names.h"
 #include "tools/trace/lines/system_time.h"
 
@@ -9,19 +8,6 @@
 
 namespace kestraboot::tools
 {
-namespace
-{
-
-std::string FromAnsi(const std::string& text)
-{
-    std::wstring wide(text.size(), L'\0'); // never more characters than bytes
-    const int length = ::MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()),
-                                             wide.data(), static_cast<int>(wide.size()));
-    return ToUtf8(std::wstring_view(wide).substr(0, static_cast<std::size_t>(length)));
-}
-
-} // namespace
-
 LineReader::LineReader(DebugChannel& opened, LineQueue& filled, HANDLE stopEvent)
     : channel(opened), queue(filled), stop(stopEvent), thread([this] {
           Read();
@@ -48,6 +34,7 @@ void LineReader::Read() noexcept
 void LineReader::ReadLines()
 {
     ProcessNames names;
+    PairedClock clock;
     DebugChannel::Line line;
     for (;;) {
         const DebugChannel::Waiting came = channel.Next(stop, line);
@@ -55,8 +42,9 @@ void LineReader::ReadLines()
             failed = came == DebugChannel::Waiting::Failed;
             return;
         }
-        const TimeStamp now = Now();
-        queue.Push({now, line.processId, names.Of(line.processId), FromAnsi(line.text)});
+        const Moment now = clock.Now();
+        queue.Push({now.utcMilliseconds, now.upMilliseconds, line.processId, names.Of(line.processId),
+                    line.text});
     }
 }
 

@@ -1,6 +1,8 @@
 #include "tools/trace/lines/line_format.h"
 
-#include "tools/common/json.h"
+#include "tools/trace/lines/json_line.h"
+
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cstdio>
@@ -78,22 +80,18 @@ StyledText FormatLine(const SeenLine& seen, const TraceLine& line)
 
 std::string LineJson(const SeenLine& seen, const TraceLine& line)
 {
-    std::vector<std::string> fields;
-    for (const std::string& field : line.fields) {
-        fields.push_back(JsonText(field));
-    }
-    JsonObject object;
-    object.Text("time", IsoText(seen.time))
-        .Number("process", seen.processId)
-        .Text("name", seen.processName)
-        .Text("component", line.component)
-        .Text("tracker", line.tracker)
-        .Text("message", line.message)
-        .Json("fields", JsonArray(fields))
-        .Flag("failure", line.kind == LineKind::Failure)
-        .Flag("start", line.kind == LineKind::Start)
-        .Text("line", line.text);
-    return object.Line();
+    nlohmann::ordered_json object = JsonLine("line");
+    object["time"] = IsoText(seen.time);
+    object["process"] = seen.processId;
+    object["name"] = seen.processName;
+    object["component"] = line.component;
+    object["tracker"] = line.tracker;
+    object["message"] = line.message;
+    object["fields"] = line.fields;
+    object["failure"] = line.kind == LineKind::Failure;
+    object["start"] = line.kind == LineKind::Start;
+    object["line"] = line.text;
+    return OneLine(object);
 }
 
 StyledText FormatLost(const TimeStamp& time, std::uint64_t lines)
@@ -105,9 +103,10 @@ StyledText FormatLost(const TimeStamp& time, std::uint64_t lines)
 
 std::string LostJson(const TimeStamp& time, std::uint64_t lines)
 {
-    JsonObject object;
-    object.Text("time", IsoText(time)).Number("lost", static_cast<std::int64_t>(lines));
-    return object.Line();
+    nlohmann::ordered_json object = JsonLine("lost");
+    object["time"] = IsoText(time);
+    object["lost"] = lines;
+    return OneLine(object);
 }
 
 } // namespace kestraboot::tools

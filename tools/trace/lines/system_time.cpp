@@ -1,7 +1,7 @@
 #include "tools/trace/lines/system_time.h"
 
-#include <windows.h>
 #include <chrono>
+#include <cstdlib>
 
 namespace kestraboot::tools
 {
@@ -10,11 +10,26 @@ namespace
 
 constexpr std::int64_t kTicksPerMillisecond = 10'000;
 constexpr std::int64_t kTicksPerMinute = 60'000 * kTicksPerMillisecond;
+constexpr std::int64_t kLongestTick = 32; // milliseconds: Windows' clock goes on in steps of up to 16
+constexpr std::int64_t kMillisecondsPerMinute = 60'000;
+constexpr std::int64_t kMillisecondsPerDay = 86'400'000;
 constexpr std::int64_t kMillisecondsTo1970 = 11'644'473'600'000; // since 1601
 
 std::int64_t Ticks(const FILETIME& time) noexcept
 {
     return static_cast<std::int64_t>(std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime);
+}
+
+std::int64_t MillisecondsOf(const FILETIME& time) noexcept
+{
+    return Ticks(time) / kTicksPerMillisecond - kMillisecondsTo1970;
+}
+
+FILETIME FileTimeOf(std::int64_t milliseconds) noexcept
+{
+    const auto ticks =
+        static_cast<std::uint64_t>((milliseconds + kMillisecondsTo1970) * kTicksPerMillisecond);
+    return {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
 }
 
 /// Of local time from that time, by the rules of the time zone for that day.
@@ -39,12 +54,33 @@ std::int64_t UpMilliseconds()
         .count();
 }
 
-TimeStamp Now()
+Moment PairedClock::Now()
 {
     FILETIME utc = {};
     ::GetSystemTimeAsFileTime(&utc);
-    return {Ticks(utc) / kTicksPerMillisecond - kMillisecondsTo1970, OffsetMinutes(utc),
-            UpMilliseconds()};
+    const std::int64_t up = UpMilliseconds();
+    const std::int64_t now = MillisecondsOf(utc) - up;
+    if (std::abs(now - between) > kLongestTick) {
+        between = now; // at the beginning, or the clock was set
+    }
+    return {up + between, up};
+}
+
+int OffsetMinutesAtUtc(std::int64_t utcMilliseconds)
+{
+    return OffsetMinutes(FileTimeOf(utcMilliseconds));
+}
+
+int OffsetMinutesAt(std::int64_t localMilliseconds)
+{
+    // Off by one change of the clocks at most; a second look is not, but in the hour that comes twice.
+    const int about = OffsetMinutesAtUtc(localMilliseconds);
+    return OffsetMinutesAtUtc(localMilliseconds - about * kMillisecondsPerMinute);
+}
+
+std::int64_t LocalDay(const FILETIME& utc) noexcept
+{
+    return (MillisecondsOf(utc) + OffsetMinutes(utc) * kMillisecondsPerMinute) / kMillisecondsPerDay;
 }
 
 } // namespace kestraboot::tools

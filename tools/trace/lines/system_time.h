@@ -2,12 +2,37 @@
 
 #include "tools/trace/lines/time_stamp.h"
 
+#include <windows.h>
+
 namespace kestraboot::tools
 {
 
 /// Of a clock that nobody sets.
 [[nodiscard]] std::int64_t UpMilliseconds();
 
-[[nodiscard]] TimeStamp Now();
+struct Moment {
+    std::int64_t utcMilliseconds = 0; ///< since 1970
+    std::int64_t upMilliseconds = 0;
+};
+
+/// Both clocks of a moment. They go on together to the millisecond, unless somebody sets the one: so
+/// what is recorded with UTC alone gives the same differences when it is read back.
+class PairedClock
+{
+public:
+    [[nodiscard]] Moment Now();
+
+private:
+    std::int64_t between = 0;
+};
+
+/// Of local time from UTC at that time, by the rules of this machine's time zone for that day.
+[[nodiscard]] int OffsetMinutesAtUtc(std::int64_t utcMilliseconds);
+
+/// The same at a local time.
+[[nodiscard]] int OffsetMinutesAt(std::int64_t localMilliseconds);
+
+/// The local day, since 1970.
+[[nodiscard]] std::int64_t LocalDay(const FILETIME& utc) noexcept;
 
 } // namespace kestraboot::tools

@@ -24,6 +24,14 @@ constexpr ComponentTag kComponents[] = {
 };
 constexpr std::string_view kTrackers[] = {"VolumeTracker", "WiaTracker", "StiTracker"};
 constexpr std::string_view kPluginServed = "Devices will be detected.";
+/// What the search of a card says, beside folders and files, which begin with their level.
+constexpr std::string_view kOfSearch[] = {
+    "Suppressing auto launch...",
+    "Unsupported volume found.",
+    "Supported file format is found on device.",
+    "Supported media content check fails...Trying again.",
+    "Volume does not contain supported media content.",
+};
 constexpr std::string_view kUntaggedWiaMessage = "Could not get the device type.";
 
 /// Brackets inside a field belong to it; the last field may lack its bracket, since long lines are cut.
@@ -62,7 +70,18 @@ void TakeTracker(TraceLine& line)
     if (plugin || std::ranges::find(kTrackers, line.fields.front()) != std::end(kTrackers)) {
         line.tracker = line.fields.front();
         line.fields.erase(line.fields.begin());
+        line.ofPlugin = plugin;
     }
+}
+
+bool IsOfSearch(const TraceLine& line)
+{
+    if (line.component != "DeviceConnect" || !line.tracker.empty() || line.fields.empty()) {
+        return false;
+    }
+    const std::string& first = line.fields.front();
+    return first.find_first_not_of("0123456789") == std::string::npos ||
+           std::ranges::find(kOfSearch, first) != std::end(kOfSearch);
 }
 
 } // namespace
@@ -95,6 +114,7 @@ TraceLine ParseTraceLine(std::string_view text)
             line.fields = std::move(fields);
             TakeTracker(line);
             line.message = Joined(line.fields);
+            line.ofSearch = IsOfSearch(line);
             if (line.message.starts_with("!!! ")) {
                 line.kind = LineKind::Failure;
             }

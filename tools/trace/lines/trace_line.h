@@ -22,6 +22,8 @@ struct TraceLine {
     std::string message;   ///< the rest, without brackets; fields are separated by a blank
     std::vector<std::string> fields; ///< of the message
     std::string text;                ///< the whole line, without its line end
+    bool ofPlugin = false;           ///< `tracker` is a plugin's name
+    bool ofSearch = false;           ///< told by the search of a card; such lines name no tracker
 };
 
 [[nodiscard]] std::string_view WithoutLineEnd(std::string_view text) noexcept;

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "tools/common/exit_code.h"
+#include "tools/trace/options.h"
+#include "tools/trace/stop.h"
+
+namespace kestraboot::tools
+{
+
+/// Shows recordings, one behind the other, as if their lines came now.
+[[nodiscard]] ExitCode ShowRecordings(const TraceOptions& options, const Stop& stop);
+
+} // namespace kestraboot::tools

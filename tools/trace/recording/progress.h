@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace kestraboot::tools
+{
+
+/// How far a long recording is read, on standard error: after a second, and then each second. One line
+/// on a console, which goes when it is through; a line each time elsewhere.
+class Progress
+{
+public:
+    Progress(std::string fileName, std::uint64_t allBytes);
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+    ~Progress();
+
+    void Tell(std::uint64_t bytesRead);
+
+private:
+    const std::string name;
+    const std::uint64_t all;
+    const bool console;
+    std::int64_t toldAt; ///< upMilliseconds
+    std::size_t shown = 0;
+};
+
+} // namespace kestraboot::tools

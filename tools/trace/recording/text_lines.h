@@ -1,0 +1,50 @@
+// Cuts the bytes of a log into lines of UTF-8.
+//
+// The log may be UTF-8, with or without its mark, UTF-16 of either order, or text in the ANSI code page:
+// the first bytes tell UTF-16, and each other line counts as ANSI where it is not valid UTF-8. However
+// long the log is, one line of it is kept at a time.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace kestraboot::tools
+{
+
+class TextLines
+{
+public:
+    /// What is longer is cut: four times what the longest debug line becomes in JSON.
+    static constexpr std::size_t kLongestLine = 256 * 1024;
+
+    using Take = std::function<void(std::string_view line)>;
+    using ToUtf8 = std::string (*)(std::string_view ansi);
+
+    /// Lines go to `taker`, without their ends.
+    TextLines(Take taker, ToUtf8 fromAnsi) : take(std::move(taker)), ansi(fromAnsi) {}
+
+    void Push(std::string_view bytes);
+
+    /// No more bytes will come. Whether the last line lacked its end; it is taken all the same.
+    bool End();
+
+private:
+    enum class Encoding { Unknown, Bytes, LittleEndian, BigEndian };
+
+    void Recognise();
+    void PushBytes(std::string_view bytes);
+    void PushUnits(std::string_view bytes);
+    void Append(std::string_view part);
+    void TakeLine();
+
+    const Take take;
+    const ToUtf8 ansi;
+    Encoding encoding = Encoding::Unknown;
+    std::string beginning; ///< until the encoding is known; later half a UTF-16 unit
+    std::string line;
+    std::wstring units; ///< the line where it is UTF-16
+};
+
+} // namespace kestraboot::tools
