@@ -88,7 +88,11 @@ bool LineFilter::PassesProcess(std::uint32_t id, std::string_view name) const
 
 bool LineFilter::PassesText(std::string_view shown) const
 {
-    return std::ranges::search(shown, text, {}, Lower).begin() != shown.end() || text.empty();
+    const auto same = [](char seen, char wanted) {
+        return Lower(seen) == wanted;
+    };
+    return text.empty() ||
+           std::search(shown.begin(), shown.end(), text.begin(), text.end(), same) != shown.end();
 }
 
 } // namespace kestraboot::tools
