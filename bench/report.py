@@ -2,7 +2,8 @@
 """Makes one table and one picture of what was measured.
 
 usage: report.py [--record] FOLDER     FOLDER/rows/*.csv -> table on standard output, FOLDER/table.md,
-                                       FOLDER/rows.csv, FOLDER/curves.svg; with --record also docs/speed.*
+                                       FOLDER/rows.csv; with --record also docs/speed.md and docs/speed.svg,
+                                       which needs matplotlib
 """
 import csv
 import os
@@ -15,7 +16,6 @@ import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
 import footprint  # noqa: E402
-from curves import curves  # noqa: E402
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 LIBRARY = ROOT / "build/release/bin/kestraboot.dll"
@@ -162,11 +162,10 @@ def main() -> int:
         for row in in_order(rows):
             for side, values in row.sides.items():
                 writer.writerows([row.name, row.size, side, row.goals[side] or "", i, v] for i, v in enumerate(values))
-    picture = curves(rows)
-    (folder / "curves.svg").write_text(picture, encoding="utf-8")
     if "--record" in sys.argv:
+        from curves import draw  # no other run needs a plotting library
         record(table)
-        (ROOT / "docs/speed.svg").write_text(picture, encoding="utf-8")
+        draw(rows, ROOT / "docs/speed.svg")
     return 0
 
 

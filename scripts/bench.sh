@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # Measures what the library costs against what Windows itself costs: builds, runs, prints one table. The rows
-# stay in build/bench as CSV, the growth curves as curves.svg.
+# stay in build/bench as CSV.
 #   --rounds N      at least so many rounds of each row (15); rows that are quick make more
 #   --rows REGEX    only the rows whose "name size" matches, such as 'walk 1000$' or '^dispatch'
 #   --resume        leaves rows alone that were measured already
-#   --record        also writes the table and the curves into docs/speed.md and docs/speed.svg
+#   --record        also writes the table into docs/speed.md and draws docs/speed.svg, for which it installs
+#                   python3-matplotlib
 #   --report        measures nothing: the table of what was measured before
 set -euo pipefail
 . "$(dirname "$0")/usage.sh"
@@ -103,5 +104,6 @@ measure() {
     return $status
 }
 
+[ -z "$record" ] || scripts/setup.sh python3-matplotlib
 [ -n "$report" ] || measure
-bench/report.py $record $out
+/usr/bin/python3 bench/report.py $record $out # Debian's own, for which that package is
