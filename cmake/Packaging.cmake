@@ -64,13 +64,14 @@ install(FILES README.md CONTRIBUTING.md DESTINATION .)
 install(FILES CHANGELOG.md DESTINATION . OPTIONAL)
 install(DIRECTORY docs DESTINATION .)
 install(FILES ${KESTRABOOT_VERSION_PAGE} DESTINATION .)
-# On what terms the runtime may be passed on. Debian keeps the texts with the packages it comes from.
+# On what terms the runtime, and what is compiled into the tools, may be passed on. Debian keeps the texts with the
+# packages they come from.
 function(kestraboot_install_terms name package)
     set(text /usr/share/doc/${package}/copyright)
     if(EXISTS ${text})
         install(FILES ${text} DESTINATION licenses RENAME ${name})
     else()
-        message(WARNING "${text} is missing: the package will not say on what terms the runtime is passed on.")
+        message(WARNING "${text} is missing: the package will not say on what terms ${package} is passed on.")
     endif()
 endfunction()
 if(MINGW)
@@ -81,6 +82,8 @@ if(MINGW)
         kestraboot_install_terms(libwinpthread.txt mingw-w64-x86-64-dev)
     endif()
 endif()
+kestraboot_install_terms(cli11.txt libcli11-dev)
+kestraboot_install_terms(nlohmann-json.txt nlohmann-json3-dev)
 
 # ---- Signatures and the list of what is delivered, once every file is in its place
 set(KESTRABOOT_SIGN_COMMAND "" CACHE STRING

@@ -104,6 +104,6 @@ measure() {
     return $status
 }
 
-[ -z "$record" ] || scripts/setup.sh python3-matplotlib
+[ -z "$record" ] || scripts/setup.sh curves
 [ -n "$report" ] || measure
 /usr/bin/python3 bench/report.py $record $out # Debian's own, for which that package is

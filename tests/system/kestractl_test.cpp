@@ -93,7 +93,7 @@ TEST_F(ThreeApplications, AreToldToMachines)
                "\"mediaType\":\"Image\"}],\"key\":\"" +
                Escaped(std::filesystem::path(application.KeyPath()).string()) + "\",";
     };
-    EXPECT_EQ(json, "{\"applications\":[" + listed(first) +
+    EXPECT_EQ(json, "{\"type\":\"report\",\"schema\":1,\"applications\":[" + listed(first) +
                         "\"default\":false,\"mayLaunch\":true,\"locale\":\"en_us\",\"localeSet\":false,"
                         "\"sniffDepth\":null}," +
                         listed(second) +
@@ -111,6 +111,21 @@ TEST_F(ThreeApplications, AreToldToMachines)
                         "\"direct\"},\"autoRun\":{\"entry\":\"\\\"" +
                         Escaped(second.Proxy().string()) +
                         "\\\"\",\"exists\":true,\"application\":\"Second\"},\"organiser\":null}\n");
+}
+
+TEST_F(ThreeApplications, AreToldTheirOwnLocaleAndNoOthers)
+{
+    const Installation last(L"Viewer");
+    PutText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\First", L"locale", L"fr_fr");
+    PutText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\Second", L"locale", L"de_de");
+    const std::string shown = Run();
+    const auto localeAfter = [&](const char* name) {
+        const std::size_t at = shown.find("locale ", shown.find(name));
+        return shown.substr(at + 15, shown.find('\n', at) - at - 15);
+    };
+    EXPECT_EQ(localeAfter("  1. First\n"), "fr_fr");
+    EXPECT_EQ(localeAfter("  2. Second\n"), "de_de");
+    EXPECT_EQ(localeAfter("  3. Viewer\n"), "en_us (none is set)");
 }
 
 TEST_F(ThreeApplications, ThatShareAProxyAreToldTheSame)
@@ -218,10 +233,9 @@ TEST_F(Kestractl, ShowsAnEmptyRegistry)
 {
     ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane");
     ::RegDeleteTreeW(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane");
-    EXPECT_EQ(
-        Run(L"--json"),
-        "{\"applications\":[],\"leftOut\":[],\"defaults\":[],\"arrivalStarts\":null,\"cardStarts\":null,"
-        "\"autoRun\":null,\"organiser\":null}\n");
+    EXPECT_EQ(Run(L"--json"), "{\"type\":\"report\",\"schema\":1,\"applications\":[],\"leftOut\":[],"
+                              "\"defaults\":[],\"arrivalStarts\":null,\"cardStarts\":null,"
+                              "\"autoRun\":null,\"organiser\":null}\n");
 }
 
 TEST_F(Kestractl, FindsTheKeysThatTheLibraryPassesOver)
@@ -251,7 +265,8 @@ TEST_F(Kestractl, FindsTheKeysThatTheLibraryPassesOver)
     EXPECT_EQ(reasonOf("Below"), "below-another");
     EXPECT_EQ(reasonOf("Kept"), "kept-out");
     EXPECT_EQ(reasonOf("Behind"), "behind-long-name");
-    EXPECT_THAT(json, StartsWith("{\"applications\":[{\"name\":\"App\","));
+    EXPECT_THAT(json,
+                StartsWith("{\"type\":\"report\",\"schema\":1,\"applications\":[{\"name\":\"App\","));
 }
 
 TEST_F(Kestractl, KeepsNamesOfOtherLanguages)

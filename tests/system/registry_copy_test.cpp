@@ -117,6 +117,40 @@ TEST_F(CopyOfTheRegistry, LeavesNothingWhicheverStepFails)
     EXPECT_EQ(RegistryDump(), before);
 }
 
+TEST_F(CopyOfTheRegistry, SaysInWordsWhyItCannotBeMade)
+{
+    const FAKE_IMPORT(RegCreateKeyExW) create(
+        [](HKEY, const wchar_t*, DWORD, wchar_t*, DWORD, REGSAM, SECURITY_ATTRIBUTES*, HKEY*, DWORD*) {
+            return LSTATUS{ERROR_ACCESS_DENIED};
+        });
+    std::string said;
+    try {
+        const RegistryCopy copy;
+    } catch (const std::runtime_error& error) {
+        said = error.what();
+    }
+    EXPECT_THAT(
+        said, testing::MatchesRegex("cannot make a copy of the registry's keys: .*denied.* .error 5."));
+}
+
+TEST_F(CopyOfTheRegistry, ShowsOneApplicationAlone)
+{
+    PutText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\Viewer", L"locale", L"de_de");
+    PutText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\Other\\Corvane Kestrafetch", L"Name", L"Other");
+    const std::vector<std::string> stored = RegistryDump();
+    {
+        RegistryCopy copy;
+        copy.ShowOnly(L"SOFTWARE\\Corvane\\Other\\Corvane Kestrafetch");
+        EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, kApplication));
+        copy.ShowOnly(kApplication);
+        EXPECT_TRUE(KeyExists(HKEY_LOCAL_MACHINE, kApplication));
+        EXPECT_EQ(StoredText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\Viewer", L"locale"), L"de_de");
+        EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\Other"));
+        EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, kApplication)) << "the user's part is whole";
+    }
+    EXPECT_EQ(RegistryDump(), stored);
+}
+
 TEST_F(CopyOfTheRegistry, RemovesWhatAnEndedProcessLeftAndNothingElse)
 {
     const std::wstring left = L"Software\\kestractl copy 4294967292"; // no process has that number

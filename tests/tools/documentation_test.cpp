@@ -1,6 +1,9 @@
 // docs/tools.md names every word that scripts can meet, and none that is not there.
 #include "tests/support/source_file.h"
+#include "tests/tools/json_schema.h"
+#include "tools/ctl/check/check_format.h"
 #include "tools/ctl/left_out.h"
+#include "tools/ctl/options.h"
 #include "tools/ctl/report_format.h"
 #include "tools/trace/arrivals/arrival_format.h"
 #include "tools/trace/lines/line_format.h"
@@ -81,6 +84,16 @@ TEST(ToolsPage, NamesEveryMemberOfTheReport)
     ExpectAllNamed(ReportJson(report));
 }
 
+TEST(ToolsPage, NamesEveryMemberAndWordOfTheCheck)
+{
+    ExpectAllNamed(CheckJson({Fine("plugin", {}, {})}));
+    const nlohmann::json schema = tests::ReadSchema(tests::SourceFile("docs/kestractl.schema.json"));
+    const std::set<std::string> words = Words();
+    for (const nlohmann::json& check : schema["$defs"]["row"]["properties"]["check"]["enum"]) {
+        EXPECT_THAT(words, Contains(check.get<std::string>()));
+    }
+}
+
 TEST(ToolsPage, NamesEveryRuleAndOutcome)
 {
     const std::set<std::string> words = Words();
@@ -111,8 +124,10 @@ TEST(ToolsPage, NamesEveryReason)
 TEST(ToolsPage, NamesEveryOption)
 {
     const std::string page = Page();
-    for (const std::string& option : Matches(TraceHelp(), "(--[a-z-]+)")) {
-        EXPECT_THAT(page, HasSubstr(option));
+    for (const std::string& usage : {std::string(TraceHelp()), std::string(CtlUsage())}) {
+        for (const std::string& option : Matches(usage, "(--[a-z-]+)")) {
+            EXPECT_THAT(page, HasSubstr(option));
+        }
     }
     EXPECT_THAT(page, HasSubstr("[--no-color] [--from FILE]... [seconds]"));
     for (const std::string_view tag : kTags) {

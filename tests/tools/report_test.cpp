@@ -91,7 +91,7 @@ TEST(ReportText, SaysWhatHoldsAnApplicationBack)
 {
     Report report = Full();
     report.applications[0].mayLaunch = false;
-    report.applications[0].sniffDepth = 0;
+    report.applications[0].key.sniffDepth = 0;
     report.applications[0].localeStored = false;
     report.applications[0].locale = L"en_us";
     const std::string text = PlainText(FormatReport(report));
@@ -120,7 +120,7 @@ TEST(ReportJson, TellsEverything)
 {
     EXPECT_EQ(
         ReportJson(Full()),
-        R"({"applications":[{"name":")"
+        R"({"type":"report","schema":1,"applications":[{"name":")"
         "View\xC3\xA9r"
         R"(","application":"C:\\Viewer\\viewer.exe","proxy":"C:\\Viewer\\kestraboot.exe",)"
         R"("description":"","icon":"","formats":[{"extension":"jpg","mediaType":"Image"},)"
@@ -144,7 +144,8 @@ TEST(ReportJson, TellsEverything)
 TEST(ReportJson, TellsWhatIsNotThere)
 {
     EXPECT_EQ(ReportJson({}),
-              R"({"applications":[],"leftOut":[],"defaults":[],"arrivalStarts":null,"cardStarts":null,)"
+              R"({"type":"report","schema":1,"applications":[],"leftOut":[],"defaults":[],)"
+              R"("arrivalStarts":null,"cardStarts":null,)"
               R"("autoRun":null,"organiser":null})");
 }
 

@@ -26,9 +26,9 @@ bool Exists(const std::optional<std::wstring>& path) noexcept
     return path && ::PathFileExistsW(path->c_str());
 }
 
-ApplicationKey ReadApplicationKey(const std::wstring& path)
+ApplicationKey ReadApplicationKey(const std::wstring& path, REGSAM view)
 {
-    const RegistryKey key(HKEY_LOCAL_MACHINE, path);
+    const RegistryKey key(HKEY_LOCAL_MACHINE, path, KEY_READ | view);
     const std::wstring preferences = path + L"\\Preferences";
     constexpr const wchar_t* kAutoLaunch = L"AutoLaunchOnDeviceConnect";
     ApplicationKey read;
@@ -38,8 +38,11 @@ ApplicationKey ReadApplicationKey(const std::wstring& path)
     read.commandPath = key.Text(L"CmdLine");
     read.proxyExists = Exists(read.proxyPath);
     read.commandExists = Exists(read.commandPath);
-    read.autoLaunchOfUser = RegistryKey(HKEY_CURRENT_USER, preferences).Number(kAutoLaunch);
-    read.autoLaunchOfMachine = RegistryKey(HKEY_LOCAL_MACHINE, preferences).Number(kAutoLaunch);
+    const RegistryKey ofUser(HKEY_CURRENT_USER, preferences);
+    read.userHasPreferences = static_cast<bool>(ofUser);
+    read.autoLaunchOfUser = ofUser.Number(kAutoLaunch);
+    read.autoLaunchOfMachine =
+        RegistryKey(HKEY_LOCAL_MACHINE, preferences, KEY_READ | view).Number(kAutoLaunch);
     read.sniffDepth = RegistryKey(HKEY_CURRENT_USER, path).Number(L"SniffDepth");
     if (read.sniffDepth > kGreatestDepth) {
         read.sniffDepth = kDefaultDepth;
@@ -47,9 +50,7 @@ ApplicationKey ReadApplicationKey(const std::wstring& path)
     return read;
 }
 
-} // namespace
-
-std::vector<ApplicationKey> FindApplicationKeys()
+std::vector<ApplicationKey> FindIn(REGSAM view)
 {
     std::vector<ApplicationKey> found;
     std::deque<Place> pending = {{kCorvaneRoot, false, false}};
@@ -57,11 +58,12 @@ std::vector<ApplicationKey> FindApplicationKeys()
         const Place parent = std::move(pending.front());
         pending.pop_front();
         bool behindLongName = parent.behindLongName;
-        for (const std::wstring& name : RegistryKey(HKEY_LOCAL_MACHINE, parent.path).Subkeys()) {
+        for (const std::wstring& name :
+             RegistryKey(HKEY_LOCAL_MACHINE, parent.path, KEY_READ | view).Subkeys()) {
             behindLongName = behindLongName || name.size() > kLongestSearchedName;
             Place child = {parent.path + L'\\' + name, parent.belowAnother, behindLongName};
             if (::_wcsicmp(name.c_str(), kApplicationKeyName) == 0) {
-                ApplicationKey key = ReadApplicationKey(child.path);
+                ApplicationKey key = ReadApplicationKey(child.path, view);
                 key.nameInOtherCase = name != kApplicationKeyName;
                 key.belowAnother = child.belowAnother;
                 key.behindLongName = child.behindLongName;
@@ -72,6 +74,18 @@ std::vector<ApplicationKey> FindApplicationKeys()
         }
     }
     return found;
+}
+
+} // namespace
+
+std::vector<ApplicationKey> FindApplicationKeys()
+{
+    return FindIn(0);
+}
+
+std::vector<ApplicationKey> FindApplicationKeysOf32Bit()
+{
+    return FindIn(KEY_WOW64_32KEY);
 }
 
 } // namespace kestraboot::tools

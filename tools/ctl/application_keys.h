@@ -22,10 +22,14 @@ struct ApplicationKey {
     bool commandExists = false;
     std::optional<std::uint32_t> autoLaunchOfUser;
     std::optional<std::uint32_t> autoLaunchOfMachine;
+    bool userHasPreferences = false;         ///< a key of this user's own hides the machine's default
     std::optional<std::uint32_t> sniffDepth; ///< that the library takes; it takes 4 where there is none
 };
 
 /// In the order in which the library searches.
 [[nodiscard]] std::vector<ApplicationKey> FindApplicationKeys();
+
+/// What 32-bit installers wrote, which 64-bit programs do not see.
+[[nodiscard]] std::vector<ApplicationKey> FindApplicationKeysOf32Bit();
 
 } // namespace kestraboot::tools

@@ -19,7 +19,9 @@ void AddApplications(Report& report, const LibraryView& view, const std::vector<
         const auto key = std::ranges::find(keys, info.KeyPath, &ApplicationKey::path);
         ListedApplication& listed = report.applications.emplace_back();
         listed.info = info;
-        listed.sniffDepth = key != keys.end() ? key->sniffDepth : std::nullopt;
+        if (key != keys.end()) {
+            listed.key = *key;
+        }
     }
     for (const ApplicationKey& key : keys) {
         if (std::ranges::find(view.all, key.path, &appInfo_tag::KeyPath) == view.all.end()) {
@@ -53,7 +55,7 @@ void AddAutoRun(Report& report)
 
 Report Gather()
 {
-    const RegistryCopy copy;
+    RegistryCopy copy;
     // Before the library's loading adds to the copy.
     const std::vector<ApplicationKey> keys = FindApplicationKeys();
     const LibraryView view = AskLibrary();
@@ -63,7 +65,7 @@ Report Gather()
     report.organiser = view.organiser;
     report.next = WhatStarts(view);
     report.nextOfCard = WhatStarts(AskLibrary());
-    AskAsEachProxy(report.applications);
+    AskAsEachProxy(copy, report.applications);
     return report;
 }
 

@@ -1,6 +1,7 @@
 #include "tools/ctl/library_view.h"
 
 #include "kestraboot/information_handler.h"
+#include "tools/common/windows_error.h"
 #include "tools/ctl/auto_run.h"
 #include "tools/ctl/registry_key.h"
 
@@ -32,8 +33,18 @@ void PutText(const std::wstring& keyPath, const wchar_t* name, const std::wstrin
         ::RegSetValueExW(key.Get(), name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
                          static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
     if (status != ERROR_SUCCESS) {
-        throw std::runtime_error("cannot change the copy of the keys");
+        throw std::runtime_error("cannot change the copy of the keys: " +
+                                 WindowsErrorText(static_cast<unsigned long>(status)));
     }
+}
+
+/// Whether the library can tell a proxy anything but what it tells where nothing is stored. Most
+/// applications store nothing, and to ask takes as long as all the rest.
+bool IsAnythingStored(const appInfo_tag& info)
+{
+    const std::wstring product = info.KeyPath.substr(0, info.KeyPath.find(L"\\Corvane Kestrafetch"));
+    return RegistryKey(HKEY_LOCAL_MACHINE, product).Find(L"locale") ||
+           RegistryKey(HKEY_CURRENT_USER, product).Find(L"kestralaunchstatus");
 }
 
 /// Where the list were empty, the questions below would end the process.
@@ -62,13 +73,16 @@ LibraryView AskLibrary()
     return view;
 }
 
-void AskAsEachProxy(std::vector<ListedApplication>& applications)
+void AskAsEachProxy(RegistryCopy& copy, std::vector<ListedApplication>& applications)
 {
     const std::wstring program = RunningProgram();
-    for (const ListedApplication& application : applications) {
-        PutText(application.info.KeyPath, L"ProxyPath", L"");
-    }
+    std::vector<bool> stored; // asked while the copy shows all of them
     for (ListedApplication& application : applications) {
+        stored.push_back(IsAnythingStored(application.info));
+        application.locale = L"en_us";
+    }
+    for (std::size_t i = 0; i < applications.size(); ++i) {
+        ListedApplication& application = applications[i];
         // A proxy that several applications share is told what the first of them says.
         const ListedApplication* const owner = OwnerOfProxy(applications, application.info.ProxyPath);
         if (owner != &application) {
@@ -77,7 +91,11 @@ void AskAsEachProxy(std::vector<ListedApplication>& applications)
             application.localeStored = owner->localeStored;
             continue;
         }
+        if (!stored[i]) {
+            continue;
+        }
         CKestraBootInformationHandler handler;
+        copy.ShowOnly(application.info.KeyPath);
         PutText(application.info.KeyPath, L"ProxyPath", program);
         PutText(application.info.KeyPath, L"CmdLine", program); // stays there while it is asked
         if (!IsListed(handler)) {
@@ -85,7 +103,6 @@ void AskAsEachProxy(std::vector<ListedApplication>& applications)
         }
         application.mayLaunch = handler.GetKestraLaunchStatus();
         application.localeStored = handler.GetKestraLocaleString(application.locale);
-        PutText(application.info.KeyPath, L"ProxyPath", L"");
     }
 }
 

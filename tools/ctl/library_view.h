@@ -2,6 +2,7 @@
 // keys only: the library writes.
 #pragma once
 
+#include "tools/ctl/registry_copy.h"
 #include "tools/ctl/report.h"
 
 #include <string>
@@ -23,6 +24,6 @@ struct LibraryView {
 /// Asks for the launch status and the locale as the proxy of each application does, and fills them in.
 /// The library answers for the running program: the copy is changed to make this program the proxy of
 /// one application after the other. Nothing can be learnt from the copy afterwards.
-void AskAsEachProxy(std::vector<ListedApplication>& applications);
+void AskAsEachProxy(RegistryCopy& copy, std::vector<ListedApplication>& applications);
 
 } // namespace kestraboot::tools

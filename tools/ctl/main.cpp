@@ -1,13 +1,17 @@
-// kestractl: shows what the library sees, and changes nothing on the machine.
+// kestractl: shows what the library sees, and why nothing happens. Changes nothing on the machine.
 #include "tools/common/exit_code.h"
 #include "tools/common/standard_output.h"
 #include "tools/common/utf8.h"
+#include "tools/ctl/check/check.h"
+#include "tools/ctl/check/check_format.h"
 #include "tools/ctl/gather.h"
+#include "tools/ctl/look/look.h"
+#include "tools/ctl/options.h"
 #include "tools/ctl/report_format.h"
 
 #include <cstdio>
 #include <exception>
-#include <string_view>
+#include <utility>
 
 using namespace kestraboot::tools;
 
@@ -16,50 +20,58 @@ int wmain(int count, wchar_t** words);
 namespace
 {
 
-constexpr const char* kUsage =
-    "usage: kestractl [--json] [--no-color]\n"
-    "\n"
-    "Shows the compatible applications as the library sees them, which are left out and why, the\n"
-    "auto-run entry, and the legacy organiser. Changes nothing.\n"
-    "\n"
-    "  --json      one JSON object on one line\n"
-    "  --no-color  one colour on a console\n"
-    "\n"
-    "exit codes: 0 shown, 1 failed, 2 usage\n";
+struct Shown {
+    StyledText text;
+    ExitCode code = ExitCode::Done;
+};
 
-ExitCode Show(bool json, bool colour)
+Shown MakeCheck(bool json)
+{
+    const Rows rows = Check(Look());
+    return {json ? StyledText{{Style::Plain, CheckJson(rows) + '\n'}} : FormatCheck(rows),
+            Count(rows, Verdict::Broken) > 0 ? ExitCode::Broken : ExitCode::Done};
+}
+
+Shown MakeReport(bool json)
+{
+    const Report report = Gather();
+    return {json ? StyledText{{Style::Plain, ReportJson(report) + '\n'}} : FormatReport(report)};
+}
+
+bool WantsNoColour(const CtlOptions& options)
+{
+    return options.noColour || ::GetEnvironmentVariableW(L"NO_COLOR", nullptr, 0) > 1; // not empty
+}
+
+ExitCode Show(const CtlOptions& options)
 {
     ::SetConsoleCtrlHandler(nullptr, TRUE); // it takes a moment, and then removes the copy of the keys
-    const Report report = Gather();
-    const StandardOutput output(colour);
-    const StyledText text =
-        json ? StyledText{{Style::Plain, ReportJson(report) + '\n'}} : FormatReport(report);
-    if (!output.Write(text)) {
+    const Shown shown = options.check ? MakeCheck(options.json) : MakeReport(options.json);
+    const StandardOutput output(!WantsNoColour(options));
+    if (!output.Write(shown.text)) {
         std::fputs("kestractl: standard output cannot be written\n", stderr);
         return ExitCode::Failed;
     }
-    return ExitCode::Done;
+    return shown.code;
 }
 
 ExitCode Main(int count, wchar_t** words)
 {
-    bool json = false;
-    bool colour = true;
+    std::vector<std::string> narrow;
     for (int i = 1; i < count; ++i) {
-        const std::wstring_view word = words[i];
-        if (word == L"--json") {
-            json = true;
-        } else if (word == L"--no-color") {
-            colour = false;
-        } else if (word == L"--help" || word == L"-h" || word == L"/?") {
-            std::fputs(kUsage, stdout);
-            return ExitCode::Done;
-        } else {
-            std::fprintf(stderr, "kestractl: not understood: %s\n%s", ToUtf8(word).c_str(), kUsage);
-            return ExitCode::Usage;
-        }
+        narrow.push_back(ToUtf8(words[i]));
     }
-    return Show(json, colour);
+    const CtlOptions options = ReadCtlOptions(std::move(narrow));
+    if (!options.notUnderstood.empty()) {
+        std::fprintf(stderr, "kestractl: not understood: %s\n%s", options.notUnderstood.c_str(),
+                     CtlUsage());
+        return ExitCode::Usage;
+    }
+    if (options.help) {
+        std::fputs(CtlUsage(), stdout);
+        return ExitCode::Done;
+    }
+    return Show(options);
 }
 
 } // namespace

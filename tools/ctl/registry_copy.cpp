@@ -1,6 +1,7 @@
 #include "tools/ctl/registry_copy.h"
 
 #include "tools/common/handle.h"
+#include "tools/common/windows_error.h"
 #include "tools/ctl/registry_names.h"
 
 #include <cstdlib>
@@ -12,13 +13,15 @@ namespace
 {
 
 constexpr const wchar_t* kParent = L"Software";
+constexpr const wchar_t* kSoftware = L"SOFTWARE";
+constexpr const wchar_t* kApplicationTail = L"\\Corvane Kestrafetch"; // what the library cuts off
 constexpr const wchar_t* kNamePrefix = L"kestractl copy ";
 
 void Require(LONG status, const char* what)
 {
     if (status != ERROR_SUCCESS) {
-        throw std::runtime_error(std::string("cannot ") + what + " (error " + std::to_string(status) +
-                                 ")");
+        throw std::runtime_error(std::string("cannot ") + what + ": " +
+                                 WindowsErrorText(static_cast<unsigned long>(status)));
     }
 }
 
@@ -119,7 +122,7 @@ RegistryCopy::~RegistryCopy()
 
 void RegistryCopy::Fill()
 {
-    const RegistryKey home = Create(parent.Get(), name);
+    home = Create(parent.Get(), name);
     machine = Create(home.Get(), L"machine");
     user = Create(home.Get(), L"user");
     CopyTree(HKEY_LOCAL_MACHINE, kCorvaneRoot, machine);
@@ -130,12 +133,29 @@ void RegistryCopy::Fill()
     Require(::RegOverridePredefKey(HKEY_CURRENT_USER, user.Get()), "put the copy in place");
 }
 
+void RegistryCopy::ShowOnly(const std::wstring& applicationKey)
+{
+    if (!only) {
+        only = Create(home.Get(), L"only");
+        Require(::RegOverridePredefKey(HKEY_LOCAL_MACHINE, only.Get()), "put the copy in place");
+    }
+    ::RegDeleteTreeW(only.Get(), kSoftware); // of the application before
+    static_cast<void>(Create(only.Get(), applicationKey));
+    const std::wstring product = applicationKey.substr(0, applicationKey.find(kApplicationTail));
+    const RegistryKey to = Create(only.Get(), product);
+    for (const RegistryKey::Value& value : RegistryKey(machine.Get(), product).Values()) {
+        Put(to, value);
+    }
+}
+
 void RegistryCopy::Remove() noexcept
 {
     ::RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
     ::RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
+    home = RegistryKey();
     machine = RegistryKey();
     user = RegistryKey();
+    only = RegistryKey();
     static_cast<void>(::RegDeleteTreeW(parent.Get(), name.c_str()));
 }
 

@@ -23,14 +23,20 @@ public:
     RegistryCopy& operator=(const RegistryCopy&) = delete;
     ~RegistryCopy();
 
+    /// From here on the machine's part of the copy holds one application's key, without values, and the
+    /// values of the product's key above it. A search then finds that one alone, however many there are.
+    void ShowOnly(const std::wstring& applicationKey);
+
 private:
     void Fill();
     void Remove() noexcept;
 
     RegistryKey parent; ///< the real one, opened before it is replaced
     std::wstring name;
+    RegistryKey home; ///< holds the copies
     RegistryKey machine;
     RegistryKey user;
+    RegistryKey only; ///< takes the machine's place when one application alone is shown
 };
 
 } // namespace kestraboot::tools

@@ -4,7 +4,6 @@
 #include "kestraboot/application_info.h"
 #include "tools/ctl/left_out.h"
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -18,7 +17,7 @@ struct ListedApplication {
     bool mayLaunch = true; ///< the launch status that its proxy is told
     std::wstring locale;   ///< that its proxy is told
     bool localeStored = false;
-    std::optional<std::uint32_t> sniffDepth;
+    ApplicationKey key; ///< as it stood before the library loaded
 };
 
 /// One that is registered, but not in the list.

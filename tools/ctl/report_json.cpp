@@ -1,119 +1,100 @@
-#include "tools/common/json.h"
 #include "tools/common/utf8.h"
+#include "tools/ctl/json_schema_version.h"
 #include "tools/ctl/report_format.h"
+
+#include <nlohmann/json.hpp>
 
 namespace kestraboot::tools
 {
 namespace
 {
 
-JsonObject InfoObject(const appInfo_tag& info)
+using Json = nlohmann::ordered_json;
+
+Json TextOrNull(const std::optional<std::wstring>& text)
 {
-    std::vector<std::string> formats;
+    return text ? Json(ToUtf8(*text)) : Json();
+}
+
+Json InfoJson(const appInfo_tag& info)
+{
+    Json formats = Json::array();
     for (const formatInfo_tag& format : info.FileFormats) {
-        JsonObject object;
-        object.Text("extension", ToUtf8(format.Extension)).Text("mediaType", ToUtf8(format.MediaType));
-        formats.push_back(object.Line());
+        formats.push_back(
+            {{"extension", ToUtf8(format.Extension)}, {"mediaType", ToUtf8(format.MediaType)}});
     }
-    JsonObject object;
-    object.Text("name", ToUtf8(info.Name))
-        .Text("application", ToUtf8(info.CmdLine))
-        .Text("proxy", ToUtf8(info.ProxyPath))
-        .Text("description", ToUtf8(info.Desc))
-        .Text("icon", ToUtf8(info.Icon))
-        .Json("formats", JsonArray(formats));
+    return {{"name", ToUtf8(info.Name)},       {"application", ToUtf8(info.CmdLine)},
+            {"proxy", ToUtf8(info.ProxyPath)}, {"description", ToUtf8(info.Desc)},
+            {"icon", ToUtf8(info.Icon)},       {"formats", std::move(formats)}};
+}
+
+Json ApplicationJson(const ListedApplication& application)
+{
+    Json object = InfoJson(application.info);
+    object["key"] = ToUtf8(application.info.KeyPath);
+    object["default"] = application.info.DefaultFlag != 0;
+    object["mayLaunch"] = application.mayLaunch;
+    object["locale"] = ToUtf8(application.locale);
+    object["localeSet"] = application.localeStored;
+    object["sniffDepth"] = application.key.sniffDepth ? Json(*application.key.sniffDepth) : Json();
     return object;
 }
 
-void AddText(JsonObject& object, const char* name, const std::optional<std::wstring>& text)
+Json LeftOutJson(const LeftOutApplication& left)
 {
-    if (text) {
-        object.Text(name, ToUtf8(*text));
-    } else {
-        object.Null(name);
-    }
-}
-
-std::string ApplicationJson(const ListedApplication& application)
-{
-    JsonObject object = InfoObject(application.info);
-    object.Text("key", ToUtf8(application.info.KeyPath))
-        .Flag("default", application.info.DefaultFlag != 0)
-        .Flag("mayLaunch", application.mayLaunch)
-        .Text("locale", ToUtf8(application.locale))
-        .Flag("localeSet", application.localeStored);
-    if (application.sniffDepth) {
-        object.Number("sniffDepth", *application.sniffDepth);
-    } else {
-        object.Null("sniffDepth");
-    }
-    return object.Line();
-}
-
-std::string LeftOutJson(const LeftOutApplication& left)
-{
-    std::vector<std::string> reasons;
+    Json reasons = Json::array();
     for (const Reason& reason : left.reasons) {
-        JsonObject object;
-        object.Text("reason", reason.code).Text("text", ToUtf8(reason.text));
-        reasons.push_back(object.Line());
+        reasons.push_back({{"reason", reason.code}, {"text", ToUtf8(reason.text)}});
     }
-    JsonObject object;
-    AddText(object, "name", left.key.name);
-    object.Text("key", ToUtf8(left.key.path));
-    AddText(object, "application", left.key.commandPath);
-    object.Flag("applicationExists", left.key.commandExists);
-    AddText(object, "proxy", left.key.proxyPath);
-    object.Flag("proxyExists", left.key.proxyExists).Json("reasons", JsonArray(reasons));
-    return object.Line();
+    return {{"name", TextOrNull(left.key.name)},
+            {"key", ToUtf8(left.key.path)},
+            {"application", TextOrNull(left.key.commandPath)},
+            {"applicationExists", left.key.commandExists},
+            {"proxy", TextOrNull(left.key.proxyPath)},
+            {"proxyExists", left.key.proxyExists},
+            {"reasons", std::move(reasons)}};
 }
 
-std::string AutoRunJson(const Report& report)
+Json AutoRunJson(const Report& report)
 {
     if (!report.autoRun) {
-        return "null";
+        return {};
     }
-    JsonObject object;
-    object.Text("entry", ToUtf8(*report.autoRun)).Flag("exists", report.autoRunExists);
-    AddText(object, "application", report.autoRunApplication);
-    return object.Line();
+    return {{"entry", ToUtf8(*report.autoRun)},
+            {"exists", report.autoRunExists},
+            {"application", TextOrNull(report.autoRunApplication)}};
 }
 
-std::string NextJson(const std::optional<NextLaunch>& next)
+Json NextJson(const std::optional<NextLaunch>& next)
 {
     if (!next) {
-        return "null";
+        return {};
     }
-    JsonObject object;
-    object.Text("application", ToUtf8(next->application)).Text("mode", ToUtf8(next->mode));
-    return object.Line();
+    return {{"application", ToUtf8(next->application)}, {"mode", ToUtf8(next->mode)}};
 }
 
 } // namespace
 
 std::string ReportJson(const Report& report)
 {
-    std::vector<std::string> applications;
+    Json object = {{"type", "report"}, {"schema", kJsonSchema}};
+    Json& applications = object["applications"] = Json::array();
     for (const ListedApplication& application : report.applications) {
         applications.push_back(ApplicationJson(application));
     }
-    std::vector<std::string> leftOut;
+    Json& leftOut = object["leftOut"] = Json::array();
     for (const LeftOutApplication& left : report.leftOut) {
         leftOut.push_back(LeftOutJson(left));
     }
-    std::vector<std::string> defaults;
+    Json& defaults = object["defaults"] = Json::array();
     for (const std::wstring& name : report.defaults) {
-        defaults.push_back(JsonText(ToUtf8(name)));
+        defaults.push_back(ToUtf8(name));
     }
-    JsonObject object;
-    object.Json("applications", JsonArray(applications))
-        .Json("leftOut", JsonArray(leftOut))
-        .Json("defaults", JsonArray(defaults))
-        .Json("arrivalStarts", NextJson(report.next))
-        .Json("cardStarts", NextJson(report.nextOfCard))
-        .Json("autoRun", AutoRunJson(report))
-        .Json("organiser", report.organiser ? InfoObject(*report.organiser).Line() : "null");
-    return object.Line();
+    object["arrivalStarts"] = NextJson(report.next);
+    object["cardStarts"] = NextJson(report.nextOfCard);
+    object["autoRun"] = AutoRunJson(report);
+    object["organiser"] = report.organiser ? InfoJson(*report.organiser) : Json();
+    return object.dump();
 }
 
 } // namespace kestraboot::tools

@@ -87,10 +87,10 @@ void AddApplication(Text& text, std::size_t place, const ListedApplication& appl
     text.Field(L"launch status", application.mayLaunch ? L"may launch" : L"may not launch",
                application.mayLaunch ? Style::Plain : Style::Bad);
     text.Field(L"locale", application.locale + (application.localeStored ? L"" : L" (none is set)"));
-    if (application.sniffDepth) {
+    if (application.key.sniffDepth) {
         text.Field(L"search depth",
-                   std::to_wstring(*application.sniffDepth) +
-                       (*application.sniffDepth == 0 ? L" (cards are switched off)" : L""));
+                   std::to_wstring(*application.key.sniffDepth) +
+                       (*application.key.sniffDepth == 0 ? L" (cards are switched off)" : L""));
     }
 }
 

@@ -1,0 +1,126 @@
+// What --check looks at, as it was found: nothing here is judged yet.
+#pragma once
+
+#include "tools/ctl/application_keys.h"
+#include "tools/ctl/check/module_needs.h"
+#include "tools/ctl/check/pe_image.h"
+#include "tools/ctl/report.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kestraboot::tools
+{
+
+/// Of a file's version resource, "1.0.0.0"; nothing where it has none.
+using FileVersion = std::optional<std::wstring>;
+
+/// As GetVersionEx tells it to this program.
+struct WindowsVersion {
+    bool known = false;
+    std::uint32_t major = 0;
+    std::uint32_t minor = 0;
+    std::uint32_t build = 0;
+    bool workstation = false;
+};
+
+/// Whose settings this program sees.
+struct Account {
+    std::wstring user;                    ///< DOMAIN\name of this process
+    std::optional<std::wstring> loggedOn; ///< DOMAIN\name of who is logged on in this session
+    std::uint32_t session = 0;
+};
+
+/// A process with the window of a boot program, or one that runs a registered boot program.
+struct BootProcess {
+    std::uint32_t id = 0;
+    std::optional<std::wstring> path;    ///< nothing where this program may not ask
+    std::optional<std::wstring> account; ///< DOMAIN\name, likewise
+    bool elevated = false;               ///< has more rights than the account has without asking
+};
+
+struct Control {
+    bool claimed = false; ///< a process of this session has taken control
+    std::vector<BootProcess> processes;
+};
+
+/// OEM\album.ini beside a boot program.
+struct OemFile {
+    bool exists = false;
+    std::optional<std::wstring> firstLine; ///< of the section KestraProxyStopInstall
+    int number = 0;                        ///< that it begins with
+};
+
+struct PluginFile {
+    std::wstring name;
+    PeReading file;
+    std::vector<MissingModule> missing;
+    FileVersion version;
+    std::wstring originalName; ///< that the version resource gives; may be empty
+    std::wstring sameBytesAs;  ///< an earlier file of the folder; empty where there is none
+};
+
+struct PluginFolder {
+    bool exists = false;
+    std::vector<PluginFile> files; ///< "*.mox", in the order in which the host loads them
+};
+
+/// The boot program in control, or else the one that the next log-on starts, and what lies beside it.
+struct BootFolder {
+    std::wstring program;
+    FileVersion programVersion;
+    bool libraryExists = false;
+    FileVersion libraryVersion;
+    OemFile oem;
+    PluginFolder plugins;
+};
+
+/// A library that is found where the boot program's LoadLibrary would look for it.
+struct SystemPart {
+    std::optional<std::wstring> path;
+    PeReading file;
+    FileVersion version;
+};
+
+struct ImagingParts {
+    bool serviceKnown = false; ///< whether Windows could be asked for the service
+    bool serviceExists = false;
+    bool serviceDisabled = false;
+    bool serviceRuns = false;
+    SystemPart stillImage;    ///< sti.dll
+    SystemPart sourceManager; ///< twain_32.dll
+    std::size_t sources = 0;  ///< 64-bit TWAIN sources
+};
+
+/// Of an application's programs.
+struct ApplicationVersions {
+    FileVersion command;
+    FileVersion proxy;
+};
+
+/// Whether the legacy organiser's programs are there.
+struct OrganiserPrograms {
+    bool deviceConnect = false;
+    bool proxy = false;
+};
+
+struct Facts {
+    WindowsVersion windows;
+    Account account;
+    Report report;
+    std::vector<ApplicationVersions> versions; ///< for each application of the report
+    std::vector<ApplicationKey> keysOf32Bit;   ///< in the 32-bit view of the registry
+    bool userHasRoot = true;                   ///< HKEY_CURRENT_USER\SOFTWARE\Corvane is there
+    bool autoRunSwitchedOff = false;           ///< by the user, in Windows' list of start-up programs
+    OrganiserPrograms organiserPrograms;
+    Control control;
+    std::optional<BootFolder> boot;
+    ImagingParts imaging;
+    bool debugOutputIsRead = false;
+    FileVersion toolVersion;
+    FileVersion libraryVersion; ///< of the library that this program asks
+};
+
+} // namespace kestraboot::tools

@@ -1,0 +1,113 @@
+// What cameras and scanners need of Windows.
+#include "tools/ctl/check/check.h"
+#include "tools/ctl/check/words.h"
+
+#include <algorithm>
+
+namespace kestraboot::tools
+{
+namespace
+{
+
+constexpr const char* kWia = "wia";
+constexpr const char* kStillImage = "still-image";
+constexpr const char* kTwain = "twain";
+constexpr const wchar_t* kNotAsked = L"is not asked on this Windows";
+constexpr std::uint32_t kSourceManagerOrdinal = 1;
+
+Row WiaRow(const ImagingParts& imaging, bool watched)
+{
+    const wchar_t* const service = L"the service \"Windows Image Acquisition\" (stisvc)";
+    if (!watched) {
+        return Fine(kWia, {}, std::wstring(service) + L" " + kNotAsked);
+    }
+    if (!imaging.serviceKnown) {
+        return Suspicious(kWia, {}, std::wstring(L"Windows does not tell of ") + service,
+                          L"run this program as administrator");
+    }
+    if (!imaging.serviceExists) {
+        return Broken(kWia, {}, std::wstring(service) + L" is not installed: no WIA device is noticed",
+                      L"add it to Windows (on servers: the feature Desktop Experience)");
+    }
+    if (imaging.serviceDisabled) {
+        return Broken(kWia, {}, std::wstring(service) + L" is disabled: no WIA device is noticed",
+                      L"let it start, then log on again: it is asked once");
+    }
+    return Fine(kWia, {},
+                std::wstring(service) +
+                    (imaging.serviceRuns ? L" runs" : L" does not run, and starts when it is asked"));
+}
+
+/// Why a 64-bit program cannot load it; empty where it can.
+std::wstring WhyNotLoaded(const SystemPart& part, const wchar_t* name)
+{
+    if (!part.path) {
+        return std::wstring(name) + L" cannot be found";
+    }
+    if (!part.file.image) {
+        return *part.path + L" " + part.file.fault;
+    }
+    if (part.file.image->machine != kMachine64Bit) {
+        return *part.path + L" is " + MachineName(part.file.image->machine);
+    }
+    return {};
+}
+
+Row StillImageRow(const SystemPart& part, bool watched)
+{
+    if (!watched) {
+        return Fine(kStillImage, {}, std::wstring(L"sti.dll ") + kNotAsked);
+    }
+    std::wstring why = WhyNotLoaded(part, L"sti.dll");
+    if (why.empty() && !HasExport(*part.file.image, "StiCreateInstance")) {
+        why = *part.path + L" has no entry point StiCreateInstance";
+    }
+    if (!why.empty()) {
+        return Broken(
+            kStillImage, {}, why + L": no still-image device is noticed",
+            L"repair Windows; a file of that name beside the boot program does not belong there");
+    }
+    return Fine(kStillImage, *part.path, L"can be loaded; " + VersionText(part.version));
+}
+
+Row TwainRow(const ImagingParts& imaging, bool watched)
+{
+    const SystemPart& manager = imaging.sourceManager;
+    std::wstring why = WhyNotLoaded(manager, L"twain_32.dll");
+    if (why.empty() && std::ranges::find(manager.file.image->ordinals, kSourceManagerOrdinal) ==
+                           manager.file.image->ordinals.end()) {
+        why = *manager.path + L" has no entry point 1";
+    }
+    const std::wstring sources =
+        std::to_wstring(imaging.sources) + L" 64-bit TWAIN source" + (imaging.sources == 1 ? L"" : L"s");
+    if (!watched) {
+        return Fine(kTwain, {},
+                    std::wstring(L"TWAIN ") + kNotAsked + L"; " +
+                        (why.empty() ? L"there is a 64-bit source manager, with " + sources
+                                     : L"there is no 64-bit source manager"));
+    }
+    if (!why.empty()) {
+        return Suspicious(kTwain, {},
+                          L"there is no 64-bit source manager: " + why +
+                              L". A device with a TWAIN source alone is not noticed",
+                          L"install a 64-bit TWAIN source manager under the name twain_32.dll, and "
+                          L"64-bit sources");
+    }
+    if (imaging.sources == 0) {
+        return Suspicious(kTwain, *manager.path,
+                          L"is a 64-bit source manager, but there is no 64-bit source: a device with a "
+                          L"TWAIN source alone is not noticed",
+                          L"install the 64-bit TWAIN driver of the device");
+    }
+    return Fine(kTwain, *manager.path, L"is a 64-bit source manager, with " + sources);
+}
+
+} // namespace
+
+Rows ImagingRows(const ImagingParts& imaging, const WatchedDevices& watched)
+{
+    return {WiaRow(imaging, watched.wia), StillImageRow(imaging.stillImage, watched.stillImages),
+            TwainRow(imaging, watched.stillImages)};
+}
+
+} // namespace kestraboot::tools

@@ -1,0 +1,31 @@
+// Which libraries a plugin needs that cannot be found.
+#pragma once
+
+#include "tools/ctl/check/pe_image.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace kestraboot::tools
+{
+
+/// A library as the search finds it.
+struct FoundModule {
+    bool ofWindows = false; ///< what it needs itself is not looked at
+    PeReading file;
+};
+
+/// Nothing where the search finds none.
+using FindModule = std::function<std::optional<FoundModule>(const std::string& name)>;
+
+struct MissingModule {
+    std::string name;
+    std::string neededBy; ///< the library that needs it; empty: the plugin itself
+    std::wstring why;
+};
+
+/// Also what the libraries need that are found beside the boot program; each library once.
+[[nodiscard]] std::vector<MissingModule> MissingModules(const PeImage& plugin, const FindModule& find);
+
+} // namespace kestraboot::tools

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace kestraboot::tools
+{
+
+/// The "schema" of each JSON object, which docs/kestractl.schema.json describes. It changes when a
+/// member goes or means something else, not when one is added.
+inline constexpr int kJsonSchema = 1;
+
+} // namespace kestraboot::tools

@@ -1,0 +1,111 @@
+// What lies beside a boot program.
+#include "tools/ctl/look/file_contents.h"
+#include "tools/ctl/look/look.h"
+#include "tools/ctl/look/module_search.h"
+
+#include <windows.h>
+#include <cwchar>
+#include <map>
+#include <shlwapi.h>
+
+namespace kestraboot::tools
+{
+namespace
+{
+
+constexpr DWORD kSectionCapacity = 260; // as the library reads it
+
+OemFile LookAtOemFile(const std::wstring& folder)
+{
+    OemFile oem;
+    const std::wstring file = folder + L"\\OEM\\album.ini";
+    oem.exists = ::PathFileExistsW(file.c_str()) != FALSE;
+    if (!oem.exists) {
+        return oem;
+    }
+    wchar_t section[kSectionCapacity + 1] = {};
+    if (::GetPrivateProfileSectionW(L"KestraProxyStopInstall", section, kSectionCapacity, file.c_str()) >
+        0) {
+        oem.firstLine = section; // up to its zero
+        oem.number = ::_wtoi(section);
+    }
+    return oem;
+}
+
+/// FNV-1a. Only files of the same size are compared by it.
+std::uint64_t HashOf(const std::vector<std::uint8_t>& bytes)
+{
+    std::uint64_t hash = 0xCBF29CE484222325;
+    for (const std::uint8_t byte : bytes) {
+        hash = (hash ^ byte) * 0x100000001B3;
+    }
+    return hash;
+}
+
+std::vector<std::wstring> PluginNames(const std::wstring& folder)
+{
+    std::vector<std::wstring> names;
+    WIN32_FIND_DATAW entry = {};
+    const HANDLE search = ::FindFirstFileW((folder + L"\\*.mox").c_str(), &entry);
+    if (search == INVALID_HANDLE_VALUE) {
+        return names;
+    }
+    do {
+        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+            names.emplace_back(entry.cFileName);
+        }
+    } while (::FindNextFileW(search, &entry));
+    ::FindClose(search);
+    return names;
+}
+
+PluginFolder LookAtPlugins(const std::wstring& bootFolder)
+{
+    PluginFolder plugins;
+    const std::wstring folder = bootFolder + L"\\moxplugins";
+    plugins.exists = ::PathIsDirectoryW(folder.c_str()) != FALSE;
+    ModuleSearch search(bootFolder);
+    std::map<std::pair<std::size_t, std::uint64_t>, std::wstring> seen; // size and hash
+    for (const std::wstring& name : PluginNames(folder)) {
+        PluginFile& plugin = plugins.files.emplace_back();
+        const std::wstring path = folder + L"\\" + name;
+        plugin.name = name;
+        const FileContents contents = ReadContents(path);
+        if (!contents.bytes) {
+            plugin.file.fault = contents.fault;
+            continue;
+        }
+        plugin.file = ReadPe(*contents.bytes);
+        const auto [earlier, first] =
+            seen.insert({{contents.bytes->size(), HashOf(*contents.bytes)}, name});
+        if (!first) {
+            plugin.sameBytesAs = earlier->second;
+        }
+        if (plugin.file.image && plugin.file.image->machine == kMachine64Bit) {
+            plugin.missing = MissingModules(*plugin.file.image, [&](const std::string& needed) {
+                return search.Find(needed);
+            });
+            plugin.version = VersionOf(path);
+            plugin.originalName = OriginalNameOf(path);
+        }
+    }
+    return plugins;
+}
+
+} // namespace
+
+BootFolder LookBeside(const std::wstring& program)
+{
+    const std::wstring folder = program.substr(0, program.rfind(L'\\'));
+    const std::wstring library = folder + L"\\kestraboot.dll";
+    BootFolder boot;
+    boot.program = program;
+    boot.programVersion = VersionOf(program);
+    boot.libraryExists = ::PathFileExistsW(library.c_str()) != FALSE;
+    boot.libraryVersion = VersionOf(library);
+    boot.oem = LookAtOemFile(folder);
+    boot.plugins = LookAtPlugins(folder);
+    return boot;
+}
+
+} // namespace kestraboot::tools

@@ -1,0 +1,111 @@
+// Who has taken control: a process with the named mutex. Windows does not tell which process that is, so
+// it is known by its window, or by being a registered boot program.
+#include "tools/common/handle.h"
+#include "tools/ctl/check/words.h"
+#include "tools/ctl/look/look.h"
+
+#include <windows.h>
+#include <algorithm>
+#include <tlhelp32.h>
+
+namespace kestraboot::tools
+{
+namespace
+{
+
+constexpr const wchar_t* kTitleAndClaim = L"Corvane Kestrafetch Boot";
+
+bool IsClaimed()
+{
+    const Handle claim(::OpenMutexW(SYNCHRONIZE, FALSE, kTitleAndClaim));
+    return claim || ::GetLastError() == ERROR_ACCESS_DENIED; // of one with more rights
+}
+
+BOOL CALLBACK AddOwnerOfBootWindow(HWND window, LPARAM found) noexcept
+{
+    wchar_t title[64] = {};
+    ::GetWindowTextW(window, title, 64);
+    if (::_wcsicmp(title, kTitleAndClaim) == 0) {
+        DWORD processId = 0;
+        ::GetWindowThreadProcessId(window, &processId);
+        try {
+            reinterpret_cast<std::vector<DWORD>*>(found)->push_back(processId);
+        } catch (const std::bad_alloc&) {
+            return FALSE;
+        }
+    }
+    return TRUE;
+}
+
+std::vector<DWORD> OwnersOfBootWindows()
+{
+    std::vector<DWORD> found;
+    ::EnumWindows(AddOwnerOfBootWindow, reinterpret_cast<LPARAM>(&found));
+    std::ranges::sort(found);
+    const auto repeated = std::ranges::unique(found);
+    found.erase(repeated.begin(), repeated.end());
+    return found;
+}
+
+std::optional<std::wstring> PathOf(HANDLE process)
+{
+    std::wstring path(32'768, L'\0'); // longer than any
+    auto length = static_cast<DWORD>(path.size());
+    if (!::QueryFullProcessImageNameW(process, 0, path.data(), &length)) {
+        return std::nullopt;
+    }
+    path.resize(length);
+    return path;
+}
+
+BootProcess LookAtProcess(DWORD processId)
+{
+    BootProcess process;
+    process.id = processId;
+    const Handle opened(::OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, processId));
+    if (opened) {
+        process.path = PathOf(opened.Get());
+        process.account = AccountOf(opened.Get());
+        process.elevated = IsElevated(opened.Get());
+    }
+    return process;
+}
+
+std::vector<BootProcess> RunningProxies(const std::vector<std::wstring>& proxies)
+{
+    std::vector<BootProcess> found;
+    const HANDLE snapshot = ::CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+    if (snapshot == INVALID_HANDLE_VALUE) {
+        return found;
+    }
+    const Handle owner(snapshot);
+    PROCESSENTRY32W entry = {};
+    entry.dwSize = sizeof entry;
+    for (BOOL more = ::Process32FirstW(snapshot, &entry); more;
+         more = ::Process32NextW(snapshot, &entry)) {
+        BootProcess process = LookAtProcess(entry.th32ProcessID);
+        if (process.path && std::ranges::any_of(proxies, [&](const std::wstring& proxy) {
+                return SameIgnoringCase(proxy, *process.path);
+            })) {
+            found.push_back(std::move(process));
+        }
+    }
+    return found;
+}
+
+} // namespace
+
+Control LookAtControl(const std::vector<std::wstring>& proxies)
+{
+    Control control;
+    control.claimed = IsClaimed();
+    for (const DWORD processId : OwnersOfBootWindows()) {
+        control.processes.push_back(LookAtProcess(processId));
+    }
+    if (control.claimed && control.processes.empty()) {
+        control.processes = RunningProxies(proxies);
+    }
+    return control;
+}
+
+} // namespace kestraboot::tools

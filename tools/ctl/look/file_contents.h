@@ -1,0 +1,26 @@
+#pragma once
+
+#include "tools/ctl/check/pe_image.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kestraboot::tools
+{
+
+/// Larger files are not looked at: no plugin is.
+inline constexpr std::uint64_t kLargestFile = 64ULL << 20;
+
+struct FileContents {
+    std::optional<std::vector<std::uint8_t>> bytes;
+    const wchar_t* fault = L""; ///< why there are none
+};
+
+[[nodiscard]] FileContents ReadContents(const std::wstring& path);
+
+/// The file as a program or library.
+[[nodiscard]] PeReading ReadPeFile(const std::wstring& path);
+
+} // namespace kestraboot::tools
