@@ -24,6 +24,11 @@ RUNTIME = {  # DLL: what it is, its licence
     "libgcc_s_seh-1.dll": ("libgcc", GCC_LICENCE),
     "libwinpthread-1.dll": ("winpthreads", THREADS_LICENCE),
 }
+HEADERS = {  # of what is compiled into the tools: what it is, its licence
+    "/usr/include/CLI/CLI.hpp": ("CLI11", "BSD-3-Clause"),
+    "/usr/include/nlohmann/json.hpp": ("nlohmann-json", "MIT"),
+}
+TOOLS = ("kestractl.exe", "kestratrace.exe")
 LIST = "sbom.spdx.json"
 UNKNOWN = "NOASSERTION"  # the standard's word for what is not claimed
 
@@ -88,9 +93,8 @@ packages = [{
     "licenseDeclared": UNKNOWN,
     "copyrightText": UNKNOWN,
 }]
-for path in dlls:
-    dll = pathlib.Path(path).name
-    title, licence = RUNTIME[dll]
+def add_package(path, title, licence):
+    """Lists the package that a file of this system comes from. Answers its identifier."""
     package, packaged, source = debian(path)
     packages.append({
         "SPDXID": identifier("Package", title),
@@ -104,8 +108,18 @@ for path in dlls:
         "licenseDeclared": licence,
         "copyrightText": UNKNOWN,
     })
-    relationships.append((identifier("File", f"bin/{dll}"), "GENERATED_FROM", packages[-1]["SPDXID"]))
-    relationships.append(("SPDXRef-Package", "DEPENDS_ON", packages[-1]["SPDXID"]))
+    return packages[-1]["SPDXID"]
+
+
+for path in dlls:
+    dll = pathlib.Path(path).name
+    added = add_package(path, *RUNTIME[dll])
+    relationships.append((identifier("File", f"bin/{dll}"), "GENERATED_FROM", added))
+    relationships.append(("SPDXRef-Package", "DEPENDS_ON", added))
+for header, what in HEADERS.items():
+    if pathlib.Path(header).exists():
+        added = add_package(header, *what)
+        relationships += [(identifier("File", f"bin/{tool}"), "STATIC_LINK", added) for tool in TOOLS]
 
 moment = datetime.datetime.fromtimestamp(int(seconds), datetime.timezone.utc)
 contents = hashlib.sha256("".join(sorted(sha1s)).encode()).hexdigest()

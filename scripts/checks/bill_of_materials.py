@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Checks the bill of materials of an unpacked archive: it is SPDX 2.3 (https://spdx.github.io/spdx-spec/v2.3/) in its
 members, forms and references, it lists every file with its checksums, and it knows where each DLL of the runtime
-comes from.
+and each library in the tools comes from.
 
 usage: bill_of_materials.py UNPACKED-FOLDER
 """
@@ -11,7 +11,7 @@ import pathlib
 import re
 import sys
 
-RUNTIME = ("libstdc++", "libgcc", "winpthreads")
+FOREIGN = ("libstdc++", "libgcc", "winpthreads", "CLI11", "nlohmann-json")
 IDENTIFIER = r"SPDXRef-[A-Za-z0-9.-]+"
 DOCUMENT = {
     "spdxVersion": r"SPDX-2\.3", "dataLicense": r"CC0-1\.0", "SPDXID": "SPDXRef-DOCUMENT", "name": r".+",
@@ -44,7 +44,7 @@ def main() -> int:
     packages = {package["name"]: package for package in document["packages"]}
     for name, package in packages.items():
         wrong += misses(f"package {name}", package, PACKAGE)
-    for name in RUNTIME:
+    for name in FOREIGN:
         package = packages.get(name, {})
         if "NOASSERTION" in (package.get("versionInfo", "NOASSERTION"), package.get("downloadLocation", "NOASSERTION"),
                              package.get("licenseConcluded", "NOASSERTION")):
