@@ -2,8 +2,7 @@
 add_library(kestraboot_flags INTERFACE)
 target_compile_definitions(kestraboot_flags INTERFACE
     UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX
-    _WIN32_WINNT=0x0601 # K32EnumProcessModules
-    PSAPI_VERSION=2)
+    _WIN32_WINNT=0x0600) # Vista. What is younger is looked up at run time
 target_include_directories(kestraboot_flags INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 
 if(MSVC) # never tried: there is no such compiler where this is built

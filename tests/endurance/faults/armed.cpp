@@ -46,9 +46,8 @@ int WindowsOfThread()
 
 bool IsInApartment()
 {
-    APTTYPE type = {};
-    APTTYPEQUALIFIER qualifier = {};
-    return SUCCEEDED(::CoGetApartmentType(&type, &qualifier));
+    ULONG_PTR context = 0;
+    return SUCCEEDED(::CoGetContextToken(&context));
 }
 
 void Fail(GatedCall& call, const FunctionFailures& function, const Failure& failure) noexcept
