@@ -1,5 +1,5 @@
-// inherited.exe: an application that writes down what it has of a console, in a file beside it of its
-// own name and ".txt".
+// inherited.exe: an application, or a boot program, that writes down what it has of a console, in a file
+// beside it of its own name and ".txt", and writes "inherited" on whatever it was given to write on.
 #include <windows.h>
 #include <io.h>
 
@@ -11,10 +11,6 @@ namespace
 
 const char* KindOf(HANDLE handle) noexcept
 {
-    DWORD mode = 0;
-    if (::GetConsoleMode(handle, &mode)) {
-        return "console";
-    }
     switch (::GetFileType(handle)) {
     case FILE_TYPE_DISK:
         return "file";
@@ -38,9 +34,13 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int)
     text += ::GetConsoleProcessList(processes, 1) != 0 ? "attached\n" : "not attached\n";
     constexpr DWORD kHandles[] = {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE};
     for (int number = 0; number < 3; ++number) {
-        text += KindOf(::GetStdHandle(kHandles[number]));
-        text += ' ';
-        text += KindOf(reinterpret_cast<HANDLE>(::_get_osfhandle(number))); // the C runtime's
+        // Windows' own, and the C runtime's.
+        for (const HANDLE handle :
+             {::GetStdHandle(kHandles[number]), reinterpret_cast<HANDLE>(::_get_osfhandle(number))}) {
+            DWORD written = 0;
+            ::WriteFile(handle, "inherited", 9, &written, nullptr);
+            text += std::string(KindOf(handle)) + ' ';
+        }
         text += '\n';
     }
     // In one move: whoever finds the file finds all of it.

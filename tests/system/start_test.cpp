@@ -160,7 +160,9 @@ TEST_P(StartThatFails, SaysSoAndLeavesDevicesToTheOrganiser)
         const Faults faults(app, InTheProgram(GetParam().imports, GetParam().what).c_str());
         ChildProcess boot(app.Proxy(), L"", WritesOn::Nothing);
         EXPECT_EQ(boot.ExitCode(), kCannotServe);
-        EXPECT_EQ(trace.LinesOf(boot.Id()).back(), GetParam().line);
+        const std::vector<std::string> lines = trace.LinesOf(boot.Id());
+        EXPECT_EQ(lines.back(), GetParam().line);
+        EXPECT_EQ(std::ranges::count(lines, kTookControl), GetParam().orders.empty() ? 0 : 1);
         EXPECT_EQ(trace.Count(GetParam().line), 1);
         EXPECT_EQ(trace.Count(kNoPhones), 0) << "trackers were started";
         EXPECT_EQ(AutoRunEntry(), GetParam().writesTheEntry ? Quoted(app.Proxy()) : L"(none)");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kestraboot/version.h"
 #include "tests/system/child_process.h"
 #include "tests/system/debug_reader.h"
 #include "tests/system/installation.h"
@@ -42,6 +43,7 @@ inline const std::string kUsageText =
     "kestraboot.exe -default [app name] [yes | no]  makes it the only default or not\n"
     "kestraboot.exe --help                          shows this text (as -h and /?)\n"
     "kestraboot.exe --version                       shows the version\n";
+inline const std::string kVersionText = "kestraboot " KESTRABOOT_VERSION_TEXT "\n";
 inline const std::string kDefaultSyntax =
     "\n !!! Please follow the syntax:"
     "\n [Qualified path]\\kestraboot.exe -default [app name] [yes | no] \n";
