@@ -19,11 +19,11 @@ root=$out
 [ "$(id -u)" = 0 ] || { echo "test-debian.sh: only root can make a system in a folder" >&2 && exit 1; }
 command -v debootstrap >/dev/null || { echo "test-debian.sh: apt-get install debootstrap" >&2 && exit 1; }
 
-# inside COMMAND: run there by a root whose processes and mounts are the system's own: both end with it, however it
-# ends, so that nothing of this machine is below the folder when it is removed.
+# inside COMMAND: takes this shell's place, which is to be one of its own. The command's processes and mounts are the
+# system's own, and end with it, however it ends: nothing of this machine lies below the folder when it is removed.
 inside() {
     # shellcheck disable=SC2016 # expanded there
-    unshare --mount --propagation private --pid --fork --kill-child --mount-proc="$root/proc" bash -c '
+    exec unshare --mount --propagation private --pid --fork --kill-child --mount-proc="$root/proc" bash -c '
         mount --rbind /dev "$1/dev" && mount --rbind /sys "$1/sys" || exit 1
         exec chroot "$1" env -i HOME=/root TERM=dumb LANG=C.UTF-8 PATH=/usr/sbin:/usr/bin:/sbin:/bin \
             bash -c "cd /root && $2"' inside "$root" "$1" </dev/null
@@ -57,9 +57,11 @@ try() {
     : >"$log"
     inside "cd kestraboot && scripts/$1" >"$log" 2>&1 &
     running=$!
-    tail -n +1 -f --pid=$running "$log"
-    wait $running || status=$?
+    tail -n +1 -f --pid=$running "$log" &
+    shown=$!
+    wait $running || status=$? # a signal ends this wait, and no other
     running=
+    wait $shown
     [ $status = 0 ] || { verdict="FAILED with $status" && failed=1; }
     summary+=("scripts/$1: $verdict, $((SECONDS - start)) s, $(($(size) - before)) MB more")
     [ $status = 0 ] || summary+=("$(grep -E 'DIFFERS|not seen within|\*\*\*|\(Failed\)|\(Timeout\)|[Ee]rror:|\[  FAILED' "$log" |
@@ -70,7 +72,8 @@ release=$1
 echo "== A bare Debian $release"
 remove
 mkdir -p build
-debootstrap --variant=minbase "$name" "$root" http://deb.debian.org/debian >"$out.debootstrap.log" 2>&1 ||
+unshare --mount --propagation private \
+    debootstrap --variant=minbase "$name" "$root" http://deb.debian.org/debian >"$out.debootstrap.log" 2>&1 ||
     { cat "$out.debootstrap.log" && exit 1; }
 git clone --quiet --no-hardlinks . "$root/root/kestraboot"
 summary+=("Debian $(cat "$root/etc/debian_version"), $(size) MB; sources: $(git rev-parse --short HEAD), $(date +%F)")
@@ -80,5 +83,5 @@ try test.sh
 
 printf '\n== In short\n'
 printf '%s\n' "${summary[@]}"
-inside 'for each in x86_64-w64-mingw32-g++-posix clang cmake wine; do echo $each: $($each --version | head -1); done'
+(inside 'for each in x86_64-w64-mingw32-g++-posix clang cmake wine; do echo $each: $($each --version 2>/dev/null | head -1); done')
 exit $failed
