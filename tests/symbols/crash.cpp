@@ -1,5 +1,5 @@
-// A host that crashes inside the library as a customer's may, and says where in the words of a crash report: the
-// module and the offset in it.
+// A host that crashes inside the library as a customer's may, and says where in the words of a crash
+// report: the module and the offset in it.
 #include "kestraboot/kestraboot.h"
 
 #include <windows.h>

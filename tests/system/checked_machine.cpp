@@ -1,7 +1,7 @@
-#include "tests/support/source_file.h"
 #include "tests/system/checked_machine.h"
 
 #include "tests/support/registry_sandbox.h"
+#include "tests/support/source_file.h"
 #include "tests/system/child_process.h"
 #include "tests/system/registry_dump.h"
 #include "tests/tools/json_schema.h"
