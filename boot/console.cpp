@@ -14,7 +14,7 @@ bool IsRedirected(DWORD fileType) noexcept
 
 /// Takes the stream away from a console and leaves it without effect. Not closed: the next file that
 /// anybody opens would take its number, and what is printed.
-void LeaveConsole(DWORD which, std::FILE* stream, const char* mode) noexcept
+void TakeFromConsole(DWORD which, std::FILE* stream, const char* mode) noexcept
 {
     // A character device is a console, or NUL, or a printer; without a console they cannot be told
     // apart, and NUL serves for all: nothing is printed here from now on.
@@ -44,9 +44,9 @@ void JoinParentConsole() noexcept
 
 void LeaveConsole() noexcept
 {
-    LeaveConsole(STD_INPUT_HANDLE, stdin, "r");
-    LeaveConsole(STD_OUTPUT_HANDLE, stdout, "w");
-    LeaveConsole(STD_ERROR_HANDLE, stderr, "w");
+    TakeFromConsole(STD_INPUT_HANDLE, stdin, "r");
+    TakeFromConsole(STD_OUTPUT_HANDLE, stdout, "w");
+    TakeFromConsole(STD_ERROR_HANDLE, stderr, "w");
     ::FreeConsole(); // fails where there is none
 }
 

@@ -31,7 +31,8 @@ file(CONFIGURE OUTPUT ${HEADER} @ONLY CONTENT [[
 #define KESTRABOOT_BUILD_RUNTIME "@RUNTIME@"
 ]])
 file(CONFIGURE OUTPUT ${PAGE} @ONLY CONTENT [[
-kestraboot @PROJECT_VERSION@, commit @commit@
+kestraboot @PROJECT_VERSION@
+commit @commit@
 64-bit Windows; built with @COMPILER@ (@RUNTIME@)
 ]])
 file(CONFIGURE OUTPUT ${DATE} CONTENT "${date}\n")

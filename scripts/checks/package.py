@@ -37,7 +37,7 @@ def listed(listing: pathlib.Path, sources: pathlib.Path, config: str) -> set[str
 
 def resource_version(program: bytes) -> str | None:
     """The version of a program's resource: the number, when the text beside it is the same."""
-    start = program.find(FIXED_VERSION)
+    start = program.find(FIXED_VERSION, max(0, program.find("VS_VERSION_INFO".encode("utf-16-le"))))
     if start < 0:
         return None
     minor, patch = struct.unpack_from("<II", program, start + 8)

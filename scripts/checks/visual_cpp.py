@@ -20,7 +20,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 MINGW, MICROSOFT = "w64-mingw32", "pc-windows-msvc"
 ROOMS = ["boot", "foundation", "launcher", "legacy", "registry", "samples", "service", "tools", "trackers"]
 HOSTS = {"boot", "samples", "tools"}  # import what the others export
-DEFINES = ["UNICODE", "_UNICODE", "WIN32_LEAN_AND_MEAN", "NOMINMAX", "_WIN32_WINNT=0x0601", "PSAPI_VERSION=2"]
+DEFINES = ["UNICODE", "_UNICODE", "WIN32_LEAN_AND_MEAN", "NOMINMAX", "_WIN32_WINNT=0x0600"]
 # Microsoft's dialect as its driver sets it for /permissive-, and each extension of Microsoft's is an error.
 DIALECT = ["-fms-compatibility", "-fms-extensions", "-fms-compatibility-version=19.33", "-fno-delayed-template-parsing",
            "-foperator-names", "-Wall", "-Wextra", "-Wpedantic", "-Wmicrosoft", "-Werror"]
@@ -52,7 +52,13 @@ class Compiler:
         gcc = pathlib.Path(output_of(gxx, "-print-libgcc-file-name")).parent / "include" / "c++"
         clang = pathlib.Path(output_of("clang++", "-print-resource-dir")) / "include"
         self.command = ["clang++", f"--target=x86_64-{family}", "-std=c++20", "-nostdinc", "-I.", "-Iinclude"]
-        self.command += [f"-isystem{folder}" for folder in (gcc, gcc / target, clang, f"/usr/{target}/include")]
+        for library in ("CLI", "nlohmann"):  # what the tools stand on, without the rest of its folder
+            link = work / "tool_libraries" / library
+            link.parent.mkdir(exist_ok=True)
+            if not link.exists():
+                link.symlink_to(f"/usr/include/{library}")
+        folders = (gcc, gcc / target, clang, f"/usr/{target}/include", work / "tool_libraries")
+        self.command += [f"-isystem{folder}" for folder in folders]
         self.command += [f"-D{name}" for name in DEFINES]
         if family == MICROSOFT:
             self.command += DIALECT + HEADERS_KNOW

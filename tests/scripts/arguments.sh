@@ -59,12 +59,13 @@ done
 # ---- What is installed, and by whom
 run 0 "$source/scripts/setup.sh" demo
 called " wine wine64"
-! grep -Eq 'clang|doxygen|cppcheck|python' calls || { cat calls; fail "the demo installs what it does not need"; }
+! grep -Eq 'clang|doxygen|cppcheck|jsonschema' calls || { cat calls; fail "the demo installs what it does not need"; }
 ! grep -q '^sudo' calls || fail "root asks sudo"
 run 0 "$source/scripts/setup.sh"
 for package in g++-mingw-w64-x86-64-posix clang-tidy doxygen; do called " $package"; done
 
-printf '%s\n' cmake ninja-build g++-mingw-w64-x86-64-posix googletest libjpeg-turbo-progs wine >"$HERE"
+printf '%s\n' cmake ninja-build g++-mingw-w64-x86-64-posix googletest libcli11-dev \
+    nlohmann-json3-dev libjpeg-turbo-progs python3 wine >"$HERE"
 USER_ID=1000 run 0 "$source/scripts/setup.sh" demo
 called 'sudo apt-get -qq update'
 called 'install wine64'

@@ -151,7 +151,9 @@ TEST_F(Card, WithNoApplicationLeftStartsTheLegacyOrganisersProgramAndEndsTheProc
     Start();
     ASSERT_TRUE(AwaitOrders(organiser, {"-d"}));
     app.Unregister();
-    Insert();
+    ASSERT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
+    // The process may end before its window answers.
+    static_cast<void>(SendVolumeMessage(window, DBT_DEVICEARRIVAL, L'E', SMTO_NORMAL, 30'000));
     EXPECT_EQ(boot->ExitCode(), kDone);
     EXPECT_TRUE(AwaitOrders(organiser, {"-d", "-i"}));
     EXPECT_EQ(app.Report(), "");

@@ -20,7 +20,6 @@ namespace
 {
 
 constexpr std::size_t kMostQueued = 4'096; // lines; as many again may be on their way
-constexpr std::int64_t kMillisecondsPerMinute = 60'000;
 // Lines that come fast are shown together: to wake a thread for each costs more than to show it.
 constexpr DWORD kGather = 10; // milliseconds
 constexpr std::chrono::milliseconds kLook = std::chrono::milliseconds(250);

@@ -11,7 +11,7 @@ namespace
 constexpr std::size_t kVerdictWidth = 12;
 constexpr std::size_t kIndent = kVerdictWidth + 13;
 
-const wchar_t* Word(Verdict verdict)
+const wchar_t* Shown(Verdict verdict)
 {
     switch (verdict) {
     case Verdict::Fine:
@@ -59,7 +59,7 @@ void AddRow(StyledText& text, const Row& row)
     for (const char* character = row.check; *character != '\0'; ++character) {
         check += static_cast<wchar_t>(*character);
     }
-    text.push_back({StyleOf(row.verdict), Printable(Padded(Word(row.verdict), kVerdictWidth))});
+    text.push_back({StyleOf(row.verdict), Printable(Padded(Shown(row.verdict), kVerdictWidth))});
     text.push_back(
         {Style::Plain, Printable(Padded(check, kIndent - kVerdictWidth) +
                                  (row.subject.empty() ? L"" : row.subject + L": ") + row.reason) +
@@ -86,7 +86,7 @@ StyledText FormatCheck(const Rows& rows)
     std::string sum = "\r\n";
     for (const Verdict verdict : {Verdict::Broken, Verdict::Suspicious, Verdict::Fine}) {
         sum += (verdict == Verdict::Broken ? "" : ", ") + std::to_string(Count(rows, verdict)) + " " +
-               ToUtf8(Word(verdict));
+               ToUtf8(Shown(verdict));
     }
     text.push_back({Style::Plain, sum + "\r\n"});
     return text;

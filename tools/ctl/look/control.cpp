@@ -42,8 +42,7 @@ std::vector<DWORD> OwnersOfBootWindows()
     std::vector<DWORD> found;
     ::EnumWindows(AddOwnerOfBootWindow, reinterpret_cast<LPARAM>(&found));
     std::ranges::sort(found);
-    const auto repeated = std::ranges::unique(found);
-    found.erase(repeated.begin(), repeated.end());
+    found.erase(std::unique(found.begin(), found.end()), found.end());
     return found;
 }
 

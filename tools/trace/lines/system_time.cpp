@@ -11,8 +11,6 @@ namespace
 constexpr std::int64_t kTicksPerMillisecond = 10'000;
 constexpr std::int64_t kTicksPerMinute = 60'000 * kTicksPerMillisecond;
 constexpr std::int64_t kLongestTick = 32; // milliseconds: Windows' clock goes on in steps of up to 16
-constexpr std::int64_t kMillisecondsPerMinute = 60'000;
-constexpr std::int64_t kMillisecondsPerDay = 86'400'000;
 constexpr std::int64_t kMillisecondsTo1970 = 11'644'473'600'000; // since 1601
 
 std::int64_t Ticks(const FILETIME& time) noexcept

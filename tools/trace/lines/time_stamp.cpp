@@ -8,9 +8,6 @@ namespace kestraboot::tools
 namespace
 {
 
-constexpr std::int64_t kMillisecondsPerMinute = 60'000;
-constexpr std::int64_t kMillisecondsPerDay = 86'400'000;
-
 struct LocalTime {
     std::int64_t day;         ///< since 1970
     std::int64_t millisecond; ///< since midnight

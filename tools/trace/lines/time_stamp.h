@@ -7,6 +7,9 @@
 namespace kestraboot::tools
 {
 
+inline constexpr std::int64_t kMillisecondsPerMinute = 60'000;
+inline constexpr std::int64_t kMillisecondsPerDay = 86'400'000;
+
 struct TimeStamp {
     std::int64_t utcMilliseconds = 0; ///< since 1970
     int offsetMinutes = 0;            ///< of local time from UTC

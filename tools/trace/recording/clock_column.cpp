@@ -1,5 +1,7 @@
 #include "tools/trace/recording/clock_column.h"
 
+#include "tools/trace/lines/time_stamp.h"
+
 #include <chrono>
 
 namespace kestraboot::tools
@@ -8,7 +10,6 @@ namespace
 {
 
 constexpr std::int64_t kMillisecondsPerSecond = 1000;
-constexpr std::int64_t kMillisecondsPerMinute = 60 * kMillisecondsPerSecond;
 constexpr std::int64_t kMillisecondsPerHour = 60 * kMillisecondsPerMinute;
 constexpr std::size_t kMostDigits = 9;
 

@@ -20,8 +20,6 @@ std::optional<TimeStamp> ReadTime(const json& object)
 {
     constexpr std::size_t kLocalLength = 23;
     constexpr std::size_t kWholeLength = 29;
-    constexpr std::int64_t kMillisecondsPerMinute = 60'000;
-    constexpr std::int64_t kMillisecondsPerDay = 86'400'000;
     const auto found = object.find("time");
     if (found == object.end() || !found->is_string()) {
         return std::nullopt;

@@ -13,8 +13,6 @@ namespace kestraboot::tools
 namespace
 {
 
-constexpr std::int64_t kMillisecondsPerMinute = 60'000;
-constexpr std::int64_t kMillisecondsPerDay = 86'400'000;
 constexpr std::string_view kDayBegin = "-- ";
 constexpr std::size_t kClockLength = 12;
 constexpr std::size_t kNameColumn = 14;
