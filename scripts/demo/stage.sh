@@ -76,7 +76,7 @@ in_wine() {
 
 # boot FOLDER [ARGUMENT ...]: kestraboot.exe of an installed application, in the background, as at log-on.
 boot() {
-    (cd "$1" && wine_in "$prefix" timeout 300 wine kestraboot.exe "${@:2}" </dev/null >/dev/null 2>&1) &
+    (cd "$1" && wine_in "$prefix" timeout 1800 wine kestraboot.exe "${@:2}" </dev/null >/dev/null 2>&1) &
 }
 
 trace_shown= # the process that shows it
@@ -84,7 +84,7 @@ trace_shown= # the process that shows it
 # The trace of every process of the prefix, with times, shown as it comes.
 trace_start() {
     : >"$demo/trace.log"
-    wine_in "$prefix" timeout 600 wine "$bin/kestratrace.exe" </dev/null >"$demo/trace.log" 2>&1 &
+    wine_in "$prefix" timeout 1800 wine "$bin/kestratrace.exe" </dev/null >"$demo/trace.log" 2>&1 &
     tail --pid=$$ -n +1 -f "$demo/trace.log" 2>/dev/null | sed -u 's/^/     /' &
     trace_shown=$!
 }
