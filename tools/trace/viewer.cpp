@@ -14,7 +14,7 @@ namespace kestraboot::tools
 namespace
 {
 
-constexpr std::size_t kMostUnwritten = 64 * 1024; // bytes
+constexpr std::size_t kMostUnwritten = 65'536; // bytes
 
 } // namespace
 

@@ -100,13 +100,14 @@ void ReadExports(const Reader& reader, std::uint32_t address, PeImage& image)
     }
     const auto functionTable = reader.At<std::uint32_t>(directory + 28);
     for (std::uint32_t i = 0; i < functions; ++i) {
-        if (reader.At<std::uint32_t>(reader.Offset(functionTable) + 4 * i) != 0) {
+        if (reader.At<std::uint32_t>(reader.Offset(functionTable) + std::size_t{4} * i) != 0) {
             image.ordinals.push_back(firstOrdinal + i);
         }
     }
     const auto nameTable = reader.At<std::uint32_t>(directory + 32);
     for (std::uint32_t i = 0; i < names; ++i) {
-        image.exports.push_back(reader.Name(reader.At<std::uint32_t>(reader.Offset(nameTable) + 4 * i)));
+        image.exports.push_back(
+            reader.Name(reader.At<std::uint32_t>(reader.Offset(nameTable) + std::size_t{4} * i)));
     }
 }
 

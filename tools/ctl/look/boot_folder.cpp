@@ -68,7 +68,8 @@ PluginFolder LookAtPlugins(const std::wstring& bootFolder)
     std::map<std::pair<std::size_t, std::uint64_t>, std::wstring> seen; // size and hash
     for (const std::wstring& name : PluginNames(folder)) {
         PluginFile& plugin = plugins.files.emplace_back();
-        const std::wstring path = folder + L"\\" + name;
+        std::wstring path = folder + L"\\";
+        path += name;
         plugin.name = name;
         const FileContents contents = ReadContents(path);
         if (!contents.bytes) {

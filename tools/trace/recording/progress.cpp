@@ -13,7 +13,7 @@ namespace
 {
 
 constexpr std::int64_t kPause = 1'000; // milliseconds
-constexpr std::uint64_t kMegabyte = 1024 * 1024;
+constexpr std::uint64_t kMegabyte = 1'048'576;
 
 bool ErrorsAreOnAConsole() noexcept
 {

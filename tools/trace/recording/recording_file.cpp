@@ -9,7 +9,7 @@ namespace kestraboot::tools
 namespace
 {
 
-constexpr std::size_t kPieceBytes = 64 * 1024;
+constexpr std::size_t kPieceBytes = 65'536;
 
 } // namespace
 

@@ -17,7 +17,7 @@ class TextLines
 {
 public:
     /// What is longer is cut: four times what the longest debug line becomes in JSON.
-    static constexpr std::size_t kLongestLine = 256 * 1024;
+    static constexpr std::size_t kLongestLine = 262'144;
 
     using Take = std::function<void(std::string_view line)>;
     using ToUtf8 = std::string (*)(std::string_view ansi);
