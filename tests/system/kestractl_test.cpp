@@ -1,10 +1,12 @@
 // What kestractl shows of real installations, and that it changes nothing on the machine.
 #include "tests/support/card_slot.h"
 #include "tests/support/registry_sandbox.h"
+#include "tests/support/source_file.h"
 #include "tests/support/unix_path.h"
 #include "tests/support/volume_message.h"
 #include "tests/system/registry_dump.h"
 #include "tests/system/system_test.h"
+#include "tests/tools/json_schema.h"
 
 #include <gmock/gmock.h>
 
@@ -40,7 +42,12 @@ protected:
         EXPECT_EQ(tool.ExitCode(), expected);
         EXPECT_EQ(RegistryDump(), before);
         EXPECT_THAT(trace.LinesOf(tool.Id()), IsEmpty());
-        return tool.Output();
+        std::string shown = tool.Output();
+        if (shown.starts_with("{")) {
+            static const nlohmann::json schema = ReadSchema(SourceFile("docs/kestractl.schema.json"));
+            EXPECT_EQ(AgainstSchema(schema, nlohmann::json::parse(shown)), "");
+        }
+        return shown;
     }
 
     static void Break(const Installation& application)

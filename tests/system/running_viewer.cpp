@@ -1,6 +1,8 @@
 #include "tests/system/running_viewer.h"
 
+#include "tests/support/source_file.h"
 #include "tests/system/installation.h"
+#include "tests/tools/json_schema.h"
 
 #include <gtest/gtest.h>
 
@@ -10,9 +12,23 @@ namespace kestraboot::tests
 {
 
 RunningViewer::RunningViewer(const std::wstring& arguments)
-    : process(BuiltPrograms() / "kestratrace.exe", arguments)
+    : process(BuiltPrograms() / "kestratrace.exe", arguments),
+      json(arguments.find(L"--json") != std::wstring::npos)
 {
     EXPECT_TRUE(AwaitReader());
+}
+
+RunningViewer::~RunningViewer()
+{
+    if (!json) {
+        return;
+    }
+    const nlohmann::json schema = ReadSchema(SourceFile("docs/kestratrace.schema.json"));
+    for (const std::string& line : Lines()) {
+        if (line.starts_with("{")) {
+            EXPECT_EQ(AgainstSchema(schema, nlohmann::json::parse(line)), "") << line;
+        }
+    }
 }
 
 std::vector<std::string> RunningViewer::Lines()

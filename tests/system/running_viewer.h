@@ -13,6 +13,10 @@ class RunningViewer
 {
 public:
     explicit RunningViewer(const std::wstring& arguments = {});
+    /// Holds what it showed as JSON against the schema of its page.
+    ~RunningViewer();
+    RunningViewer(const RunningViewer&) = delete;
+    RunningViewer& operator=(const RunningViewer&) = delete;
 
     /// What it has shown so far, whole lines only.
     [[nodiscard]] std::vector<std::string> Lines();
@@ -21,6 +25,9 @@ public:
     [[nodiscard]] std::string Await(const std::string& text);
 
     ChildProcess process;
+
+private:
+    bool json;
 };
 
 /// Waits until kestratrace.exe, or whatever reads the debug output, is ready for lines.

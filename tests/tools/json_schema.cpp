@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <regex>
 #include <set>
 #include <stdexcept>
 
@@ -23,13 +24,16 @@ bool IsOfType(const json& value, const std::string& type)
 class Validator
 {
 public:
-    explicit Validator(const json& wholeSchema) : whole(wholeSchema) {}
+    explicit Validator(const json& wholeSchema) : document(wholeSchema) {}
 
     [[nodiscard]] std::string Check(const json& schema, const json& value, const std::string& at) const
     {
-        static const std::set<std::string> known = {"$schema", "title",      "description", "$defs",
-                                                    "$ref",    "oneOf",      "const",       "enum",
-                                                    "type",    "properties", "required",    "items"};
+        static const std::set<std::string> known = {
+            "$schema",     "$id",      "title",   "description", "$defs",
+            "definitions", "$ref",     "oneOf",   "allOf",       "anyOf",
+            "not",         "if",       "then",    "else",        "const",
+            "enum",        "type",     "pattern", "minimum",     "items",
+            "properties",  "required", "maximum", "minLength",   "additionalProperties"};
         for (const auto& [word, meaning] : schema.items()) {
             if (!known.contains(word)) {
                 throw std::runtime_error("a word of the schema that is not known: " + word);
@@ -37,7 +41,7 @@ public:
         }
         if (schema.contains("$ref")) {
             const std::string target = schema["$ref"].get<std::string>().substr(1); // without "#"
-            return Check(whole.at(json::json_pointer(target)), value, at);
+            return Check(document.at(json::json_pointer(target)), value, at);
         }
         if (schema.contains("oneOf")) {
             return CheckOneOf(schema["oneOf"], value, at);
@@ -52,6 +56,10 @@ public:
         if (schema.contains("type") && !HasType(schema["type"], value)) {
             return at + " is " + value.dump() + ", not of type " + schema["type"].dump();
         }
+        if (const std::string said = CheckLimits(schema, value, at) + CheckConditions(schema, value, at);
+            !said.empty()) {
+            return said;
+        }
         return value.is_object() ? CheckMembers(schema, value, at) : CheckItems(schema, value, at);
     }
 
@@ -62,6 +70,44 @@ private:
                                  : std::ranges::any_of(types, [&](const json& type) {
                                        return IsOfType(value, type);
                                    });
+    }
+
+    static std::string CheckLimits(const json& schema, const json& value, const std::string& at)
+    {
+        bool within = true;
+        if (value.is_string()) {
+            const auto& text = value.get_ref<const std::string&>();
+            within = text.size() >= schema.value("minLength", std::size_t{0}) &&
+                     std::regex_search(text, std::regex(schema.value("pattern", std::string())));
+        } else if (value.is_number()) {
+            within = (!schema.contains("minimum") || value >= schema["minimum"]) &&
+                     (!schema.contains("maximum") || value <= schema["maximum"]);
+        }
+        return within ? "" : at + " is outside its limits: " + value.dump();
+    }
+
+    std::string CheckConditions(const json& schema, const json& value, const std::string& at) const
+    {
+        for (const json& part : schema.value("allOf", json::array())) {
+            if (const std::string said = Check(part, value, at); !said.empty()) {
+                return said;
+            }
+        }
+        const json any = schema.value("anyOf", json::array());
+        const auto fits = [&](const json& choice) {
+            return Check(choice, value, at).empty();
+        };
+        if (!any.empty() && std::ranges::none_of(any, fits)) {
+            return at + " fits none of the choices";
+        }
+        if (schema.contains("not") && fits(schema["not"])) {
+            return at + " is what it must not be: " + schema["not"].dump();
+        }
+        if (schema.contains("if")) {
+            const char* const branch = fits(schema["if"]) ? "then" : "else";
+            return schema.contains(branch) ? Check(schema[branch], value, at) : std::string();
+        }
+        return {};
     }
 
     std::string CheckOneOf(const json& choices, const json& value, const std::string& at) const
@@ -83,8 +129,12 @@ private:
                 return at + " has no member " + name.dump();
             }
         }
+        const bool whole = schema.contains("type"); // a condition names only what it asks for
+        const json properties = schema.value("properties", json::object());
         for (const auto& [name, member] : value.items()) {
-            const json& properties = schema.at("properties");
+            if (!properties.contains(name) && !whole) {
+                continue;
+            }
             if (!properties.contains(name)) {
                 return at + " has a member that the schema does not name: " + name;
             }
@@ -102,8 +152,8 @@ private:
             return {};
         }
         for (std::size_t i = 0; i < value.size(); ++i) {
-            const std::string said =
-                Check(schema.at("items"), value[i], at + "[" + std::to_string(i) + "]");
+            const std::string said = Check(schema.value("items", json::object()), value[i],
+                                           at + "[" + std::to_string(i) + "]");
             if (!said.empty()) {
                 return said;
             }
@@ -111,7 +161,7 @@ private:
         return {};
     }
 
-    const json& whole;
+    const json& document;
 };
 
 } // namespace
