@@ -1,9 +1,9 @@
 #include "foundation/error_mode.h"
 #include "tests/support/import_patch.h"
+#include "tests/support/signal.h"
 
 #include <gtest/gtest.h>
 
-#include <future>
 #include <optional>
 #include <thread>
 #include <vector>
@@ -23,35 +23,35 @@ class OtherThread
 public:
     explicit OtherThread(UINT mode)
         : thread([this, mode] {
-              toEnter.get_future().wait();
+              toEnter.Wait();
               std::optional<ErrorModeScope> scope(mode);
-              entered.set_value();
-              toLeave.get_future().wait();
+              entered.Set();
+              toLeave.Wait();
               scope.reset();
-              left.set_value();
+              left.Set();
           })
     {
     }
 
     void Enter()
     {
-        toEnter.set_value();
-        entered.get_future().wait();
+        toEnter.Set();
+        entered.Wait();
     }
 
     void Leave()
     {
-        toLeave.set_value();
-        left.get_future().wait();
+        toLeave.Set();
+        left.Wait();
     }
 
     ~OtherThread() { thread.join(); }
 
 private:
-    std::promise<void> toEnter;
-    std::promise<void> entered;
-    std::promise<void> toLeave;
-    std::promise<void> left;
+    tests::Signal toEnter;
+    tests::Signal entered;
+    tests::Signal toLeave;
+    tests::Signal left;
     std::thread thread;
 };
 

@@ -2,8 +2,8 @@
 
 #include "foundation/text.h"
 #include "tests/support/import_patch.h"
+#include "tests/support/signal.h"
 #include "tests/trackers/mox/device_reports.h"
-#include "tests/trackers/mox/signal.h"
 
 #include <gtest/gtest.h>
 

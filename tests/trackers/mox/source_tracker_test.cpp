@@ -1,11 +1,11 @@
 #include "trackers/mox/source_tracker.h"
 
 #include "tests/support/import_patch.h"
+#include "tests/support/signal.h"
 #include "tests/trackers/mox/awaited_trace.h"
 #include "tests/trackers/mox/device_reports.h"
 #include "tests/trackers/mox/memory_faults.h"
 #include "tests/trackers/mox/plugin_folder.h"
-#include "tests/trackers/mox/signal.h"
 
 #include <gtest/gtest.h>
 
