@@ -70,7 +70,7 @@ protected:
     /// Asks whichever boot program serves, or comes to, to quit, and waits until it is gone.
     static void EndServing();
 
-    /// Waits until the legacy organiser was started with exactly these.
+    /// Waits until the legacy organiser was started with exactly these, in any order.
     static testing::AssertionResult AwaitOrders(const LegacyOrganiser& organiser,
                                                 const std::vector<std::string>& orders);
 
