@@ -18,12 +18,12 @@ protected:
         return Take();
     }
     /// An OEM file in a folder of its own each time: Windows may remember the last one.
-    bool TakeWithSection(const std::string& lines)
+    bool TakeWithSection(const std::string& section)
     {
         folderNumber += L'x';
         events.clear();
         executable = (folder.Path() / folderNumber / L"kestraboot.exe").wstring();
-        folder.AddFile(folderNumber + L"/OEM/album.ini", "[KestraProxyStopInstall]\r\n" + lines);
+        folder.AddFile(folderNumber + L"/OEM/album.ini", "[KestraProxyStopInstall]\r\n" + section);
         return Take();
     }
 

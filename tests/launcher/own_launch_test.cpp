@@ -10,7 +10,7 @@ namespace
 
 using namespace kestraboot::tests;
 
-constexpr const wchar_t* kNone =
+constexpr const wchar_t* kNoneFound =
     L"<KestraBoot><!!! No Kestra application found for this Kestra proxy. This "
     L"situation should be avoided.>";
 
@@ -46,7 +46,7 @@ TEST_F(OwnLaunch, DoesNotKnowTheSameFileByAnotherName)
             (path.parent_path() / L"." / path.filename()).wstring());
     LaunchIt(L"direct");
     EXPECT_TRUE(spawns.Calls().empty());
-    EXPECT_EQ(trace.Lines(), Lines{kNone});
+    EXPECT_EQ(trace.Lines(), Lines{kNoneFound});
 }
 
 TEST_F(OwnLaunch, OfAProgramThatIsNoProxyStartsNothing)
@@ -54,7 +54,7 @@ TEST_F(OwnLaunch, OfAProgramThatIsNoProxyStartsNothing)
     RegisterSample(folder.Path(), L"One");
     LaunchIt(L"direct");
     EXPECT_TRUE(spawns.Calls().empty());
-    EXPECT_EQ(trace.Lines(), Lines{kNone});
+    EXPECT_EQ(trace.Lines(), Lines{kNoneFound});
 }
 
 TEST_F(OwnLaunch, OfAProcessThatCannotOpenItselfStartsNothing)
@@ -65,7 +65,7 @@ TEST_F(OwnLaunch, OfAProcessThatCannotOpenItselfStartsNothing)
     });
     LaunchIt(L"direct");
     EXPECT_TRUE(spawns.Calls().empty());
-    EXPECT_EQ(trace.Lines(), Lines{kNone});
+    EXPECT_EQ(trace.Lines(), Lines{kNoneFound});
 }
 
 TEST_F(OwnLaunch, PassesAnEmptyModeOnToBeRefused)

@@ -12,16 +12,16 @@ namespace
 
 using namespace kestraboot::tests;
 
-const std::wstring kKey = L"SOFTWARE\\Corvane\\Viewer\\Corvane Kestrafetch";
-const std::wstring kPrefs = kKey + L"\\Preferences";
+const std::wstring kViewerKey = L"SOFTWARE\\Corvane\\Viewer\\Corvane Kestrafetch";
+const std::wstring kPrefs = kViewerKey + L"\\Preferences";
 
 struct DefaultFlag : testing::Test {
     DefaultFlag()
     {
-        MakeKey(HKEY_LOCAL_MACHINE, kKey);
+        MakeKey(HKEY_LOCAL_MACHINE, kViewerKey);
         MakeKey(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane");
     }
-    static std::uint32_t Read(const std::wstring& keyPath = kKey)
+    static std::uint32_t Read(const std::wstring& keyPath = kViewerKey)
     {
         appInfo_tag record;
         ReadApplicationRecord(keyPath, record);

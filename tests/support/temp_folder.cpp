@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <fstream>
+#include <iterator>
 #include <string>
 
 namespace kestraboot::tests
@@ -39,6 +40,12 @@ std::filesystem::path TempFolder::AddFolder(const std::filesystem::path& relativ
 {
     std::filesystem::create_directories(path / relative);
     return path / relative;
+}
+
+std::string Contents(const std::filesystem::path& file)
+{
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 } // namespace kestraboot::tests

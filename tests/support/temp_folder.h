@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 #include <string_view>
 
 namespace kestraboot::tests
@@ -26,5 +27,8 @@ public:
 private:
     std::filesystem::path path;
 };
+
+/// All bytes of a file; none where it cannot be opened.
+[[nodiscard]] std::string Contents(const std::filesystem::path& file);
 
 } // namespace kestraboot::tests

@@ -7,9 +7,6 @@
 
 #include <gmock/gmock.h>
 
-#include <fstream>
-#include <iterator>
-
 namespace kestraboot::tests
 {
 namespace
@@ -25,12 +22,6 @@ using testing::StartsWith;
 std::string OwnName()
 {
     return std::filesystem::path(RunningExecutable()).filename().string();
-}
-
-std::string Contents(const std::filesystem::path& file)
-{
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 std::string Utf8(const std::wstring& text)

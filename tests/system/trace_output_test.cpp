@@ -5,21 +5,12 @@
 
 #include <gmock/gmock.h>
 
-#include <fstream>
-#include <iterator>
-
 namespace kestraboot::tests
 {
 namespace
 {
 
 using testing::HasSubstr;
-
-std::string Contents(const std::filesystem::path& file)
-{
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
 
 /// kestratrace.exe with a standard output that nobody reads.
 class TraceOutput : public testing::Test

@@ -45,12 +45,6 @@ std::vector<std::string> LinesOf(const std::string& text)
     return lines;
 }
 
-std::string Contents(const std::filesystem::path& file)
-{
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
 /// The arrivals of a viewer's output, without what differs from one run to the next.
 std::vector<std::string> Comparable(const std::vector<std::string>& lines)
 {

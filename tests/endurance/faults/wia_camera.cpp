@@ -11,7 +11,7 @@ namespace kestraboot::tests
 namespace
 {
 
-constexpr DWORD kCameraType = 2U << 16;
+constexpr DWORD kWiaCamera = 2U << 16;
 
 int references = 0; ///< to all objects here
 int texts = 0;      ///< that were given out
@@ -79,7 +79,7 @@ public:
                 values[i].bstrVal = ::SysAllocString(kCamera);
                 ++texts;
             } else {
-                values[i].lVal = kCameraType;
+                values[i].lVal = kWiaCamera;
             }
         }
         return S_OK;
