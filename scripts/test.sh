@@ -29,6 +29,9 @@ scripts/checks/links.py
 stage "Include directions"
 scripts/checks/include_directions.py
 
+stage "Index of the tests"
+scripts/test_index.py --check
+
 stage "Reference"
 scripts/checks/reference.py
 

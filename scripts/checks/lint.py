@@ -28,7 +28,8 @@ def digest(files) -> str:
 
 
 def flags_of(entry: dict) -> str:
-    return entry["command"].partition(" -o ")[0]
+    """What decides how it is compiled. Where headers are searched does not: that differs between targets of a room."""
+    return " ".join(flag for flag in entry["command"].partition(" -o ")[0].split() if not flag.startswith("-I"))
 
 
 def tidy(commands: pathlib.Path, file: pathlib.Path) -> str:
@@ -46,7 +47,7 @@ class Room:
         self.files = sorted(pathlib.Path(entry["file"]) for entry in entries)
         self.stamp = stamps / hashlib.sha256((common + flags_of(entries[0]) + digest(self.files)).encode()).hexdigest()
         self.whole = stamps / (self.name.replace("/", "_") + f"_{self.stamp.name[:8]}.cpp")
-        entry = entries[0]
+        entry = max(entries, key=lambda each: each["command"].count(" -I"))
         self.entry = entry | {"file": str(self.whole), "command": entry["command"].replace(entry["file"], str(self.whole)) + f" -iquote {folder}"}
 
     def text(self) -> str:
