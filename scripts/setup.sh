@@ -18,6 +18,7 @@ demo=(
 all=(
     "${demo[@]}"
     clang clang-tidy                               # the second compiler, the linter: those of the release
+    codespell                                      # the spelling of everything that people read
     cppcheck                                       # a second opinion beside the linter's
     doxygen                                        # the reference of the exported interface
     git

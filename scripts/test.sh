@@ -26,6 +26,9 @@ scripts/checks/trace_table.py
 stage "Links between the pages"
 scripts/checks/links.py
 
+stage "Spelling"
+codespell --ignore-words scripts/checks/spelling.txt $(git ls-files | grep -vE '\.(svg|png)$') && echo "no misspelling known to codespell"
+
 stage "Include directions"
 scripts/checks/include_directions.py
 

@@ -1,0 +1,102 @@
+#!/usr/bin/env python3
+"""Checks the wording of the pages and of the public headers' comments: words that CONTRIBUTING's table replaces, long
+sentences, and procedures in table cells. Code, quotations and the fixed trace lines do not count.
+
+usage: prose.py [FILE ...]     those files; without any, all that people read
+"""
+import pathlib
+import re
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+LONGEST_SENTENCE, LONGEST_CELL = 40, 45  # words
+AVOIDED = {  # as in the table of CONTRIBUTING.md
+    r"t(?:ell|ells|old|elling) (?:of|about)|hears? of|heard of": "report",
+    r"notic(?:e|es|ed|ing)(?! that)": "detect",
+    r"a look|looks?(?:ed)? at|looking at": "scan, poll, check",
+    r"put in|puts in|taken out|takes? out": "insert, remove",
+    r"lies|stands?(?: in)?(?! for\b)|lie(?= (?:in|beside|at|there))": "is, is stored in",
+    r"(?:is|are|was|were|be|been) ended": "exit, terminate, stop",
+    r"mend(?:s|ed)?": "fix",
+    r"rights": "privileges, permissions",
+    r"as (?:it|they) stands?": "unchanged, verbatim",
+    r"on purpose": "the reason: because, so that",
+    r"whoever": "anybody who, the caller",
+    r"but for": "except for, unless",
+    r"that which": "a noun",
+}
+PATTERNS = [(re.compile(rf"\b(?:{words})\b", re.IGNORECASE), instead) for words, instead in AVOIDED.items()]
+FENCE = re.compile(r"^```.*?^```$|^(?: {4}|\t)[^\n]*$|<!--.*?-->", re.MULTILINE | re.DOTALL)
+QUOTED = re.compile(r"`[^`\n]*`|\"[^\"\n]*\"|\]\([^)]*\)")
+CLAUSE = re.compile(r"(?:^|[.:;] )What (?!is |are |does |do |to |happens )[^?.]*\.")
+
+
+def blanked(match: re.Match) -> str:
+    """As many lines, no words."""
+    return "\n" * match[0].count("\n")
+
+
+def pages() -> list[pathlib.Path]:
+    found = [*ROOT.glob("*.md"), *(ROOT / "docs").rglob("*.md"), *(ROOT / "samples").rglob("*.md"),
+             *(ROOT / "include").rglob("*.h")]
+    return sorted(file for file in found if file.name != "CHANGELOG.md")
+
+
+def prose_of(file: pathlib.Path) -> str:
+    """The file's text, line by line, with everything that is not prose left out."""
+    text = file.read_text(encoding="utf-8")
+    if file.suffix == ".h":
+        comments = [re.search(r"(?:///?<?|^\s*\*) ?(.*)$", line) for line in text.splitlines()]
+        text = "\n".join(found[1] if found else "" for found in comments)
+        return QUOTED.sub("x", text)
+    if file.name == "CONTRIBUTING.md":  # which names the words
+        text = re.sub(r"^\| we write.*?\n\n", blanked, text, flags=re.MULTILINE | re.DOTALL)
+    return QUOTED.sub("x", FENCE.sub(blanked, text))
+
+
+def sentences(text: str):
+    """Each with the line that it begins on. A blank line, a heading, a list item and a table cell end one too."""
+    block, start = [], 0
+    for number, line in enumerate([*text.splitlines(), ""], 1):
+        item = re.match(r"\s*(?:[-*] |\d+\. |#+ |\||///|@)", line)
+        if not line.strip() or item:
+            yield from ((start, each) for each in re.split(r"(?<=[.!?:;])\s+", " ".join(block)) if each)
+            block, start = [], number
+        if line.startswith("|"):
+            yield from ((number, part) for cell in line.split("|") for part in re.split(r"(?<=[.!?:;])\s+", cell.strip()) if part)
+        elif line.strip():
+            if not block:
+                start = number
+            block.append(line.strip())
+
+
+def findings(file: pathlib.Path):
+    text = prose_of(file)
+    for number, line in enumerate(text.splitlines(), 1):
+        for pattern, instead in PATTERNS:
+            for found in pattern.finditer(line):
+                yield number, f'"{found[0]}": write {instead}'
+        if line.startswith("|"):
+            for cell in line.split("|"):
+                if len(cell.split()) > LONGEST_CELL:
+                    yield number, f"a table cell of {len(cell.split())} words: make it a paragraph or a list"
+    for number, each in sentences(text):
+        if len(each.split()) > LONGEST_SENTENCE:
+            yield number, f"a sentence of {len(each.split())} words: {each[:50]}..."
+        if CLAUSE.match(each):
+            yield number, f"a clause as the subject: {each[:50]}"
+
+
+def main() -> int:
+    files = [pathlib.Path(name).resolve() for name in sys.argv[1:]] or pages()
+    count = 0
+    for file in files:
+        for number, said in sorted(findings(file)):
+            print(f"{file.relative_to(ROOT)}:{number}: {said}")
+            count += 1
+    print(f"prose: {len(files)} files, {count} findings")
+    return 1 if count or not files else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
