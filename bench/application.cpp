@@ -6,7 +6,7 @@
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int)
 {
     using namespace kestraboot::bench;
-    ::CreateMutexW(nullptr, FALSE, kRunningMutex);
+    static_cast<void>(::CreateMutexW(nullptr, FALSE, kRunningMutex)); // until the process ends
     if (const HANDLE started = ::OpenEventW(EVENT_MODIFY_STATE, FALSE, kStartedEvent)) {
         ::SetEvent(started);
     }

@@ -36,7 +36,7 @@ int main(int count, char** words)
         if (std::string(words[2]) == "needs") {
             for (const wchar_t* const dll :
                  {L"advapi32.dll", L"ole32.dll", L"shell32.dll", L"shlwapi.dll", L"user32.dll"}) {
-                ::LoadLibraryW(dll);
+                static_cast<void>(::LoadLibraryW(dll)); // until the process ends
             }
         }
         Compete(words[1], words[2], std::stoi(words[3]),

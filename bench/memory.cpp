@@ -93,8 +93,8 @@ struct FastWorld {
 /// A thread that waits, with a window that nobody sees.
 DWORD WINAPI IdleThread(LPVOID) noexcept
 {
-    ::CreateWindowExW(0, L"STATIC", L"Idle", WS_POPUP, 20, 20, 200, 200, nullptr, nullptr, nullptr,
-                      nullptr);
+    static_cast<void>(::CreateWindowExW(0, L"STATIC", L"Idle", WS_POPUP, 20, 20, 200, 200, nullptr,
+                                        nullptr, nullptr, nullptr));
     ::SetEvent(paused);
     MSG message = {};
     while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
@@ -122,7 +122,8 @@ int main(int count, char** words)
             Print("without the library", 0);
         } else {
             for (int i = 0; i < 3; ++i) {
-                ::CreateThread(nullptr, 0, IdleThread, nullptr, 0, nullptr);
+                static_cast<void>(
+                    ::CreateThread(nullptr, 0, IdleThread, nullptr, 0, nullptr)); // until the end
                 ::WaitForSingleObject(paused, INFINITE);
             }
             Print("without the library but with three such threads", 0);

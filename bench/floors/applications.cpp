@@ -145,7 +145,7 @@ void MaintainOrder(const wchar_t* proxyPath)
 {
     LoadApplications();
     ReadOwnPath();
-    ::PathFileExistsW(proxyPath);
+    static_cast<void>(::PathFileExistsW(proxyPath)); // the call alone counts
     const HKEY run =
         Open(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run", KEY_WRITE);
     const std::wstring quoted = L'"' + std::wstring(proxyPath) + L'"';

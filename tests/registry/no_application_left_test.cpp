@@ -68,7 +68,7 @@ const Operation kOperations[] = {
      }},
 };
 
-INSTANTIATE_TEST_SUITE_P(, WithoutAnApplication, testing::ValuesIn(kOperations),
+INSTANTIATE_TEST_SUITE_P(For, WithoutAnApplication, testing::ValuesIn(kOperations),
                          [](const auto& instance) {
                              return std::string(instance.param.name);
                          });

@@ -32,8 +32,8 @@ int main()
     windowClass.lpszClassName = L"StubbornHost";
     windowClass.lpfnWndProc = IgnoreRequests;
     ::RegisterClassExW(&windowClass);
-    ::CreateWindowExW(0, L"StubbornHost", L"Corvane Kestrafetch Boot", WS_POPUP, 0, 0, 0, 0, nullptr,
-                      nullptr, nullptr, nullptr);
+    static_cast<void>(::CreateWindowExW(0, L"StubbornHost", L"Corvane Kestrafetch Boot", WS_POPUP, 0, 0,
+                                        0, 0, nullptr, nullptr, nullptr, nullptr));
     MSG message = {};
     while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
         ::DispatchMessageW(&message);

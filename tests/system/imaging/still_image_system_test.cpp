@@ -166,7 +166,7 @@ TEST_P(WindowsVersions, StartsTheTrackersThatSuit)
     EXPECT_EQ(host.Lines("threads").front(), "threads " + std::to_string(expected.threads));
 }
 
-INSTANTIATE_TEST_SUITE_P(, WindowsVersions,
+INSTANTIATE_TEST_SUITE_P(On, WindowsVersions,
                          testing::Values(OfWindows{L"imaging_host_5_1.exe", 4, true, true},
                                          OfWindows{L"imaging_host_5_0.exe", 3, false, true},
                                          OfWindows{L"imaging_host_6_0.exe", 4, true, true},
