@@ -104,6 +104,8 @@ private:
     FAKE_IMPORT(GetDriveTypeW) type;
     FAKE_IMPORT(GetVolumeInformationW) volume;
     FAKE_IMPORT(PathIsDirectoryW) isFolder;
+    FAKE_IMPORT(PathFileExistsW) exists;
+    FAKE_IMPORT(OpenProcess) process;
     FAKE_IMPORT(FindFirstFileW) first;
     FAKE_IMPORT(FindNextFileW) next;
     FAKE_IMPORT(FindClose) close;

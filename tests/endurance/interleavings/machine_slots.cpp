@@ -138,6 +138,14 @@ MachineInSlots::MachineInSlots()
           IN_SCENE(isFolder, path)
           return TRUE;
       }),
+      exists([this](const wchar_t* path) -> BOOL {
+          IN_SCENE(exists, path)
+          return TRUE;
+      }),
+      process([this](DWORD access, BOOL inherited, DWORD id) -> HANDLE {
+          IN_SCENE(process, access, inherited, id)
+          return nullptr; // so none of the applications is this one: to find out takes most of the time
+      }),
       first([this](const wchar_t* pattern, LPWIN32_FIND_DATAW found) -> HANDLE {
           IN_SCENE(first, pattern, found)
           *found = {};

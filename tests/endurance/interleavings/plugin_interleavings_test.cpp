@@ -7,7 +7,6 @@
 
 #include "foundation/text.h"
 #include "service/dispatch.h"
-#include "tests/support/compatible_application.h"
 #include "trackers/mox/callback_interface.h"
 #include "trackers/mox/mox_host.h"
 #include "trackers/mox/plugin_list.h"
@@ -256,8 +255,8 @@ TEST(PluginInterleavings, OfAScanBesideALoadKeepTheErrorMode)
     fuzz::HiveRegistry registry; // a real one would take most of the time
     fuzz::HiveKey& application = registry.machine.Make(L"SOFTWARE\\Corvane\\App\\Corvane Kestrafetch");
     application.PutText(L"Name", L"App");
-    application.PutText(L"ProxyPath", tests::RunningExecutable()); // both files exist
-    application.PutText(L"CmdLine", tests::RunningExecutable());
+    application.PutText(L"ProxyPath", L"C:\\App\\kestraboot.exe");
+    application.PutText(L"CmdLine", L"C:\\App\\app.exe");
     application.MakeSubkey(L"File Formats").PutText(L"Image", L"jpg");
     GoesWellInEverySchedule<ScanBesideLoad>();
 }
