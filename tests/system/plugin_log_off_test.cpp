@@ -3,6 +3,7 @@
 #include "tests/support/card_slot.h"
 #include "tests/support/unix_path.h"
 #include "tests/support/volume_message.h"
+#include "tests/system/drop_folder.h"
 #include "tests/system/plugin_test.h"
 
 #include <dbt.h>
@@ -54,6 +55,22 @@ TEST_F(PluginAtTheEnd, BuiltFromTheSampleLetsTheBootProgramEndWell)
 TEST_F(PluginAtTheEnd, BuiltFromTheSampleLetsAProcessExitWell)
 {
     StartWith(L"sample_plugin.mox", "Sample devices");
+    EXPECT_EQ(LeaveNoApplication(), kDone);
+}
+
+TEST_F(PluginAtTheEnd, WatchingAFolderLetsTheBootProgramEndWell)
+{
+    const DropFolder drop;
+    StartWith(L"drop_folder.mox", "Drop folder");
+    EXPECT_TRUE(trace.Await(drop.Watched()));
+    EXPECT_EQ(LogOff(), kDone);
+}
+
+TEST_F(PluginAtTheEnd, WatchingAFolderLetsAProcessExitWell)
+{
+    const DropFolder drop;
+    StartWith(L"drop_folder.mox", "Drop folder");
+    EXPECT_TRUE(trace.Await(drop.Watched()));
     EXPECT_EQ(LeaveNoApplication(), kDone);
 }
 

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "tests/endurance/interleavings/machine.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+namespace kestraboot::interleavings
+{
+
+/// Tries every schedule and says how many there are. Every one must go well.
+template <typename SceneType>
+void GoesWellInEverySchedule(int preemptions = PreemptionsAskedFor())
+{
+    const MachineInSlots slots;
+    Scheduler scheduler(preemptions);
+    const Outcome outcome = scheduler.Explore<SceneType>();
+    EXPECT_EQ(outcome.failure, "") << "schedule " << outcome.schedules << ":\n" << outcome.schedule;
+    EXPECT_GT(outcome.schedules, 1) << "the threads of the scene have nothing in common";
+    std::printf("    %ld schedules with at most %d preemptions\n", outcome.schedules, preemptions);
+}
+
+/// Tries schedules until one goes wrong.
+template <typename SceneType>
+[[nodiscard]] Outcome FindFailure(int preemptions)
+{
+    const MachineInSlots slots;
+    Scheduler scheduler(preemptions);
+    return scheduler.Explore<SceneType>();
+}
+
+} // namespace kestraboot::interleavings

@@ -1,0 +1,281 @@
+// When the drop folder plugin reports its folder, and what it leaves behind.
+#include "tests/samples/loaded_plugin.h"
+#include "tests/support/awaited_trace.h"
+#include "tests/support/handle_count.h"
+#include "tests/support/registry_sandbox.h"
+#include "tests/support/temp_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <optional>
+#include <thread>
+
+namespace kestraboot::tests
+{
+namespace
+{
+
+namespace fs = std::filesystem;
+
+class DropFolderWatch : public testing::Test
+{
+protected:
+    DropFolderWatch()
+    {
+        const std::wstring key = L"SOFTWARE\\Corvane\\Drop Folder";
+        PutText(HKEY_CURRENT_USER, key, L"Folder", path);
+        PutDword(HKEY_CURRENT_USER, key, L"SettleMilliseconds", 100);
+        PutDword(HKEY_CURRENT_USER, key, L"RetryMilliseconds", 100);
+    }
+
+    void Register() { ASSERT_EQ(plugin->source->RegisterCallback(&reports), mox::kSuccess); }
+
+    void Start()
+    {
+        Register();
+        AwaitLine(path + L": being watched.");
+    }
+
+    void End()
+    {
+        EXPECT_EQ(plugin->source->UnregisterCallback(&reports), mox::kSuccess);
+        EXPECT_EQ(reports.references, 1U) << "the callback's reference was not given back";
+        trace.reset();
+        plugin.reset();
+        EXPECT_EQ(::GetModuleHandleW(L"drop_folder.mox"), nullptr);
+    }
+
+    /// Of lines that tell of one thing more than once, so many.
+    void AwaitLine(const std::wstring& text, int times = 1)
+    {
+        ASSERT_TRUE(trace->Await(L"<DropFolder><" + text + L">", times))
+            << testing::PrintToString(trace->Lines());
+    }
+
+    void AwaitReported(int pictures, int times = 1)
+    {
+        AwaitLine(path + L": reported, with this number of new pictures: " + std::to_wstring(pictures),
+                  times);
+    }
+
+    RegistrySandbox registry;
+    TempFolder above;
+    const fs::path drop = above.AddFolder(L"Server/Drop");
+    const std::wstring path = (above.Path() / L"Server" / L"Drop").make_preferred().wstring();
+    KeptReports reports;
+    std::optional<LoadedPlugin> plugin{std::in_place, L"drop_folder.mox"};
+    std::optional<AwaitedTrace> trace{std::in_place};
+};
+
+TEST_F(DropFolderWatch, ReportsTheFolderAsAnArchive)
+{
+    Start();
+    above.AddFile(L"Server/Drop/one.jpg", "picture");
+    ASSERT_TRUE(reports.Await(1));
+    const mox::DeviceRecord record = reports.Records()[0];
+    EXPECT_EQ(record.eventCode, mox::kDeviceArrived);
+    EXPECT_EQ(record.size, mox::kDeviceRecordSize);
+    EXPECT_EQ(record.deviceKind, mox::kKindArchive);
+    EXPECT_EQ(std::wstring(record.deviceId), path);
+    End();
+}
+
+TEST_F(DropFolderWatch, ReportsPicturesThatComeInAFolderWithThem)
+{
+    Start();
+    above.AddFile(L"Server/Drop/one.jpg", "picture");
+    AwaitReported(1); // from here on it looks when it is told of a change, and not before
+    above.AddFile(L"Card/DCIM/one.JPG", "picture");
+    above.AddFile(L"Card/DCIM/two.Tiff", "picture");
+    fs::rename(above.Path() / L"Card", drop / L"Card");
+    AwaitReported(2);
+    End();
+    EXPECT_EQ(reports.Records().size(), 2U);
+}
+
+TEST_F(DropFolderWatch, ReportsNothingButNewPictures)
+{
+    above.AddFile(L"Server/Drop/old.jpg", "was there at the beginning");
+    Start();
+    above.AddFile(L"Server/Drop/notes.txt", "no picture");
+    above.AddFile(L"Server/Drop/jpg", "no picture");
+    above.AddFile(L"Server/Drop/empty.png");
+    above.AddFile(L"Server/Drop/old.jpg", "edited by the application that was started");
+    above.AddFile(L"Server/Drop/new.jpg", "picture");
+    AwaitReported(1);
+    End();
+    EXPECT_EQ(reports.Records().size(), 1U);
+}
+
+TEST_F(DropFolderWatch, ReportsAPictureThatWasTakenOutAndComesAgain)
+{
+    Start();
+    const fs::path one = above.AddFile(L"Server/Drop/one.jpg", "picture");
+    AwaitReported(1);
+    fs::remove(one);
+    // Only when it has looked without the picture is that one new: the second one says so.
+    above.AddFile(L"Server/Drop/two.jpg", "picture");
+    AwaitReported(1, 2);
+    above.AddFile(L"Server/Drop/one.jpg", "picture");
+    AwaitReported(1, 3);
+    End();
+}
+
+TEST_F(DropFolderWatch, WaitsForAPictureThatIsStillBeingWritten)
+{
+    Start();
+    const std::wstring slow = path + L"\\slow.jpg";
+    const HANDLE file = ::CreateFileW(slow.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                      nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    ASSERT_NE(file, INVALID_HANDLE_VALUE);
+    DWORD written = 0;
+    EXPECT_TRUE(::WriteFile(file, "half", 4, &written, nullptr));
+    above.AddFile(L"Server/Drop/done.jpg", "picture");
+    AwaitLine(slow + L": still being written. The report waits for it.");
+    EXPECT_TRUE(reports.Records().empty());
+    EXPECT_TRUE(::WriteFile(file, "half", 4, &written, nullptr));
+    ::CloseHandle(file);
+    AwaitReported(2);
+    End();
+    EXPECT_EQ(reports.Records().size(), 1U);
+}
+
+TEST_F(DropFolderWatch, TriesAReportAgainThatTheHostCouldNotTake)
+{
+    reports.refusals = 2;
+    Start();
+    above.AddFile(L"Server/Drop/one.jpg", "picture");
+    AwaitLine(path + L": the host took no report. It is tried again.", 2);
+    AwaitReported(1);
+    End();
+    EXPECT_EQ(reports.Records().size(), 1U);
+}
+
+TEST_F(DropFolderWatch, ReadsTheWholeFolderWhereWindowsLostCount)
+{
+    FAKE_IMPORT(GetOverlappedResult)
+    result([&](HANDLE file, LPOVERLAPPED request, LPDWORD bytes, BOOL wait) {
+        const BOOL told = result.CallOriginal(file, request, bytes, wait);
+        *bytes = 0; // that is how it says so
+        return told;
+    });
+    Start();
+    above.AddFile(L"Server/Drop/one.jpg", "picture");
+    AwaitReported(1); // from here on it looks when it is told of a change, and not before
+    above.AddFile(L"Server/Drop/two.jpg", "picture");
+    AwaitReported(1, 2);
+    AwaitLine(path + L": too many changes at once. The whole folder is read.", 2);
+    EXPECT_EQ(plugin->source->UnregisterCallback(&reports), mox::kSuccess);
+}
+
+TEST_F(DropFolderWatch, TakesAllForNewInAFolderThatIsMadeLater)
+{
+    fs::remove(drop);
+    Register();
+    AwaitLine(path + L": not there. It is watched once it comes.");
+    above.AddFile(L"Made/one.jpg", "picture");
+    fs::rename(above.Path() / L"Made", drop);
+    AwaitReported(1);
+    End();
+}
+
+TEST_F(DropFolderWatch, TakesAllForNewInAFolderThatWasRemovedAndIsMadeAgain)
+{
+    Start();
+    above.AddFile(L"Server/Drop/one.jpg", "picture");
+    AwaitReported(1);
+    // Under Wine a folder that somebody has open stays until it is closed: so it is moved away first.
+    fs::rename(drop, above.Path() / L"Removed");
+    AwaitLine(path + L": gone.");
+    AwaitLine(path + L": not there. It is watched once it comes.");
+    fs::remove_all(above.Path() / L"Removed");
+    above.AddFile(L"Server/Drop/one.jpg", "picture");
+    AwaitReported(1, 2);
+    End();
+}
+
+TEST_F(DropFolderWatch, KnowsThePicturesAgainOfAServerThatWasAway)
+{
+    Start();
+    above.AddFile(L"Server/Drop/one.jpg", "picture");
+    AwaitReported(1);
+    fs::rename(above.Path() / L"Server", above.Path() / L"Away");
+    AwaitLine(path + L": gone.");
+    AwaitLine(path + L": not there. It is watched once it comes.");
+    above.AddFile(L"Away/Drop/two.jpg", "picture");
+    fs::rename(above.Path() / L"Away", above.Path() / L"Server");
+    AwaitLine(path + L": being watched.", 2);
+    AwaitReported(1, 2);
+    End();
+    EXPECT_EQ(reports.Records().size(), 2U);
+}
+
+TEST_F(DropFolderWatch, TakesNothingForNewOnAServerThatComesLater)
+{
+    above.AddFile(L"Server/Drop/old.jpg", "picture");
+    fs::rename(above.Path() / L"Server", above.Path() / L"Away");
+    Register();
+    AwaitLine(path + L": not there. It is watched once it comes.");
+    fs::rename(above.Path() / L"Away", above.Path() / L"Server");
+    AwaitLine(path + L": being watched.");
+    above.AddFile(L"Server/Drop/new.jpg", "picture");
+    AwaitReported(1);
+    End();
+    EXPECT_EQ(reports.Records().size(), 1U);
+}
+
+TEST_F(DropFolderWatch, BeginsNoReportAfterItsEnd)
+{
+    Signal mayReturn;
+    reports.mayReturn = &mayReturn;
+    Start();
+    above.AddFile(L"Server/Drop/one.jpg", "picture");
+    reports.called.Wait();
+    above.AddFile(L"Server/Drop/two.jpg", "picture");
+    Signal begun;
+    std::thread ending([&] {
+        begun.Set();
+        EXPECT_EQ(plugin->source->UnregisterCallback(&reports), mox::kSuccess);
+        EXPECT_EQ(reports.Records().size(), 1U) << "it did not wait for the report that had begun";
+    });
+    begun.Wait();
+    mayReturn.Set();
+    ending.join();
+    EXPECT_EQ(reports.references, 1U);
+}
+
+TEST_F(DropFolderWatch, LeavesNoThreadAndNoHandle)
+{
+    std::vector<HANDLE> threads;
+    FAKE_IMPORT(CreateThread)
+    create([&](LPSECURITY_ATTRIBUTES attributes, SIZE_T stack, LPTHREAD_START_ROUTINE start,
+               LPVOID parameter, DWORD flags, LPDWORD id) {
+        const HANDLE thread = create.CallOriginal(attributes, stack, start, parameter, flags, id);
+        HANDLE kept = nullptr;
+        ::DuplicateHandle(::GetCurrentProcess(), thread, ::GetCurrentProcess(), &kept, SYNCHRONIZE,
+                          FALSE, 0);
+        threads.push_back(kept);
+        return thread;
+    });
+    int before = 0;
+    constexpr int kRounds = 5;
+    for (int round = 1; round <= kRounds; ++round) {
+        Register();
+        AwaitLine(path + L": being watched.", round);
+        EXPECT_EQ(plugin->source->UnregisterCallback(&reports), mox::kSuccess);
+        if (round == 1) {
+            before = OpenHandlesOf(::GetCurrentProcess()); // Windows opens some once in a process
+        }
+    }
+    EXPECT_EQ(threads.size(), std::size_t{kRounds});
+    EXPECT_EQ(OpenHandlesOf(::GetCurrentProcess()), before + kRounds - 1)
+        << "more is open than this test's own handles of the threads";
+    for (const HANDLE thread : threads) {
+        EXPECT_EQ(::WaitForSingleObject(thread, 0), WAIT_OBJECT_0) << "a thread is still running";
+        ::CloseHandle(thread);
+    }
+}
+
+} // namespace
+} // namespace kestraboot::tests
