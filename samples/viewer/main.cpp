@@ -1,9 +1,9 @@
 // A sample compatible application: it is started when a device arrives. README.md says what it shows.
 #include "chooser.h"
 #include "device_window.h"
-#include "picture_files.h"
 #include "report.h"
 #include "resource.h"
+#include "sheet.h"
 
 #include <windows.h>
 
@@ -31,23 +31,10 @@ bool IsDrive(const std::wstring& identifier)
             (identifier[0] >= L'a' && identifier[0] <= L'z'));
 }
 
-std::vector<std::filesystem::path> ListPictures(const std::wstring& drive)
-{
-    std::vector<std::filesystem::path> pictures;
-    FindPictures(drive + L'\\', [&pictures](std::vector<PictureFile>&& files) {
-        for (PictureFile& file : files) {
-            pictures.push_back(std::move(file.path));
-        }
-        return true;
-    });
-    return pictures;
-}
-
 int ShowRequest(const std::wstring& start, const LaunchRequest& request)
 {
     if (request.mode != L"select" && request.deviceType == L"volume" && IsDrive(request.deviceId)) {
-        return ExitCode(AppendToReport(start + DescribePictures(ListPictures(request.deviceId))),
-                        DeviceWindow(request).Run(IDD_DEVICE));
+        return ShowSheet(request.deviceId, start) ? kDone : kFailed;
     }
     const bool reported = AppendToReport(start);
     if (request.mode == L"select") {

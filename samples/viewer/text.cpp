@@ -7,6 +7,18 @@
 #include <cstdio>
 #include <shlwapi.h>
 
+namespace
+{
+
+bool Parse(std::string_view exif, SYSTEMTIME& time)
+{
+    const std::string text(exif);
+    return std::sscanf(text.c_str(), "%4hu:%2hu:%2hu %2hu:%2hu", &time.wYear, &time.wMonth, &time.wDay,
+                       &time.wHour, &time.wMinute) == 5;
+}
+
+} // namespace
+
 std::wstring Text(unsigned id, std::initializer_list<std::wstring_view> values)
 {
     const wchar_t* text = nullptr; // into the resource itself, without a terminator
@@ -52,21 +64,25 @@ std::wstring SizeText(std::uint64_t bytes)
     return text;
 }
 
+std::wstring DayText(std::string_view exif)
+{
+    SYSTEMTIME time = {};
+    wchar_t day[64] = {};
+    return Parse(exif, time) &&
+                   ::GetDateFormatW(LOCALE_USER_DEFAULT, DATE_SHORTDATE, &time, nullptr, day, 64) != 0
+               ? day
+               : L""; // a month 13, as cameras write whose clock was never set
+}
+
 std::wstring DateText(std::string_view exif)
 {
     SYSTEMTIME time = {};
-    const std::string text(exif);
-    if (std::sscanf(text.c_str(), "%4hu:%2hu:%2hu %2hu:%2hu", &time.wYear, &time.wMonth, &time.wDay,
-                    &time.wHour, &time.wMinute) != 5) {
-        return {};
-    }
-    wchar_t day[64] = {};
     wchar_t clock[64] = {};
-    if (::GetDateFormatW(LOCALE_USER_DEFAULT, DATE_SHORTDATE, &time, nullptr, day, 64) == 0 ||
-        ::GetTimeFormatW(LOCALE_USER_DEFAULT, TIME_NOSECONDS, &time, nullptr, clock, 64) == 0) {
-        return {}; // a month 13, as cameras write whose clock was never set
-    }
-    return std::wstring(day) + L' ' + clock;
+    const std::wstring day = DayText(exif);
+    return !day.empty() && Parse(exif, time) &&
+                   ::GetTimeFormatW(LOCALE_USER_DEFAULT, TIME_NOSECONDS, &time, nullptr, clock, 64) != 0
+               ? day + L' ' + clock
+               : day;
 }
 
 std::wstring ErrorText(unsigned long error)

@@ -15,8 +15,9 @@ std::wstring ArrivalText(std::wstring_view deviceType, std::wstring_view deviceI
 /// "1.25 MB", as Windows writes it for this user.
 std::wstring SizeText(std::uint64_t bytes);
 
-/// Date and time of an EXIF date ("2026:11:21 13:26:59"), as this user writes them; empty where it is
-/// none.
+/// The day, and the day with the time, of an EXIF date ("2026:11:21 13:26:59"), as this user writes
+/// them; empty where it is none.
+std::wstring DayText(std::string_view exif);
 std::wstring DateText(std::string_view exif);
 
 /// What Windows says about an error, on one line.
