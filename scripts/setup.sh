@@ -2,6 +2,7 @@
 # Installs what is not there yet, on Debian 12, Debian 13 and what is built from them. Can be run any number of times.
 #   setup.sh demo     what building and running the demo needs
 #   setup.sh curves   what scripts/bench.sh --record draws with
+#   setup.sh screenshots  what scripts/screenshots.sh takes its pictures with
 #   setup.sh          what the demo needs, and what scripts/test.sh needs: the second compiler, the linter, the formatter, ...
 set -euo pipefail
 . "$(dirname "$0")/usage.sh"
@@ -32,6 +33,7 @@ case "$# ${1-}" in
 '0 ') packages=("${all[@]}") ;;
 '1 demo') packages=("${demo[@]}") ;;
 '1 curves') packages=(python3-matplotlib) ;;
+'1 screenshots') packages=("${demo[@]}" xvfb imagemagick fonts-wine) ;;
 *) wrong_usage "no such group of packages: $*" ;;
 esac
 # The format is held by one version of the formatter; releases after these have it no more (scripts/test.sh says so).

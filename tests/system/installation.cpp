@@ -113,7 +113,7 @@ LegacyOrganiser::LegacyOrganiser()
 {
     CopyProgram(L"viewer.exe", DeviceConnect());
     for (const wchar_t* const dll :
-         {L"libstdc++-6.dll", L"libgcc_s_seh-1.dll", L"libwinpthread-1.dll"}) {
+         {L"kestraboot.dll", L"libstdc++-6.dll", L"libgcc_s_seh-1.dll", L"libwinpthread-1.dll"}) {
         CopyProgram(dll, folder.Path() / dll);
     }
     PutText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\Vellumry\\3.0\\Organizer\\ApplicationPath", nullptr,

@@ -1,39 +1,11 @@
-// A sample compatible application. It has no window: it appends what it was asked for, and the pictures
-// that it found, to %LOCALAPPDATA%\Corvane Sample Viewer\<program>.txt (UTF-8), so that a person or a
-// test can look.
-//
-// An installer registers it as viewer.reg does and puts kestraboot.exe, the library and the runtime
-// beside it.
-#include "launch_request.h"
-#include "picture_list.h"
+#include "report.h"
 
 #include <windows.h>
 
-#include <filesystem>
 #include <shlobj.h>
-#include <string>
 
 namespace
 {
-
-std::wstring Describe(const wchar_t* commandLine)
-{
-    std::wstring text = L"command line: " + std::wstring(commandLine) + L'\n';
-    const std::optional<LaunchRequest> request = ParseLaunchRequest(commandLine);
-    if (!request) {
-        return text + L"not started for a device\n";
-    }
-    text += L"mode: " + request->mode + L'\n';
-    text += L"device: " + request->deviceType + L' ' + request->deviceId + L'\n';
-    if (request->deviceType == L"volume") {
-        const std::vector<std::filesystem::path> pictures = ListPictures(request->deviceId);
-        for (const std::filesystem::path& picture : pictures) {
-            text += L"picture: " + picture.wstring() + L'\n';
-        }
-        text += L"pictures: " + std::to_wstring(pictures.size()) + L'\n';
-    }
-    return text;
-}
 
 std::string ToUtf8(const std::wstring& text)
 {
@@ -79,7 +51,26 @@ bool Append(const std::filesystem::path& file, const std::string& bytes)
 
 } // namespace
 
-int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int)
+std::wstring DescribeStart(const std::wstring& commandLine, const std::optional<LaunchRequest>& request)
 {
-    return Append(ReportFile(), ToUtf8(Describe(::GetCommandLineW()))) ? 0 : 1;
+    std::wstring text = L"command line: " + commandLine + L'\n';
+    if (!request) {
+        return text + L"not started for a device\n";
+    }
+    text += L"mode: " + request->mode + L'\n';
+    return text + L"device: " + request->deviceType + L' ' + request->deviceId + L'\n';
+}
+
+std::wstring DescribePictures(const std::vector<std::filesystem::path>& pictures)
+{
+    std::wstring text;
+    for (const std::filesystem::path& picture : pictures) {
+        text += L"picture: " + picture.wstring() + L'\n';
+    }
+    return text + L"pictures: " + std::to_wstring(pictures.size()) + L'\n';
+}
+
+bool AppendToReport(const std::wstring& entry)
+{
+    return Append(ReportFile(), ToUtf8(entry));
 }

@@ -1,0 +1,97 @@
+// The pictures of a drive, found and decoded on threads of their own.
+//
+// One thread looks for them; as many as there are processors, four at most, decode. They take the
+// pictures that somebody asked to see first, the newest request before older ones, and read the facts of
+// all others meanwhile. Nothing is kept of a picture but its facts: small pictures are handed over once.
+#pragma once
+
+#include "decode.h"
+#include "picture_files.h"
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <stop_token>
+#include <thread>
+
+enum class PictureState { Unread, Read, Unreadable };
+
+struct Picture {
+    PictureFile file;
+    PictureState state = PictureState::Unread;
+    unsigned width = 0;
+    unsigned height = 0;
+    std::string taken; ///< as in Exif
+};
+
+struct Thumbnail {
+    std::size_t index = 0; ///< of the picture
+    Pixels pixels;
+};
+
+struct ReadingProgress {
+    std::size_t found = 0;
+    std::size_t read = 0; ///< the unreadable ones among them
+    std::size_t unreadable = 0;
+    std::size_t unreadableFolders = 0;
+    std::filesystem::path firstUnreadableFolder;
+    bool searching = true;
+    bool gone = false; ///< the drive was removed: nothing more is read
+};
+
+/// Any thread may call it. `changed` is called on its threads after each change.
+class PictureReader
+{
+public:
+    using Changed = std::function<void()>;
+    /// Called once, on the searching thread, with everything that was found.
+    using Searched = std::function<void(const std::vector<std::filesystem::path>&)>;
+
+    PictureReader(std::filesystem::path drive, const ThumbnailStyle& style, Changed changed,
+                  Searched searched);
+    PictureReader(const PictureReader&) = delete;
+    PictureReader& operator=(const PictureReader&) = delete;
+    /// Waits for the picture that is being decoded.
+    ~PictureReader();
+
+    /// Asks for a small picture. It comes with TakeThumbnails(), unless it is unreadable or newer
+    /// requests displace this one.
+    void Want(std::size_t index);
+    void SetStyle(const ThumbnailStyle& wanted);
+    void DriveIsGone();
+
+    [[nodiscard]] std::deque<Thumbnail> TakeThumbnails();
+    [[nodiscard]] ReadingProgress Progress() const;
+    [[nodiscard]] Picture Get(std::size_t index) const;
+
+private:
+    struct Task {
+        std::size_t index = 0;
+        std::filesystem::path file;
+        std::optional<ThumbnailStyle> style;
+    };
+
+    void Search(const std::stop_token& stop);
+    void DecodeAll(const std::stop_token& stop);
+    std::optional<Task> NextTask(const std::stop_token& stop);
+    std::optional<Task> TakeTask();
+    void Finish(const Task& task, DecodedPicture&& decoded);
+
+    const std::filesystem::path root;
+    const Changed onChange;
+    const Searched onSearched;
+
+    mutable std::mutex mutex; // of all that follows
+    std::condition_variable_any work;
+    std::vector<Picture> pictures;
+    std::size_t nextUnread = 0;
+    std::vector<std::size_t> wanted; ///< the next one last
+    std::set<std::size_t> asked;     ///< wanted, or being decoded for that
+    std::deque<Thumbnail> thumbnails;
+    ThumbnailStyle thumbnailStyle;
+    ReadingProgress progress;
+
+    std::vector<std::jthread> threads; // last: they end before the rest does
+};

@@ -1,0 +1,19 @@
+// What the program was asked for, and the pictures that it found, for a person or a test to look at:
+// %LOCALAPPDATA%\Corvane Sample Viewer\<program>.txt, in UTF-8.
+#pragma once
+
+#include "launch_request.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// The beginning: the command line, and the request where it is one.
+std::wstring DescribeStart(const std::wstring& commandLine, const std::optional<LaunchRequest>& request);
+
+/// The rest, for a volume.
+std::wstring DescribePictures(const std::vector<std::filesystem::path>& pictures);
+
+/// Appends a whole entry. False where it cannot be written.
+bool AppendToReport(const std::wstring& entry);

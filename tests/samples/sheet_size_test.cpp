@@ -1,0 +1,89 @@
+// The contact sheet with many pictures: how soon it shows the first, all facts and all pictures, and how
+// much memory it takes. 300 small ones in the test command; KESTRABOOT_SHEET_PICTURES=10000 in the
+// environment makes them that many, of 1600 x 1200 pixels.
+#include "tests/samples/sheet_windows.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <psapi.h>
+
+namespace kestraboot::tests
+{
+namespace
+{
+
+constexpr int kUsual = 300;
+
+int Asked()
+{
+    const char* const asked = std::getenv("KESTRABOOT_SHEET_PICTURES");
+    return asked == nullptr ? kUsual : std::atoi(asked);
+}
+
+class SheetSize : public SheetWindows
+{
+protected:
+    /// One file under many names.
+    void AddPictures() const
+    {
+        const bool isLarge = count > kUsual;
+        const auto first =
+            card.AddFile("DCIM/100TEST/IMG_10000.JPG", isLarge ? MakeJpeg(1600, 1200) : jpeg);
+        for (int i = 1; i < count; ++i) {
+            std::filesystem::create_hard_link(first, first.parent_path() /
+                                                         ("IMG_" + std::to_string(10'000 + i) + ".JPG"));
+        }
+    }
+
+    /// Asks for all pictures, as a user does who scrolls through them, and waits for each.
+    [[nodiscard]] bool AllAreShown() const
+    {
+        constexpr int kPage = 100;
+        for (int page = 0; page < count; page += kPage) {
+            const int end = std::min(page + kPage, count);
+            for (int row = page; row < end; ++row) {
+                static_cast<void>(list->Image(row));
+            }
+            for (int row = page; row < end; ++row) {
+                if (!AwaitPicture(row)) {
+                    return false;
+                }
+            }
+        }
+        return true;
+    }
+
+    void Tell(const char* what) const
+    {
+        std::printf("    %-34s %6.1f s\n", what, static_cast<double>(::GetTickCount64() - start) / 1000);
+    }
+
+    const int count = Asked();
+    ULONGLONG start = 0;
+};
+
+TEST_F(SheetSize, ManyPicturesTakeBoundedMemory)
+{
+    AddPictures();
+    start = ::GetTickCount64();
+    Show();
+    Tell("the window is shown after");
+    EXPECT_TRUE(AwaitPicture(0));
+    Tell("the first picture after");
+    EXPECT_TRUE(AwaitPicture(count - 1)) << "the last can be asked for at once";
+    Tell("the last one, asked for, after");
+    EXPECT_TRUE(AwaitText(IDC_STATUS, L"Pictures: " + std::to_wstring(count) + L"."));
+    Tell("all dates and sizes after");
+    EXPECT_EQ(list->Count(), count);
+    EXPECT_TRUE(AllAreShown());
+    Tell("all pictures, page by page, after");
+
+    PROCESS_MEMORY_COUNTERS memory = {};
+    ASSERT_TRUE(::GetProcessMemoryInfo(viewer->Handle(), &memory, sizeof memory));
+    std::printf("    %d pictures, at most %zu MB of memory\n", count, memory.PeakWorkingSetSize >> 20);
+    EXPECT_LT(memory.PeakWorkingSetSize >> 20, 160U); // 10,000 small pictures alone would take 730 MB
+    EXPECT_TRUE(AwaitStarted(app, "pictures: " + std::to_string(count) + "\n"));
+}
+
+} // namespace
+} // namespace kestraboot::tests

@@ -1,0 +1,144 @@
+// The contact sheet, asked by the messages of its standard controls.
+#include "tests/samples/sheet_windows.h"
+#include "tests/support/card_slot.h"
+#include "tests/support/registry_sandbox.h"
+#include "tests/support/volume_message.h"
+
+#include <dbt.h>
+
+namespace kestraboot::tests
+{
+namespace
+{
+
+class Sheet : public SheetWindows
+{
+protected:
+    void AddPictures(int count)
+    {
+        for (int i = 0; i < count; ++i) {
+            card.AddFile("DCIM/100TEST/IMG_" + std::to_string(1000 + i) + ".JPG", jpeg);
+        }
+    }
+};
+
+TEST_F(Sheet, ShowsSizeAndCaptureDateAndTurnsThePicture)
+{
+    card.AddFile(L"a.jpg", WithExif(MakeJpeg(64, 48), "2026:11:21 13:26:59", 6));
+    card.AddFile(L"b.jpg", MakeJpeg(32, 24));
+    Show();
+    ASSERT_TRUE(AwaitText(IDC_STATUS, L"Pictures: 2."));
+    wchar_t day[32] = {};
+    const SYSTEMTIME taken = {2026, 11, 0, 21, 13, 26, 0, 0};
+    ::GetDateFormatW(LOCALE_USER_DEFAULT, DATE_SHORTDATE, &taken, nullptr, day, 32);
+    EXPECT_TRUE(list->Text(0).ends_with(std::wstring(L"  ") + day)) << "the day it was taken";
+    EXPECT_EQ(list->Text(1).find(L"20"), std::wstring::npos) << "no date where the file has none";
+    EXPECT_TRUE(TextOf(Item(IDC_DETAILS)).starts_with(L"48 x 64 pixels, ")) << "the first has the focus";
+    EXPECT_TRUE(TextOf(Item(IDC_DETAILS)).ends_with(L" E:\\a.jpg"));
+    Press(Item(IDC_PICTURES), VK_END);
+    EXPECT_TRUE(Within(30'000, [this] {
+        return TextOf(Item(IDC_DETAILS)).starts_with(L"32 x 24 pixels, ");
+    }));
+}
+
+TEST_F(Sheet, MarksABrokenPictureAndGoesOn)
+{
+    card.AddFile(L"a.jpg", "no picture");
+    card.AddFile(L"b.jpg", jpeg.substr(0, 40));
+    card.AddFile(L"c.jpg", "");
+    card.AddFile(L"d.jpg", jpeg);
+    Show();
+    EXPECT_TRUE(AwaitText(IDC_STATUS, L"Pictures: 4. Unreadable pictures: 3."));
+    EXPECT_EQ(list->Text(0), L"a.jpg\nunreadable");
+    for (const int row : {0, 1, 2}) {
+        EXPECT_EQ(list->Image(row), kFirstPicture - 1);
+    }
+    EXPECT_TRUE(AwaitPicture(3));
+}
+
+TEST_F(Sheet, WithoutPicturesOffersNothingToCopy)
+{
+    card.AddFile(L"notes.txt", "no picture");
+    Show();
+    EXPECT_TRUE(AwaitText(IDC_STATUS, L"Pictures: 0."));
+    EXPECT_FALSE(::IsWindowEnabled(Item(IDC_COPY_ALL)));
+    EXPECT_TRUE(AwaitStarted(app, "pictures: 0\n"));
+}
+
+TEST_F(Sheet, ACardThatGoesMakesNoPictureUnreadable)
+{
+    AddPictures(100);
+    Show();
+    ASSERT_TRUE(AwaitText(IDC_STATUS, L"Pictures: 100."));
+    ASSERT_TRUE(AwaitPicture(0));
+    ASSERT_TRUE(TakeCardOut(L'E'));
+    EXPECT_EQ(list->Image(99), 0) << "not decoded yet: it is asked for now";
+    EXPECT_TRUE(AwaitText(IDC_STATUS, L"E: was removed. Pictures: 100."));
+    EXPECT_FALSE(::IsWindowEnabled(Item(IDC_COPY_ALL)));
+    EXPECT_GE(list->Image(0), kFirstPicture) << "what was decoded stays";
+    ::PostMessageW(window, WM_CLOSE, 0, 0);
+    EXPECT_EQ(viewer->ExitCode(), 0U);
+}
+
+TEST_F(Sheet, IsToldByWindowsThatItsDriveWasRemoved)
+{
+    AddPictures(1);
+    Show();
+    ASSERT_TRUE(AwaitText(IDC_STATUS, L"Pictures: 1."));
+    ASSERT_TRUE(SendVolumeMessage(window, DBT_DEVICEREMOVECOMPLETE, L'F', SMTO_NORMAL, 30'000));
+    EXPECT_TRUE(AwaitText(IDC_STATUS, L"Pictures: 1."));
+    ASSERT_TRUE(SendVolumeMessage(window, DBT_DEVICEREMOVECOMPLETE, L'E', SMTO_NORMAL, 30'000));
+    EXPECT_TRUE(AwaitText(IDC_STATUS, L"E: was removed. Pictures: 1."));
+}
+
+TEST_F(Sheet, FindsPicturesInEachFolderInTheOrderOfTheirNamesAndNoOthers)
+{
+    for (const char* const name : {"b/IMG_2.jpg", "b/IMG_10.JPEG", "a/deep/er/x.png", "y.tif", "z.TIFF",
+                                   "a.txt", "jpg", "movie.mp4"}) {
+        card.AddFile(name, jpeg);
+    }
+    Show();
+    ASSERT_TRUE(AwaitText(IDC_STATUS, L"Pictures: 5."));
+    EXPECT_TRUE(AwaitStarted(app,
+                             "picture: E:\\y.tif\npicture: E:\\z.TIFF\n"
+                             "picture: E:\\a\\deep\\er\\x.png\n"
+                             "picture: E:\\b\\IMG_2.jpg\npicture: E:\\b\\IMG_10.JPEG\npictures: 5\n"));
+}
+
+TEST_F(Sheet, HasNamesForAScreenReader)
+{
+    AddPictures(1);
+    Show();
+    ASSERT_TRUE(AwaitText(IDC_STATUS, L"Pictures: 1."));
+    EXPECT_EQ(::GetWindow(Item(IDC_PICTURES), GW_HWNDPREV), Item(IDC_STATUS));
+    EXPECT_EQ(::GetWindow(Item(IDC_FOLDER), GW_HWNDPREV), Item(IDC_FOLDER_LABEL));
+    EXPECT_EQ(TextOf(Item(IDC_FOLDER_LABEL)), L"Copy &to:");
+    EXPECT_EQ(::GetWindow(Item(IDC_PROGRESS), GW_HWNDPREV), Item(IDC_ACTION));
+}
+
+TEST_F(Sheet, FollowsTheUsersChoiceOfLightOrDark)
+{
+    const wchar_t* const key = L"Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize";
+    PutDword(HKEY_CURRENT_USER, key, L"AppsUseLightTheme", 0);
+    Show();
+    EXPECT_EQ(::SendMessageW(Item(IDC_PICTURES), LVM_GETBKCOLOR, 0, 0), RGB(0x2B, 0x2B, 0x2B));
+    EXPECT_EQ(::SendMessageW(Item(IDC_PICTURES), LVM_GETTEXTCOLOR, 0, 0), RGB(0xF2, 0xF2, 0xF2));
+    PutDword(HKEY_CURRENT_USER, key, L"AppsUseLightTheme", 1);
+    ::SendMessageW(window, WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(L"ImmersiveColorSet"));
+    EXPECT_EQ(static_cast<DWORD>(::SendMessageW(Item(IDC_PICTURES), LVM_GETBKCOLOR, 0, 0)),
+              ::GetSysColor(COLOR_WINDOW));
+}
+
+TEST_F(Sheet, IsTwiceAsLargeAtTwiceTheDotsToAnInch)
+{
+    PutDword(HKEY_CURRENT_USER, L"Control Panel\\Desktop", L"LogPixels", 192);
+    AddPictures(1);
+    Show();
+    PutDword(HKEY_CURRENT_USER, L"Control Panel\\Desktop", L"LogPixels", 96);
+    EXPECT_EQ(static_cast<DWORD>(::SendMessageW(Item(IDC_PICTURES), LVM_GETITEMSPACING, FALSE, 0)),
+              static_cast<DWORD>(MAKELONG(352, 320)));
+    EXPECT_TRUE(AwaitPicture(0));
+}
+
+} // namespace
+} // namespace kestraboot::tests
