@@ -37,7 +37,8 @@ for project in integrator samples; do
         -Dkestraboot_DIR="$unpacked/lib/cmake/kestraboot"
 done
 quietly cmake --build "$work/samples-build" --config Release
-for built in boot/Release/kestraboot.exe viewer/Release/viewer.exe mox_plugin/Release/sample_plugin.mox; do
+for built in boot/Release/kestraboot.exe viewer/Release/viewer.exe mox_plugin/Release/sample_plugin.mox \
+    installer/Release/boot_actions.dll; do
     [ -f "$work/samples-build/$built" ] || { echo "the samples gave no $built"; exit 1; }
 done
 
