@@ -142,12 +142,12 @@ order_failed_installation() {
 }
 order_failed_removal() {
     install b1.0 'B1.0 / B / B / - / B direct'
-    with_failure a1.0 failing 2650 'REMOVE="ALL"'
-    install failing 'A1.0 B1.0 / B / A / - / A select'
-    step "remove A1.0, fails in the middle" 'A1.0 B1.0 / B / A / - / A select' 91 /x "$(product_code failing)"
+    with_failure a1.0 failing 2650 'REMOVE="ALL" AND FAILS'
+    step "install A1.0" 'A1.0 B1.0 / B / A / - / A select' 0 /i "$(msi failing)"
+    # The card has made it B's boot program that starts at log-on.
+    step "remove A1.0, fails in the middle" 'A1.0 B1.0 / B / B / - / A select' 91 /x "$(msi failing)" FAILS=1
     remove b1.0 'A1.0 / A / A / - / A direct'
-    upgrade a1.1 'A1.1 / A / A / - / A direct'
-    remove a1.1 '- / - / - / - / -'
+    step "remove A1.0" '- / - / - / - / -' 0 /x "$(msi failing)"
 }
 # Wine's rollback takes away what the newer version shares with the older, and keeps no copy of it. Windows Installer does.
 order_failed_upgrade() {
@@ -163,7 +163,7 @@ order_in_use() {
     step "install A1.0" 'A1.0 / - / A / - / -' 0 /i "$(msi a1.0)" BOOTSTART=never # so that the other one has control
     cp "$folder/kestraboot.exe" "$folder/holder.exe"
     wine_in "$own" timeout 600 wine "$folder/holder.exe" </dev/null >/dev/null 2>&1 &
-    within 60 began_to_track || fail "the holder does not run"
+    within 60 held || fail "the holder does not run"
     step "upgrade to A1.1, kestraboot.dll in use" 'A? / - / A / - / -' 194 /i "$(msi a1.1)" BOOTSTART=always # 3010
     wine_run "$own" 60 taskkill /F /IM holder.exe >/dev/null
     rm "$folder/holder.exe"
@@ -172,7 +172,7 @@ order_in_use() {
     seen "restart" 'A1.1 / A / A / - / A direct'
     remove a1.1 '- / - / - / - / -'
 }
-began_to_track() { [ "$(starts)" -gt "$known_starts" ]; }
+held() { pgrep -f 'holder\.exe' | sed 's|.*|/proc/&/maps|' | xargs -r grep -qs "$programs/Corvane Sample Viewer/kestraboot.dll"; }
 
 rm -rf "$work"
 mkdir -p "$logs"
