@@ -51,11 +51,12 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/kestrabootConfigVersion.c
     COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/kestrabootConfigVersion.cmake DESTINATION ${package_folder})
 
-# ---- Samples: their sources, the reference host's among them, and two built ones
-install(DIRECTORY samples/ DESTINATION samples)
+# ---- Samples: their sources, the reference host's among them, and three built ones
+install(DIRECTORY samples/ DESTINATION samples
+    PATTERN *.sh PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 install(DIRECTORY boot DESTINATION samples)
 install(FILES scripts/wine.sh DESTINATION samples) # the guides run what they build with it
-install(TARGETS viewer sample_plugin
+install(TARGETS viewer sample_plugin boot_actions
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     LIBRARY DESTINATION ${CMAKE_INSTALL_BINDIR})
 

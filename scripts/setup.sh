@@ -24,6 +24,7 @@ all=(
     doxygen                                        # the reference of the exported interface
     git
     lld                                            # the second compiler's linker
+    msitools wixl                                  # make the sample installer
     openssl osslsigncode                           # sign what the test of signatures verifies
     python3-jsonschema                             # holds the tools' JSON against its schema
 )

@@ -58,7 +58,7 @@ def told_versions(files: dict[str, bytes], archive: pathlib.Path, top: str):
     yield "its folder", top.removeprefix("kestraboot-").removesuffix(kind)
     for name, data in files.items():
         base = pathlib.PurePath(name).name
-        if base in RUNTIME or base in {"viewer.exe", "sample_plugin.mox"}:  # samples have no version of their own
+        if base in RUNTIME or base in {"viewer.exe", "sample_plugin.mox", "boot_actions.dll"}:  # samples have no version of their own
             continue
         if name.startswith("bin/"):
             yield name, resource_version(data)

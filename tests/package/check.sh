@@ -38,7 +38,7 @@ for project in integrator samples; do
 done
 quietly cmake --build "$work/samples-build" --config Release
 for built in boot/Release/kestraboot.exe viewer/Release/viewer.exe mox_plugin/Release/sample_plugin.mox \
-    drop_folder_plugin/Release/drop_folder.mox; do
+    drop_folder_plugin/Release/drop_folder.mox installer/Release/boot_actions.dll; do
     [ -f "$work/samples-build/$built" ] || { echo "the samples gave no $built"; exit 1; }
 done
 
