@@ -32,6 +32,9 @@ scripts/checks/include_directions.py
 stage "Reference"
 scripts/checks/reference.py
 
+stage "Interface"
+scripts/checks/interface.py
+
 stage "A second opinion"
 scripts/checks/cppcheck.sh
 
