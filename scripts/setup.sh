@@ -23,6 +23,7 @@ all=(
     git
     lld                                            # the second compiler's linker
     openssl osslsigncode                           # sign what the test of signatures verifies
+    pkgconf                                        # asks the package's pkg-config file
     python3-jsonschema                             # holds the tools' JSON against its schema
 )
 

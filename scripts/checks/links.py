@@ -19,7 +19,7 @@ def anchors(page: pathlib.Path) -> set[str]:
 
 
 def main() -> int:
-    pages = sorted([*ROOT.glob("*.md"), *(ROOT / "docs").rglob("*.md")])
+    pages = sorted([*ROOT.glob("*.md"), *(ROOT / "docs").rglob("*.md"), *(ROOT / "samples").rglob("*.md")])
     wrong, count, reached = [], 0, set()
     for page in pages:
         name = page.relative_to(ROOT)
