@@ -1,6 +1,6 @@
 #include "bench/card.h"
 
-#include "tests/support/card_slot.h"
+#include "samples/simulators/cards/card_slot.h"
 
 #include <windows.h>
 #include <stdexcept>
@@ -28,12 +28,12 @@ Card::Card(wchar_t driveLetter, const std::string& unixFolder) : letter(driveLet
 
 Card::~Card()
 {
-    static_cast<void>(tests::TakeCardOut(letter));
+    static_cast<void>(simulators::TakeCardOut(letter));
 }
 
 void Card::Insert() const
 {
-    if (!tests::InsertCard(letter, folder)) {
+    if (!simulators::InsertCard(letter, folder)) {
         throw std::runtime_error("the mount manager refuses the card " + folder);
     }
     AwaitLetter(letter, true);
@@ -41,7 +41,7 @@ void Card::Insert() const
 
 void Card::TakeOut() const
 {
-    if (!tests::TakeCardOut(letter)) {
+    if (!simulators::TakeCardOut(letter)) {
         throw std::runtime_error("the mount manager keeps the card " + folder);
     }
     AwaitLetter(letter, false);

@@ -1,6 +1,7 @@
 #include "boot/usage.h"
 
 #include "boot/console.h"
+#include "kestraboot/build.h"
 #include "kestraboot/version.h"
 
 void AnswerUsage() noexcept
@@ -14,5 +15,5 @@ void AnswerUsage() noexcept
 
 void AnswerVersion() noexcept
 {
-    Answer(L"kestraboot " KESTRABOOT_VERSION_TEXT L"\n");
+    Answer(L"kestraboot " KESTRABOOT_VERSION_TEXT L"\n" KESTRABOOT_BUILD_TEXT);
 }

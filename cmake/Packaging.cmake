@@ -51,6 +51,16 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/kestrabootConfigVersion.c
     COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/kestrabootConfigVersion.cmake DESTINATION ${package_folder})
 
+# For whoever has no tool chain file yet, and for whoever does not use CMake.
+if(MINGW)
+    string(REPLACE "g++" "gcc" package_c_compiler ${KESTRABOOT_RUNTIME_FINDER})
+    string(REGEX REPLACE "-g\\+\\+.*$" "-windres" package_rc_compiler ${KESTRABOOT_RUNTIME_FINDER})
+    configure_file(cmake/toolchain.cmake.in ${KESTRABOOT_GENERATED}/toolchain.cmake @ONLY)
+    install(FILES ${KESTRABOOT_GENERATED}/toolchain.cmake DESTINATION ${package_folder})
+    configure_file(cmake/kestraboot.pc.in ${KESTRABOOT_GENERATED}/kestraboot.pc @ONLY)
+    install(FILES ${KESTRABOOT_GENERATED}/kestraboot.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endif()
+
 # ---- Samples: their sources, the reference host's among them, and three built ones
 install(DIRECTORY samples/ DESTINATION samples
     PATTERN *.sh PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
@@ -59,11 +69,21 @@ install(FILES scripts/wine.sh DESTINATION samples) # the guides run what they bu
 install(TARGETS viewer sample_plugin boot_actions
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     LIBRARY DESTINATION ${CMAKE_INSTALL_BINDIR})
+# What stands for devices, built and as sources, with the two headers of the library that it shares. Not in bin/: a
+# program that lies beside them loads sti.dll and twain_32.dll in the place of Windows' own.
+install(TARGETS ${KESTRABOOT_SIMULATORS}
+    RUNTIME DESTINATION samples/simulators/bin
+    LIBRARY DESTINATION samples/simulators/bin)
+install(FILES trackers/still_image/twain.h DESTINATION samples/simulators/trackers/still_image)
+install(FILES trackers/wia/wia_identifiers.h DESTINATION samples/simulators/trackers/wia)
 
 # ---- To read
 install(FILES README.md CONTRIBUTING.md SECURITY.md DESTINATION .)
 install(FILES CHANGELOG.md DESTINATION . OPTIONAL)
 install(DIRECTORY docs DESTINATION .)
+if(KESTRABOOT_REFERENCE)
+    install(DIRECTORY ${KESTRABOOT_REFERENCE} DESTINATION .)
+endif()
 install(FILES ${KESTRABOOT_VERSION_PAGE} DESTINATION .)
 # On what terms the runtime, and what is compiled into the tools, may be passed on. Debian keeps the texts with the
 # packages they come from.
@@ -85,6 +105,9 @@ if(MINGW)
 endif()
 kestraboot_install_terms(cli11.txt libcli11-dev)
 kestraboot_install_terms(nlohmann-json.txt nlohmann-json3-dev)
+if(KESTRABOOT_REFERENCE) # the scripts and pictures in it
+    kestraboot_install_terms(doxygen.txt doxygen)
+endif()
 
 # ---- Signatures and the list of what is delivered, once every file is in its place
 set(KESTRABOOT_SIGN_COMMAND "" CACHE STRING

@@ -65,7 +65,7 @@ for path in sorted(found for found in root.rglob("*") if found.is_file() and fou
     files.append({
         "SPDXID": identifier("File", inside),
         "fileName": f"./{inside}",
-        "fileTypes": ["BINARY" if inside.startswith(("bin/", "lib/lib")) else "TEXT"],
+        "fileTypes": ["BINARY" if inside.startswith(("bin/", "lib/lib", "samples/simulators/bin/")) else "TEXT"],
         "checksums": [{"algorithm": "SHA1", "checksumValue": sha1},
                       {"algorithm": "SHA256", "checksumValue": hashlib.sha256(content).hexdigest()}],
         "licenseConcluded": licence,

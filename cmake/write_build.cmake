@@ -29,10 +29,16 @@ file(CONFIGURE OUTPUT ${HEADER} @ONLY CONTENT [[
 #define KESTRABOOT_BUILD_COMPILER "@COMPILER@"
 /// The runtime that a host shares with the library.
 #define KESTRABOOT_BUILD_RUNTIME "@RUNTIME@"
+/// All of it, as every program answers it to `--version` below the line with its name.
+#define KESTRABOOT_BUILD_TEXT \
+    "commit " KESTRABOOT_BUILD_COMMIT "\n" \
+    "compiler " KESTRABOOT_BUILD_COMPILER "\n" \
+    "runtime " KESTRABOOT_BUILD_RUNTIME "\n"
 ]])
 file(CONFIGURE OUTPUT ${PAGE} @ONLY CONTENT [[
 kestraboot @PROJECT_VERSION@
 commit @commit@
-64-bit Windows; built with @COMPILER@ (@RUNTIME@)
+compiler @COMPILER@
+runtime @RUNTIME@
 ]])
 file(CONFIGURE OUTPUT ${DATE} CONTENT "${date}\n")

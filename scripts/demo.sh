@@ -16,6 +16,7 @@ cd "$(dirname "$0")/.."
 demo=$PWD/build/demo
 bin=$PWD/build/release/bin
 package=$demo/package
+simulators=$package/samples/simulators/bin
 prefix=$demo/wine
 
 scripts/setup.sh demo
@@ -24,7 +25,7 @@ title "Build"
 rm -rf "$demo"
 mkdir -p "$demo"
 cmake --preset release >"$demo/configure.log"
-cmake --build --preset release --target demo
+cmake --build --preset release --target product
 cmake --install build/release --prefix "$package" >/dev/null
 
 title "A Wine prefix of its own"

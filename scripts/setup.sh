@@ -26,6 +26,7 @@ all=(
     lld                                            # the second compiler's linker
     msitools wixl                                  # make the sample installer
     openssl osslsigncode                           # sign what the test of signatures verifies
+    pkgconf                                        # asks the package's pkg-config file
     python3-jsonschema                             # holds the tools' JSON against its schema
 )
 

@@ -39,6 +39,9 @@ scripts/test_index.py --check
 stage "Reference"
 scripts/checks/reference.py
 
+stage "Interface"
+scripts/checks/interface.py
+
 stage "A second opinion"
 scripts/checks/cppcheck.sh
 

@@ -73,3 +73,21 @@ wine_prefix_end() {
     wine_in "$1" timeout 30 wineserver -k >/dev/null 2>&1 </dev/null || true
     wine_in "$1" timeout 30 wineserver -w >/dev/null 2>&1 </dev/null || true
 }
+
+# wine_await SECONDS FILE TEXT [FILE ...]: until the file holds that text, or is there where the text is empty. If it
+# does not within that time, says so, shows what was written meanwhile, there and into the further files, and fails.
+wine_await() {
+    local seconds=$1 file=$2 text=$3 end=$((SECONDS + $1)) each
+    shift 3
+    until [ -e "$file" ] && { [ -z "$text" ] || grep -qaF -- "$text" "$file"; }; do
+        if [ $SECONDS -ge $end ]; then
+            echo "wine: not within $seconds s: \"$text\" in $file. Until now:" >&2
+            for each in "$file" "$@"; do
+                echo "== $each"
+                cat "$each" || true
+            done >&2
+            return 1
+        fi
+        sleep 0.1
+    done
+}

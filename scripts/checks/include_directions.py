@@ -20,7 +20,8 @@ MAY_INCLUDE = {
     "launcher": {"registry", "service", "legacy", "foundation", "include"},
     "boot": {"include"},
     "samples": {"include"},
-    "tools/common": set(),
+    "samples/simulators": {"include", "trackers/wia", "trackers/still_image"},
+    "tools/common": {"include"},
     "tools/ctl": {"tools/common", "include"},
     "tools/trace": {"tools/trace/channel", "tools/trace/arrivals", "tools/trace/recording", "tools/trace/lines",
                     "tools/common"},
@@ -30,7 +31,7 @@ MAY_INCLUDE = {
     "tools/trace/lines": {"tools/common"},
 }
 # Rooms whose folders are copied out one by one: there a file includes its neighbours by their bare names.
-STAND_ALONE = {"samples"}
+STAND_ALONE = {"samples", "samples/simulators"}
 STARTS_TRACKERS = "service/service_start.cpp"
 # What trackers may know of the service.
 SERVICE_FOR_TRACKERS = {"dispatch", "device_kind", "media_sniffer", "volume_file_system", "windows_version"}

@@ -22,12 +22,14 @@ def version_of(header: str) -> str:
     )
 
 
-def listed(listing: pathlib.Path, sources: pathlib.Path, config: str) -> set[str]:
+def listed(listing: pathlib.Path, sources: pathlib.Path, config: str, files: dict[str, bytes]) -> set[str]:
     names = set()
     for line in listing.read_text().splitlines():
         if line.startswith("= "):
             folder = line[2:]
             names |= {f.relative_to(sources).as_posix() for f in (sources / folder).rglob("*") if f.is_file()}
+        elif line.startswith("+ "):
+            names |= {line[2:], *(name for name in files if name.startswith(line[2:].rpartition("/")[0] + "/"))}
         elif line and line[0] != "#":
             names.add(line.replace("%config%", config.lower()))
     if (sources / "CHANGELOG.md").is_file():
@@ -67,6 +69,8 @@ def told_versions(files: dict[str, bytes], archive: pathlib.Path, top: str):
     for name, pattern in (
         ("lib/cmake/kestraboot/kestrabootConfigVersion.cmake", r'set\(PACKAGE_VERSION "([^"]*)"'),
         ("lib/cmake/kestraboot/kestrabootConfig.cmake", r"^# kestraboot (\S+):"),
+        ("lib/pkgconfig/kestraboot.pc", r"^Version: (\S+)$"),
+        ("reference/index.html", r'id="projectnumber">&#160;([^<]+)<'),
     ):
         if name in text:
             found = re.search(pattern, text[name], re.MULTILINE)
@@ -90,7 +94,7 @@ def main() -> int:
     top = min(tops)
     wrong = [f"not one folder at the top: {sorted(tops)}"] if len(tops) != 1 else []
 
-    expected = listed(listing, sources, config) | further
+    expected = listed(listing, sources, config, files) | further
     wrong += [f"missing: {name}" for name in sorted(expected - files.keys())]
     wrong += [f"not listed: {name}" for name in sorted(files.keys() - expected)]
 

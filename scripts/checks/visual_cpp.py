@@ -130,6 +130,8 @@ def read_in_dialect(gxx: str, work: pathlib.Path) -> list[str]:
     compiler = Compiler(MICROSOFT, gxx, work)
     (work / "kestraboot").mkdir()
     (work / "kestraboot" / "c_runtime.h").write_text("#define KESTRABOOT_FOR_UCRT 0\n")
+    (work / "kestraboot" / "build.h").write_text("".join(
+        f'#define KESTRABOOT_BUILD_{name} ""\n' for name in ("COMMIT", "COMPILER", "RUNTIME", "TEXT")))
     sources = sorted(file for room in ROOMS for file in (ROOT / room).rglob("*.cpp"))
     folders = sorted({file.parent for file in sources})
     # The headers of Windows and of the standard library, read once: they take most of the time.
@@ -145,6 +147,8 @@ def read_in_dialect(gxx: str, work: pathlib.Path) -> list[str]:
         one = work / (str(folder.relative_to(ROOT)).replace("/", "_") + ".cpp")
         one.write_text("".join(f'#line 1 "{file}"\n{file.read_text()}' for file in sources if file.parent == folder))
         kind = ["-I", work] if folder.relative_to(ROOT).parts[0] in HOSTS else ["-DKESTRABOOT_BUILDING_LIBRARY"]
+        if folder.is_relative_to(ROOT / "samples" / "simulators"):
+            kind.append("-DCOM_STDMETHOD_CAN_THROW")  # as in its CMakeLists.txt
         return compiler.run("-fsyntax-only", "-include-pch", work / "all.pch", *kind, "-iquote", folder, one)[1]
 
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:

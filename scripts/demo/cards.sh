@@ -15,8 +15,8 @@ make_cards() {
     make_picture "$demo/cards/deep/BACKUP/2026/IMG_0002.JPG"
 }
 
-insert_card() { in_wine 30 "$bin/card_reader.exe" insert E "$demo/cards/$1"; }
-remove_card() { in_wine 30 "$bin/card_reader.exe" remove E; }
+insert_card() { in_wine 30 "$simulators/card_reader.exe" insert E "$demo/cards/$1"; }
+remove_card() { in_wine 30 "$simulators/card_reader.exe" remove E; }
 
 take_card_out() {
     step "The card is taken out"

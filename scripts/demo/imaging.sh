@@ -7,7 +7,7 @@ wia_scanner="$class\\0003"
 
 # Still imaging and the TWAIN source manager of this act, beside the boot program: no device yet, one TWAIN source.
 install_still_imaging() {
-    cp "$bin/imaging/sti.dll" "$bin/imaging/twain_32.dll" "$first/"
+    cp "$simulators/sti.dll" "$simulators/twain_32.dll" "$first/"
     : >"$first/sti_devices.txt"
     echo 'source Corvane Flatbed' >"$first/twain_sources.txt"
     in_wine 30 reg add "HKLM\\SYSTEM\\CurrentControlSet\\Control\\Class\\$twain_scanner\\DeviceData" \
@@ -17,7 +17,7 @@ install_still_imaging() {
 # A WIA service of the prefix's own, in a process of its own.
 install_wia_service() {
     mkdir -p "$demo/wia"
-    cp "$bin"/wia_service.exe "$bin"/wia_device_list.dll "$bin"/wia_connect.exe "$package"/bin/lib*.dll "$demo/wia/"
+    cp "$simulators"/wia_* "$demo/wia/"
     : >"$demo/wia/wia_devices.txt"
     in_wine 60 "$demo/wia/wia_service.exe" register
 }
@@ -46,7 +46,7 @@ act_imaging() {
 
     step "A scanner with a TWAIN source is plugged in; its device node changes"
     echo "scanner $twain_scanner" >"$first/sti_devices.txt"
-    in_wine 30 "$bin/device_change.exe"
+    in_wine 30 "$simulators/device_change.exe"
     expect_line "TWAIN scanner: noticed" '<***DeviceConnect***><StiTracker><TWAIN DEVICE><S|"Corvane Flatbed">' 30
     expect_line "TWAIN scanner: application started" "$start devType=scanner priDevId=\"Corvane Flatbed\"" 30
     expect_report "the application was started for it" viewer 'device: scanner Corvane Flatbed' 30

@@ -10,13 +10,13 @@ act_phone() {
 
     step "The phone manager is installed; the plugin host looks for it once a minute"
     mkdir -p "$first/moxplugins"
-    cp "$bin/nokiamanager.mox" "$first/moxplugins/"
+    cp "$simulators/nokiamanager.mox" "$first/moxplugins/"
     expect_line "it is found, and listens" '<***DeviceConnect***><Phones><Devices will be detected.>' 90
 
     step "A phone arrives that is not ready yet"
-    in_wine 60 "$bin/phone.exe" not-ready "Phone 1"
+    in_wine 60 "$simulators/phone.exe" not-ready "Phone 1"
     step "It becomes ready"
-    in_wine 60 "$bin/phone.exe" ready "Phone 1"
+    in_wine 60 "$simulators/phone.exe" ready "Phone 1"
     expect_line "a phone that is ready is reported" "$start" 30
     expect "and was reported only then" 1 "$(trace_text <"$demo/trace.log" | grep -cxF -- "$start")"
     expect_report "the application was started for it" viewer 'device: mobile Phone 1' 30

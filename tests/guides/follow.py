@@ -1,18 +1,17 @@
 #!/usr/bin/env python3
-"""Follows a guide word for word: writes the files that it shows, runs its commands in order in a fresh folder, and
-looks for the output that it shows.
+"""Follows a guide word for word, in a folder that is empty but for the archive: writes the files that it shows, runs
+its commands in order, and looks for the output that it shows.
 
     ```cpp file=NAME      a file
     ```sh                 commands; all blocks are one script, which stops at the first failure
-    ```sh sources         the same; only such blocks use the sources ($SRC, $BUILD), the others the package
     ```sh prefix          the same, but that a Wine prefix is not made: it is a copy of the tests' own
     ```text output        lines that the commands before print, in this order
     any other block       for the reader alone
 
-The guides name the compiler of the archive for msvcrt. KESTRABOOT_COMPILER in the environment takes its place.
+The guides name the archive for msvcrt and its compiler. The archive that is given, and KESTRABOOT_COMPILER in the
+environment, take their places.
 
-usage: follow.py GUIDE SOURCES BUILD PRISTINE-PREFIX SECONDS [PACKAGE]
-With an unpacked package it lies at ~/kestraboot, and the blocks that need the sources are left out.
+usage: follow.py GUIDE PACKED WORK PRISTINE-PREFIX SECONDS     PACKED: the folder with the archive
 """
 import os
 import pathlib
@@ -24,10 +23,13 @@ import sys
 
 BLOCK = re.compile(r"^```(\w+)([^\n]*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 COMPILER = "x86_64-w64-mingw32-g++-posix"
+ARCHIVE = re.compile(r"kestraboot-\d+\.\d+\.\d+-win64")
 ENDED = "== end of block"
+# A wait without an end: of wine.sh, wine_await has one.
+ENDLESS = re.compile(r"^\s*(until|while)\b", re.MULTILINE)
 
 
-def script_of(guide: str, home: pathlib.Path, pristine: pathlib.Path, has_sources: bool) -> tuple[str, list[tuple[int, str]]]:
+def script_of(guide: str, home: pathlib.Path, pristine: pathlib.Path) -> tuple[str, list[tuple[int, str]]]:
     """The commands, and (number of the block of commands, output that it shows)."""
     script, shown, block = ["set -euo pipefail"], [], -1
     for language, rest, text in BLOCK.findall(guide):
@@ -38,10 +40,8 @@ def script_of(guide: str, home: pathlib.Path, pristine: pathlib.Path, has_source
             file.write_text(text, encoding="utf-8")
         elif language == "sh":
             block += 1
-            if "sources" not in words and re.search(r"\$(SRC|BUILD)\b", text):
-                sys.exit(f"block {block + 1} of commands needs the sources, and does not say so:\n{text}")
-            if "sources" in words and not has_sources:
-                text = ""
+            if ENDLESS.search(text):
+                sys.exit(f"block {block + 1} of commands may wait for ever:\n{text}")
             if "prefix" in words:
                 text = re.sub(r"^wine_prefix_make", f'wine_prefix_copy "{pristine}"', text, flags=re.MULTILINE)
             script.append(f"{text}\necho '{ENDED}'")
@@ -56,20 +56,17 @@ def missing_line(output: str, shown: str) -> str | None:
 
 
 def main() -> int:
-    guide, sources, build, pristine = (pathlib.Path(each).resolve() for each in sys.argv[1:5])
-    package = pathlib.Path(sys.argv[6]).resolve() if sys.argv[6:] else None
-    home = build / "guides" / (guide.stem + ("-from-the-package" if package else ""))
+    guide, packed, work, pristine = (pathlib.Path(each).resolve() for each in sys.argv[1:5])
+    archive = next(each for each in packed.glob("*.zip") if not each.stem.endswith("-symbols"))
+    home = work / "guides" / (guide.parent.name if guide.stem == "README" else guide.stem)
     shutil.rmtree(home, ignore_errors=True)
     home.mkdir(parents=True)
+    (home / archive.name).symlink_to(archive)
     text = guide.read_text(encoding="utf-8").replace(COMPILER, os.environ.get("KESTRABOOT_COMPILER", COMPILER))
-    script, shown = script_of(text, home, pristine, package is None)
+    script, shown = script_of(ARCHIVE.sub(archive.stem, text), home, pristine)
     (home / "guide.sh").write_text(script, encoding="utf-8")
 
     environment = os.environ | {"HOME": str(home), "CXXFLAGS": "-Wall -Wextra -Wpedantic -Werror"}
-    if package:
-        shutil.copytree(package, home / "kestraboot")
-    else:
-        environment |= {"SRC": str(sources), "BUILD": str(build)}
     # Into a file: what Wine starts on the way inherits the output and would keep a pipe open.
     with (home / "guide.out").open("wb") as out:
         running = subprocess.Popen(["bash", "guide.sh"], cwd=home, env=environment, stdin=subprocess.DEVNULL,
@@ -85,7 +82,8 @@ def main() -> int:
                 os.killpg(running.pid, signal.SIGKILL)
             except ProcessLookupError:
                 pass
-    shutil.rmtree(home / "kestraboot-wine", ignore_errors=True)
+    for made in ("kestraboot-wine", "kestraboot"):
+        shutil.rmtree(home / made, ignore_errors=True)
 
     output = (home / "guide.out").read_text(encoding="utf-8", errors="replace")
     outputs = output.split(ENDED)

@@ -61,6 +61,20 @@ touch copy/old
 wine_prefix_copy fresh copy || fail "no second copy"
 [ ! -e copy/old ] && [ -e copy/system.reg ] || fail "the second copy is not fresh"
 
+# ---- A wait has an end, and then shows what there is
+echo 'it began' >written
+wine_await 1 written began || fail "what is written is not seen"
+wine_await 1 written '' || fail "a file that is there is not seen"
+{ sleep 0.5; echo 'it ended' >>written; } &
+wine_await 30 written ended || fail "what is written meanwhile is not seen"
+echo 'nobody came' >other
+for awaited in 'written never' 'missing never' 'missing'; do
+    status=0
+    wine_await 1 ${awaited% *} "${awaited#* }" other 2>said || status=$?
+    [ $status = 1 ] || fail "waiting for $awaited ends with $status"
+    grep -q 'not within 1 s' said && grep -q 'nobody came' said || fail "it does not show what was written"
+done
+
 # ---- The tests' prefix that was made before there was a mark
 mkdir -p old.pristine old
 touch old.pristine/system.reg old/left

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Packs a build, unpacks the archive, and lets a maker who has nothing else build and run a host, an application and
-# a plugin: a card and a camera arrive, and the application is started for each.
+# Unpacks the archive that pack.sh made, and lets a maker who has nothing else build and run a host, an application
+# and a plugin: a card and a camera arrive, and the application is started for each. The host of the second round was
+# built without CMake, with the flags of pkg-config.
 #   check.sh BUILD-FOLDER SOURCE-FOLDER WINE-PREFIX [TOOL ...]
 set -euo pipefail
 build=$1 source=$2 prefix=$3
@@ -8,14 +9,13 @@ shift 3
 . "$source/scripts/wine.sh"
 
 work=$build/package-check
-rm -rf "$work"
-mkdir -p "$work"
+packed=$work/packed
+find "$work" -mindepth 1 -maxdepth 1 ! -path "$packed" -exec rm -rf {} +
 log=$work/log
 quietly() { "$@" >"$log" 2>&1 </dev/null || { cat "$log"; echo "failed: $*"; exit 1; }; }
 
 # ---- The archive
-quietly cpack --config "$build/CPackConfig.cmake" -B "$work/packed"
-mapfile -t archives < <(find "$work/packed" -maxdepth 1 -name '*.zip' ! -name '*-symbols.zip')
+mapfile -t archives < <(find "$packed" -maxdepth 1 -name '*.zip' ! -name '*-symbols.zip')
 config=$(sed -n 's/^CMAKE_BUILD_TYPE:STRING=//p' "$build/CMakeCache.txt")
 "$source/scripts/checks/package.py" "${archives[0]}" "$source/tests/package/listing.txt" "$source" "$build" \
     "$config" "$@"
@@ -24,26 +24,32 @@ unpacked=$work/$(basename "${archives[0]}" .zip)
 "$source/scripts/checks/links.py" "$unpacked"
 "$source/scripts/checks/bill_of_materials.py" "$unpacked"
 
-# The maker's own toolchain, for the C runtime of the archive.
-toolchain=mingw
-! grep -q 'KESTRABOOT_FOR_UCRT 1' "$unpacked/include/kestraboot/c_runtime.h" || toolchain=ucrt
+# Every program says which build it is, as VERSION.txt does.
+version=$(sed '1s/^kestraboot //' "$unpacked/VERSION.txt")
+simulators=$unpacked/samples/simulators/bin
 
 # ---- The maker's project, in both build types, and the samples, from the archive alone
 cp -r "$source/tests/package/integrator" "$work/integrator"
 cp -r "$unpacked/samples" "$work/samples"
 for project in integrator samples; do
     quietly cmake -S "$work/$project" -B "$work/$project-build" -G "Ninja Multi-Config" \
-        -DCMAKE_CONFIGURATION_TYPES="Debug;Release" -DCMAKE_TOOLCHAIN_FILE="$work/integrator/$toolchain.cmake" \
-        -Dkestraboot_DIR="$unpacked/lib/cmake/kestraboot"
+        -DCMAKE_CONFIGURATION_TYPES="Debug;Release" \
+        -DCMAKE_TOOLCHAIN_FILE="$unpacked/lib/cmake/kestraboot/toolchain.cmake"
 done
 quietly cmake --build "$work/samples-build" --config Release
 for built in boot/Release/kestraboot.exe viewer/Release/viewer.exe mox_plugin/Release/sample_plugin.mox \
-    drop_folder_plugin/Release/drop_folder.mox installer/Release/boot_actions.dll; do
+    drop_folder_plugin/Release/drop_folder.mox installer/Release/boot_actions.dll \
+    simulators/Release/{card_reader,device_change,phone,wia_connect,wia_service}.exe \
+    simulators/Release/{nokiamanager.mox,sti.dll,twain_32.dll,wia_device_list.dll}; do
     [ -f "$work/samples-build/$built" ] || { echo "the samples gave no $built"; exit 1; }
 done
 
-# ---- A guide, followed with nothing else
-quietly "$source/tests/guides/follow.py" "$unpacked/docs/device-plugin.md" "$source" "$work" "$prefix.pristine" 120 "$unpacked"
+# ---- The same host without CMake
+compiler=$(sed -n 's/^set(CMAKE_CXX_COMPILER \(.*\))$/\1/p' "$unpacked/lib/cmake/kestraboot/toolchain.cmake")
+export PKG_CONFIG_LIBDIR=$unpacked/lib/pkgconfig
+quietly pkg-config --print-errors --exact-version="${version%%$'\n'*}" kestraboot
+read -ra flags < <(pkg-config --cflags --libs kestraboot)
+quietly "$compiler" -std=c++17 "$work/integrator/host.cpp" "${flags[@]}" -o "$work/host.exe"
 
 # ---- Run where nothing else is
 own=$work/wine
@@ -55,6 +61,11 @@ wine_prefix_start "$own"
 status=0
 wine_run "$own" 60 "$unpacked/bin/kestraboot.exe" /install || status=$?
 [ $status = 2 ] || { echo "kestraboot.exe /install answered $status"; exit 1; }
+for program in "$unpacked"/bin/kestra*.exe "$simulators"/*.exe; do
+    name=$(basename "$program" .exe)
+    said=$(wine_run "$own" 60 "$program" --version | tr -d '\r')
+    [ "$said" = "$name $version" ] || { echo "$program --version answered: $said"; exit 1; }
+done
 
 card=$work/card
 mkdir -p "$card/DCIM/100TEST"
@@ -69,6 +80,7 @@ for type in Debug Release; do
     quietly cmake --build "$work/integrator-build" --config $type
     quietly cmake --install "$work/integrator-build" --config $type --prefix "$work/$type"
     installed=$work/$type
+    [ $type = Debug ] || cp "$work/host.exe" "$installed/"
     # The plugins of other makers are loaded once the phone manager is there; the sample takes its place.
     cp "$work/samples-build/mox_plugin/Release/sample_plugin.mox" "$installed/moxplugins/nokiamanager.mox"
     windows=Z:${installed//\//\\\\}
@@ -94,13 +106,13 @@ REG
     within 60 says "$said" waiting || { echo "the host did not start:"; cat "$said"; exit 1; }
     # What is in the reader when the tracker starts is known to it: a card that went in too early goes in again.
     for try in 1 2 3 4 5; do
-        wine_run "$own" 60 "$build/bin/card_reader.exe" insert E "$card"
+        wine_run "$own" 60 "$simulators/card_reader.exe" insert E "$card"
         within 10 says "$said" "arrived: volume E:" && break
-        wine_run "$own" 60 "$build/bin/card_reader.exe" remove E
+        wine_run "$own" 60 "$simulators/card_reader.exe" remove E
     done
     status=0
     wait $host || status=$?
-    wine_run "$own" 60 "$build/bin/card_reader.exe" remove E
+    wine_run "$own" 60 "$simulators/card_reader.exe" remove E
     echo "$type:"
     sed 's/^/    the host: /' "$said"
     [ $status = 0 ] || { echo "the host ended with $status"; exit 1; }

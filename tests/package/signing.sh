@@ -33,7 +33,7 @@ main=$(find "$work/packed" -maxdepth 1 -name '*.zip' ! -name '*-symbols.zip')
 unpacked=$work/$(basename "$main" .zip)
 verify_binary() { osslsigncode verify -CAfile "$work/certificate.pem" -TSA-CAfile "$work/certificate.pem" -in "$1" 2>&1; }
 signed=0 left=0
-for binary in "$unpacked"/bin/*; do
+for binary in "$unpacked"/bin/* "$unpacked"/samples/simulators/bin/*; do
     case $(basename "$binary") in
     lib*) # the runtime's, which is not ours to sign
         ! verify_binary "$binary" >"$work/log" && grep -q "No signature found" "$work/log" || fail "$binary is signed"

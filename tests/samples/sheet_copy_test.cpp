@@ -1,7 +1,7 @@
 // Copying from the contact sheet: all, some, cancelled, and with the card or the program gone in the
 // middle.
+#include "samples/simulators/cards/card_slot.h"
 #include "tests/samples/sheet_windows.h"
-#include "tests/support/card_slot.h"
 
 #include <gmock/gmock.h>
 

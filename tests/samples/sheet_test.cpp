@@ -1,8 +1,8 @@
 // The contact sheet, asked by the messages of its standard controls.
+#include "samples/simulators/cards/card_slot.h"
+#include "samples/simulators/cards/volume_message.h"
 #include "tests/samples/sheet_windows.h"
-#include "tests/support/card_slot.h"
 #include "tests/support/registry_sandbox.h"
-#include "tests/support/volume_message.h"
 
 #include <dbt.h>
 

@@ -1,6 +1,6 @@
 #include "tests/samples/sheet_windows.h"
 
-#include "tests/support/card_slot.h"
+#include "samples/simulators/cards/card_slot.h"
 #include "tests/support/unix_path.h"
 
 namespace kestraboot::tests

@@ -10,12 +10,12 @@ namespace kestraboot::tests
 
 StandInFolder::StandInFolder()
 {
-    ::SetEnvironmentVariableW(L"KESTRABOOT_STAND_INS", folder.Path().wstring().c_str());
+    ::SetEnvironmentVariableW(L"KESTRABOOT_SIMULATORS", folder.Path().wstring().c_str());
 }
 
 StandInFolder::~StandInFolder()
 {
-    ::SetEnvironmentVariableW(L"KESTRABOOT_STAND_INS", nullptr);
+    ::SetEnvironmentVariableW(L"KESTRABOOT_SIMULATORS", nullptr);
 }
 
 void StandInFolder::Write(const char* file, const std::vector<std::string>& lines) const

@@ -1,8 +1,8 @@
 // The road from a card in a reader to a started application, with real drives.
-#include "tests/support/card_slot.h"
+#include "samples/simulators/cards/card_slot.h"
+#include "samples/simulators/cards/volume_message.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/unix_path.h"
-#include "tests/support/volume_message.h"
 #include "tests/system/system_test.h"
 
 #include <dbt.h>
@@ -20,7 +20,7 @@ const std::string kTracker = "<***DeviceConnect***><VolumeTracker>";
 class Card : public SystemTest
 {
 protected:
-    ~Card() override { static_cast<void>(TakeCardOut(L'E')); }
+    ~Card() override { static_cast<void>(simulators::TakeCardOut(L'E')); }
 
     void Start()
     {
@@ -43,8 +43,8 @@ protected:
     /// Puts the card in and tells the tracker's window, as Windows would.
     void Insert()
     {
-        ASSERT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
-        ASSERT_TRUE(SendVolumeMessage(window, DBT_DEVICEARRIVAL, L'E', SMTO_NORMAL, 30'000));
+        ASSERT_TRUE(simulators::InsertCard(L'E', UnixPath(card.Path())));
+        ASSERT_TRUE(simulators::SendVolumeMessage(window, DBT_DEVICEARRIVAL, L'E', SMTO_NORMAL, 30'000));
     }
 
     std::string StartLine() const
@@ -92,11 +92,11 @@ TEST_F(Card, IsFoundByPollingWhereNothingIsTold)
     ASSERT_TRUE(trace.Await(kTracker + "<Entering in polling mode.>"));
     card.AddFile(L"IMG_0001.JPG", "picture");
     for (int round = 1; round <= 3; ++round) {
-        ASSERT_TRUE(TakeCardOut(L'E'));
+        ASSERT_TRUE(simulators::TakeCardOut(L'E'));
         ASSERT_TRUE(trace.Await(kTracker + "<Exiting from polling mode.>"));
         ::SendMessageW(window, WM_NULL, 0, 0);
         trace.Clear();
-        ASSERT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
+        ASSERT_TRUE(simulators::InsertCard(L'E', UnixPath(card.Path())));
         ::PostMessageW(window, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0);
         ASSERT_TRUE(trace.Await(StartLine())) << round;
         EXPECT_EQ(trace.Count(StartLine()), 1);
@@ -108,7 +108,7 @@ TEST_F(Card, IsFoundByPollingWhereNothingIsTold)
 TEST_F(Card, ThatIsThereAtTheStartIsNotReportedAndTheWindowAnswersWhilePolling)
 {
     card.AddFile(L"IMG_0001.JPG", "picture");
-    ASSERT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
+    ASSERT_TRUE(simulators::InsertCard(L'E', UnixPath(card.Path())));
     Start();
     ASSERT_TRUE(trace.Await(kTracker + "<Entering in polling mode.>"));
     for (int i = 0; i < 20; ++i) {
@@ -151,9 +151,10 @@ TEST_F(Card, WithNoApplicationLeftStartsTheLegacyOrganisersProgramAndEndsTheProc
     Start();
     ASSERT_TRUE(AwaitOrders(organiser, {"-d"}));
     app.Unregister();
-    ASSERT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
+    ASSERT_TRUE(simulators::InsertCard(L'E', UnixPath(card.Path())));
     // The process may end before its window answers.
-    static_cast<void>(SendVolumeMessage(window, DBT_DEVICEARRIVAL, L'E', SMTO_NORMAL, 30'000));
+    static_cast<void>(
+        simulators::SendVolumeMessage(window, DBT_DEVICEARRIVAL, L'E', SMTO_NORMAL, 30'000));
     EXPECT_EQ(boot->ExitCode(), kDone);
     EXPECT_TRUE(AwaitOrders(organiser, {"-d", "-i"}));
     EXPECT_EQ(app.Report(), "");

@@ -43,7 +43,7 @@ protected:
 TEST_F(AtAPrompt, AShortRunSaysOnTheWindowWhatItHasToSay)
 {
     EXPECT_EQ(Says(L"--help", kDone), "\n" + kUsageText);
-    EXPECT_EQ(Says(L"--version", kDone), "\n" + kVersionText);
+    EXPECT_EQ(Says(L"--version", kDone), "\n" + VersionText());
     EXPECT_EQ(Says(L"/install", kUsage), "\n" + kUsageText);
     EXPECT_EQ(Says(L"-default Nobody yes", kUnknownApplication),
               "\n !!! Invalid first argument value."
@@ -56,7 +56,7 @@ TEST_F(AtAPrompt, AShortRunSaysOnTheWindowWhatItHasToSay)
 
 TEST_F(AtAPrompt, AShortRunThatIsGivenTheWindowsHandleSaysItThereToo)
 {
-    EXPECT_EQ(Says(L"--version", kDone, WritesOn::ConsoleHandle), "\n" + kVersionText);
+    EXPECT_EQ(Says(L"--version", kDone, WritesOn::ConsoleHandle), "\n" + VersionText());
     EXPECT_EQ(Says(L"-default App maybe", kUsage, WritesOn::ConsoleHandle),
               "\n !!! Invalid second argument value.");
 }

@@ -112,7 +112,7 @@ TEST_F(Control, IsNotTakenByAQuestion)
     }
     ChildProcess boot(app.Proxy(), L"--version");
     EXPECT_EQ(boot.ExitCode(), kDone);
-    EXPECT_EQ(boot.Output(), kVersionText);
+    EXPECT_EQ(boot.Output(), VersionText());
     EXPECT_EQ(AutoRunEntry(), L"(none)");
 }
 

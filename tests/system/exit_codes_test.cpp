@@ -1,6 +1,6 @@
 // The exit codes of kestraboot.exe, each seen in a real process; README's table is what comes out of
 // here.
-#include "tests/support/card_slot.h"
+#include "samples/simulators/cards/card_slot.h"
 #include "tests/support/source_file.h"
 #include "tests/support/unix_path.h"
 #include "tests/system/faults.h"
@@ -23,7 +23,7 @@ class ExitCodes : public SystemTest
 protected:
     void Row(const std::string& situation, DWORD code) { rows.emplace_back(code, situation); }
 
-    ~ExitCodes() override { static_cast<void>(TakeCardOut(L'E')); }
+    ~ExitCodes() override { static_cast<void>(simulators::TakeCardOut(L'E')); }
 
     DWORD ServeUntilACardArrives()
     {
@@ -40,7 +40,7 @@ protected:
             EXPECT_TRUE(trace.Await(line)) << line;
         }
         app.Unregister();
-        EXPECT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
+        EXPECT_TRUE(simulators::InsertCard(L'E', UnixPath(card.Path())));
         ::PostMessageW(window, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0);
         return boot.ExitCode();
     }

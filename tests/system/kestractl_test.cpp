@@ -1,9 +1,9 @@
 // What kestractl shows of real installations, and that it changes nothing on the machine.
-#include "tests/support/card_slot.h"
+#include "samples/simulators/cards/card_slot.h"
+#include "samples/simulators/cards/volume_message.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/source_file.h"
 #include "tests/support/unix_path.h"
-#include "tests/support/volume_message.h"
 #include "tests/system/registry_dump.h"
 #include "tests/system/system_test.h"
 #include "tests/tools/json_schema.h"
@@ -168,7 +168,7 @@ protected:
     {
         PutDword(HKEY_LOCAL_MACHINE, photos.KeyPath() + L"\\Preferences", L"DefaultFlag", 1);
     }
-    ~MachineDefault() override { static_cast<void>(TakeCardOut(L'E')); }
+    ~MachineDefault() override { static_cast<void>(simulators::TakeCardOut(L'E')); }
 
     Installation bilder{L"Bilder"};
     Installation photos{L"Photos"};
@@ -204,8 +204,8 @@ TEST_F(MachineDefault, IsToldAsTheLibraryThenTreatsIt)
     ChildProcess boot(bilder.Proxy());
     const HWND window = AwaitWindow(boot.Id(), kVolumeWindow);
     ASSERT_NE(window, nullptr);
-    ASSERT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
-    ASSERT_TRUE(SendVolumeMessage(window, DBT_DEVICEARRIVAL, L'E', SMTO_NORMAL, 30'000));
+    ASSERT_TRUE(simulators::InsertCard(L'E', UnixPath(card.Path())));
+    ASSERT_TRUE(simulators::SendVolumeMessage(window, DBT_DEVICEARRIVAL, L'E', SMTO_NORMAL, 30'000));
     EXPECT_TRUE(trace.Await("\"" + bilder.Application().string() +
                             "\" module=kestrafetch params mode=select devType=volume priDevId=\"E:\""));
 }
@@ -302,6 +302,21 @@ TEST_F(Kestractl, RefusesBadArguments)
                                              HasSubstr("usage: kestractl [--json]")));
     }
     EXPECT_THAT(Run(L"--help"), StartsWith("usage: kestractl "));
+}
+
+TEST_F(Kestractl, SaysWhichBuildItIs)
+{
+    const std::string version = VersionText("kestractl");
+    EXPECT_EQ(Run(L"--version"), version);
+    const std::pair<const wchar_t*, DWORD> runs[] = {{L"--json", 0}, {L"--check --json", 4}};
+    for (const auto& [arguments, exitCode] : runs) {
+        const nlohmann::json build = nlohmann::json::parse(Run(arguments, exitCode))["build"];
+        EXPECT_EQ("kestractl " + build["version"].get<std::string>() + "\ncommit " +
+                      build["commit"].get<std::string>() + "\ncompiler " +
+                      build["compiler"].get<std::string>() + "\nruntime " +
+                      build["runtime"].get<std::string>() + "\n",
+                  version);
+    }
 }
 
 TEST_F(Kestractl, ChangesNothingWhereItsOutputCannotBeWritten)

@@ -1,8 +1,8 @@
 // What the end of the process does to a plugin. It is never asked; its static objects are destroyed
 // where the process exits, and are not where it is terminated, as at log-off.
-#include "tests/support/card_slot.h"
+#include "samples/simulators/cards/card_slot.h"
+#include "samples/simulators/cards/volume_message.h"
 #include "tests/support/unix_path.h"
-#include "tests/support/volume_message.h"
 #include "tests/system/drop_folder.h"
 #include "tests/system/plugin_test.h"
 
@@ -17,7 +17,7 @@ class PluginAtTheEnd : public PluginTest
 {
 protected:
     PluginAtTheEnd() { SetWindowsVersion(L"kestraboot.exe", L"vista"); }
-    ~PluginAtTheEnd() override { static_cast<void>(TakeCardOut(L'E')); }
+    ~PluginAtTheEnd() override { static_cast<void>(simulators::TakeCardOut(L'E')); }
 
     /// Tells every program of this session that it ends, as Windows does. Answers how the boot program
     /// ended.
@@ -37,9 +37,10 @@ protected:
         const HWND window = AwaitWindow(boot->Id(), kVolumeWindow);
         EXPECT_NE(window, nullptr);
         app.Unregister();
-        EXPECT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
+        EXPECT_TRUE(simulators::InsertCard(L'E', UnixPath(card.Path())));
         // The process ends before the window answers.
-        static_cast<void>(SendVolumeMessage(window, DBT_DEVICEARRIVAL, L'E', SMTO_NORMAL, 30'000));
+        static_cast<void>(
+            simulators::SendVolumeMessage(window, DBT_DEVICEARRIVAL, L'E', SMTO_NORMAL, 30'000));
         return boot->ExitCode();
     }
 

@@ -1,5 +1,5 @@
 // The end of a session, or of the boot program alone, whatever the trackers are doing then.
-#include "tests/support/card_slot.h"
+#include "samples/simulators/cards/card_slot.h"
 #include "tests/support/unix_path.h"
 #include "tests/system/faults.h"
 #include "tests/system/system_test.h"
@@ -30,7 +30,7 @@ const End kEnds[] = {{"TheSession", WM_ENDSESSION, TRUE, false, "PostQuitMessage
 class Ending : public SystemTest
 {
 protected:
-    ~Ending() override { static_cast<void>(TakeCardOut(L'E')); }
+    ~Ending() override { static_cast<void>(simulators::TakeCardOut(L'E')); }
 
     void Start()
     {
@@ -102,7 +102,7 @@ TEST_P(AfterTheEnd, ASearchThatHangsIsNotWaitedFor)
     SetWindowsVersion(L"kestraboot.exe", L"vista");
     Start();
     const HWND tracker = AwaitWindow(boot->Id(), kVolumeWindow);
-    ASSERT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
+    ASSERT_TRUE(simulators::InsertCard(L'E', UnixPath(card.Path())));
     ::PostMessageW(tracker, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0);
     ASSERT_TRUE(trace.Await("<calls FindFirstFileW>"));
     AskToEnd(GetParam());

@@ -3,9 +3,19 @@
 #include "tests/support/registry_sandbox.h"
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 
 namespace kestraboot::tests
 {
+
+std::string VersionText(const std::string& program)
+{
+    std::ifstream page(KESTRABOOT_VERSION_PAGE, std::ios::binary);
+    std::string name;
+    page >> name;
+    return program + std::string(std::istreambuf_iterator<char>(page), {});
+}
 
 void SystemTest::SetWindowsVersion(const std::wstring& program, const std::wstring& version)
 {

@@ -43,10 +43,12 @@ inline const std::string kUsageText =
     "kestraboot.exe -default [app name] [yes | no]  makes it the only default or not\n"
     "kestraboot.exe --help                          shows this text (as -h and /?)\n"
     "kestraboot.exe --version                       shows the version\n";
-inline const std::string kVersionText = "kestraboot " KESTRABOOT_VERSION_TEXT "\n";
 inline const std::string kDefaultSyntax =
     "\n !!! Please follow the syntax:"
     "\n [Qualified path]\\kestraboot.exe -default [app name] [yes | no] \n";
+
+/// What a program answers to "--version": what VERSION.txt says, with its own name.
+[[nodiscard]] std::string VersionText(const std::string& program = "kestraboot");
 
 /// The exit codes of kestraboot.exe.
 inline constexpr DWORD kDone = 0;

@@ -1,8 +1,8 @@
 // The verdicts of the live trace viewer on a real card and a real boot program.
-#include "tests/support/card_slot.h"
+#include "samples/simulators/cards/card_slot.h"
+#include "samples/simulators/cards/volume_message.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/unix_path.h"
-#include "tests/support/volume_message.h"
 #include "tests/system/installation.h"
 #include "tests/system/running_viewer.h"
 #include "tests/system/system_test.h"
@@ -35,7 +35,7 @@ class TraceArrivalsOfCards : public testing::Test
 {
 protected:
     TraceArrivalsOfCards() { ClearCorvaneRegistry(); }
-    ~TraceArrivalsOfCards() override { static_cast<void>(TakeCardOut(L'E')); }
+    ~TraceArrivalsOfCards() override { static_cast<void>(simulators::TakeCardOut(L'E')); }
 
     void Start(const std::wstring& options)
     {
@@ -49,9 +49,9 @@ protected:
 
     void Insert()
     {
-        ASSERT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
+        ASSERT_TRUE(simulators::InsertCard(L'E', UnixPath(card.Path())));
         // Without an answer where the boot program finds no application left, and ends on it.
-        SendVolumeMessage(window, DBT_DEVICEARRIVAL, L'E', SMTO_NORMAL, 30'000);
+        simulators::SendVolumeMessage(window, DBT_DEVICEARRIVAL, L'E', SMTO_NORMAL, 30'000);
     }
 
     TempFolder card;

@@ -4,6 +4,7 @@
 #include "tests/system/debug_reader.h"
 #include "tests/system/installation.h"
 #include "tests/system/running_viewer.h"
+#include "tests/system/system_test.h"
 
 #include <gmock/gmock.h>
 
@@ -119,6 +120,13 @@ TEST(TraceOptions, BadOnesShowTheUsage)
         EXPECT_EQ(viewer.ExitCode(), 2U) << arguments;
         EXPECT_THAT(viewer.Output(), HasSubstr("usage: kestratrace ")) << arguments;
     }
+}
+
+TEST(TraceOptions, VersionSaysWhichBuildItIs)
+{
+    ChildProcess viewer(BuiltPrograms() / L"kestratrace.exe", L"--version");
+    EXPECT_EQ(viewer.ExitCode(), 0U);
+    EXPECT_EQ(viewer.Output(), VersionText("kestratrace"));
 }
 
 TEST(TraceOptions, AnotherViewerKeepsTheChannel)

@@ -1,4 +1,5 @@
 // The table of --check, as people and as machines read it.
+#include "tests/tools/build_json.h"
 #include "tools/ctl/check/check_format.h"
 
 #include <gmock/gmock.h>
@@ -37,13 +38,14 @@ TEST(CheckJson, TellsTheSame)
 {
     EXPECT_EQ(
         CheckJson(kRows),
-        R"({"type":"check","schema":1,"broken":1,"suspicious":1,"fine":1,"rows":[)"
-        R"({"verdict":"fine","check":"windows","subject":null,"reason":"this is Windows","advice":null},)"
-        R"({"verdict":"broken","check":"control","subject":"B)"
-        "\xC3\xBC"
-        R"(cher","reason":"is gone","advice":"bring it back"},)"
-        R"({"verdict":"suspicious","check":"debug-output","subject":null,"reason":"somebody reads",)"
-        R"("advice":"end it"}]})");
+        HeadJson("check") +
+            R"("broken":1,"suspicious":1,"fine":1,"rows":[)"
+            R"({"verdict":"fine","check":"windows","subject":null,"reason":"this is Windows","advice":null},)"
+            R"({"verdict":"broken","check":"control","subject":"B)"
+            "\xC3\xBC"
+            R"(cher","reason":"is gone","advice":"bring it back"},)"
+            R"({"verdict":"suspicious","check":"debug-output","subject":null,"reason":"somebody reads",)"
+            R"("advice":"end it"}]})");
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // docs/kestractl.schema.json describes what kestractl writes for programs.
 #include "tests/support/source_file.h"
+#include "tests/tools/build_json.h"
 #include "tests/tools/json_schema.h"
 #include "tools/ctl/check/check_format.h"
 #include "tools/ctl/report_format.h"
@@ -52,11 +53,17 @@ TEST(KestractlSchema, DescribesTheCheck)
 TEST(KestractlSchema, RefusesWhatItDoesNotDescribe)
 {
     EXPECT_THAT(Wrong(CheckJson({Fine("sun", {}, {})})), HasSubstr("it.rows[0].check is \"sun\""));
-    for (const char* const line :
-         {R"({"type":"check"})", R"([])",
-          R"({"type":"check","schema":2,"broken":0,"suspicious":0,"fine":0,"rows":[]})",
-          R"({"type":"check","schema":1,"broken":0,"suspicious":0,"fine":0,"rows":[],"more":1})",
-          R"({"type":"check","schema":1,"broken":"0","suspicious":0,"fine":0,"rows":[]})"}) {
+    const std::string head = HeadJson("check");
+    std::string anotherSchema = head;
+    anotherSchema.replace(anotherSchema.find(":1,"), 3, ":2,");
+    std::string noCommit = head;
+    noCommit.replace(noCommit.find("commit\":\"") + 9, 1, "?");
+    const std::string rest = R"("broken":0,"suspicious":0,"fine":0,"rows":[]})";
+    ASSERT_EQ(Wrong(head + rest), "");
+    for (const std::string& line : {head + "}", std::string("[]"), anotherSchema + rest, noCommit + rest,
+                                    R"({"type":"check","schema":1,)" + rest,
+                                    head + R"("broken":0,"suspicious":0,"fine":0,"rows":[],"more":1})",
+                                    head + R"("broken":"0","suspicious":0,"fine":0,"rows":[]})"}) {
         EXPECT_NE(Wrong(line), "") << line;
     }
 }

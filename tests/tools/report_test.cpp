@@ -1,4 +1,5 @@
 // The report of kestractl, as people and as machines read it.
+#include "tests/tools/build_json.h"
 #include "tools/ctl/report_format.h"
 
 #include <gmock/gmock.h>
@@ -120,33 +121,33 @@ TEST(ReportJson, TellsEverything)
 {
     EXPECT_EQ(
         ReportJson(Full()),
-        R"({"type":"report","schema":1,"applications":[{"name":")"
-        "View\xC3\xA9r"
-        R"(","application":"C:\\Viewer\\viewer.exe","proxy":"C:\\Viewer\\kestraboot.exe",)"
-        R"("description":"","icon":"","formats":[{"extension":"jpg","mediaType":"Image"},)"
-        R"({"extension":"tif","mediaType":"Image"},{"extension":"mov","mediaType":"Video"}],)"
-        R"("key":"SOFTWARE\\Corvane\\Viewer\\Corvane Kestrafetch","default":true,"mayLaunch":true,)"
-        R"("locale":"de_de","localeSet":true,"sniffDepth":null}],)"
-        R"("leftOut":[{"name":"Old","key":"SOFTWARE\\Corvane\\Old\\Corvane Kestrafetch",)"
-        R"("application":"C:\\old.exe","applicationExists":false,"proxy":null,"proxyExists":false,)"
-        R"("reasons":[{"reason":"no-application-file","text":"it is gone"}]}],"defaults":[")"
-        "View\xC3\xA9r"
-        R"("],"arrivalStarts":{"application":")"
-        "View\xC3\xA9r"
-        R"(","mode":"direct"},"cardStarts":{"application":")"
-        "View\xC3\xA9r"
-        R"(","mode":"direct"},"autoRun":{"entry":"\"C:\\Viewer\\kestraboot.exe\"","exists":true,)"
-        R"("application":")"
-        "View\xC3\xA9r"
-        R"("},"organiser":null})");
+        HeadJson("report") +
+            R"("applications":[{"name":")"
+            "View\xC3\xA9r"
+            R"(","application":"C:\\Viewer\\viewer.exe","proxy":"C:\\Viewer\\kestraboot.exe",)"
+            R"("description":"","icon":"","formats":[{"extension":"jpg","mediaType":"Image"},)"
+            R"({"extension":"tif","mediaType":"Image"},{"extension":"mov","mediaType":"Video"}],)"
+            R"("key":"SOFTWARE\\Corvane\\Viewer\\Corvane Kestrafetch","default":true,"mayLaunch":true,)"
+            R"("locale":"de_de","localeSet":true,"sniffDepth":null}],)"
+            R"("leftOut":[{"name":"Old","key":"SOFTWARE\\Corvane\\Old\\Corvane Kestrafetch",)"
+            R"("application":"C:\\old.exe","applicationExists":false,"proxy":null,"proxyExists":false,)"
+            R"("reasons":[{"reason":"no-application-file","text":"it is gone"}]}],"defaults":[")"
+            "View\xC3\xA9r"
+            R"("],"arrivalStarts":{"application":")"
+            "View\xC3\xA9r"
+            R"(","mode":"direct"},"cardStarts":{"application":")"
+            "View\xC3\xA9r"
+            R"(","mode":"direct"},"autoRun":{"entry":"\"C:\\Viewer\\kestraboot.exe\"","exists":true,)"
+            R"("application":")"
+            "View\xC3\xA9r"
+            R"("},"organiser":null})");
 }
 
 TEST(ReportJson, TellsWhatIsNotThere)
 {
-    EXPECT_EQ(ReportJson({}),
-              R"({"type":"report","schema":1,"applications":[],"leftOut":[],"defaults":[],)"
-              R"("arrivalStarts":null,"cardStarts":null,)"
-              R"("autoRun":null,"organiser":null})");
+    EXPECT_EQ(ReportJson({}), HeadJson("report") + R"("applications":[],"leftOut":[],"defaults":[],)"
+                                                   R"("arrivalStarts":null,"cardStarts":null,)"
+                                                   R"("autoRun":null,"organiser":null})");
 }
 
 TEST(ReportJson, TellsOfTheOrganiser)

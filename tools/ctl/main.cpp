@@ -1,4 +1,5 @@
 // kestractl: shows what the library sees, and why nothing happens. Changes nothing on the machine.
+#include "tools/common/build.h"
 #include "tools/common/exit_code.h"
 #include "tools/common/standard_output.h"
 #include "tools/common/utf8.h"
@@ -69,6 +70,10 @@ ExitCode Main(int count, wchar_t** words)
     }
     if (options.help) {
         std::fputs(CtlUsage(), stdout);
+        return ExitCode::Done;
+    }
+    if (options.version) {
+        std::fputs(VersionAnswer("kestractl").c_str(), stdout);
         return ExitCode::Done;
     }
     return Show(options);

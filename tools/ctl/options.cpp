@@ -18,6 +18,7 @@ CtlOptions ReadCtlOptions(std::vector<std::string> words)
     app.add_flag("--json", options.json);
     app.add_flag("--no-color", options.noColour);
     app.add_flag("-h,-?,--help", options.help);
+    app.add_flag("--version", options.version);
     std::ranges::reverse(words); // as CLI11 takes them
     const std::string first = words.empty() ? std::string() : words.back();
     try {
@@ -48,6 +49,7 @@ const char* CtlUsage()
            "              why, and what to do\n"
            "  --json      one JSON object on one line\n"
            "  --no-color  one colour on a console, as with NO_COLOR in the environment\n"
+           "  --version   the version, and which build it is\n"
            "\n"
            "exit codes: 0 shown, 1 failed, 2 usage, 4 --check found something broken\n";
 }

@@ -12,6 +12,7 @@ struct CtlOptions {
     bool json = false;
     bool noColour = false;
     bool help = false;
+    bool version = false;
     std::string notUnderstood; ///< the first word that is not; empty where all are
 };
 

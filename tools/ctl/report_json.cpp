@@ -1,5 +1,5 @@
 #include "tools/common/utf8.h"
-#include "tools/ctl/json_schema_version.h"
+#include "tools/ctl/json_head.h"
 #include "tools/ctl/report_format.h"
 
 #include <nlohmann/json.hpp>
@@ -77,7 +77,7 @@ Json NextJson(const std::optional<NextLaunch>& next)
 
 std::string ReportJson(const Report& report)
 {
-    Json object = {{"type", "report"}, {"schema", kJsonSchema}};
+    Json object = JsonHead("report");
     Json& applications = object["applications"] = Json::array();
     for (const ListedApplication& application : report.applications) {
         applications.push_back(ApplicationJson(application));

@@ -1,4 +1,5 @@
 // kestratrace: shows the debug lines of this session as they come, or as they were recorded.
+#include "tools/common/build.h"
 #include "tools/common/exit_code.h"
 #include "tools/trace/live.h"
 #include "tools/trace/options.h"
@@ -35,6 +36,10 @@ ExitCode Main(const std::vector<std::wstring>& words)
     }
     if (options->help) {
         std::puts(TraceHelp().c_str());
+        return ExitCode::Done;
+    }
+    if (options->version) {
+        std::fputs(VersionAnswer("kestratrace").c_str(), stdout);
         return ExitCode::Done;
     }
     options->colour = options->colour && !ColourIsUnwanted();

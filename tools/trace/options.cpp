@@ -146,6 +146,7 @@ void Describe(CLI::App& app, TraceOptions& options, Texts& texts)
                                   ->allow_extra_args(false)
                                   ->check(CheckValue);
     app.add_flag("!--no-color", options.colour, "one colour on a console");
+    app.add_flag("--version", options.version, "the version, and which build it is");
     app.add_option("seconds", options.seconds, "how long to go on")
         ->type_name("")
         ->excludes(from)

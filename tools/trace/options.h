@@ -13,6 +13,7 @@ namespace kestraboot::tools
 
 struct TraceOptions {
     bool help = false;
+    bool version = false;
     bool arrivals = false;
     bool json = false;
     bool colour = true;

@@ -1,9 +1,9 @@
 #include "tests/endurance/faults/still_imaging.h"
 
+#include "samples/simulators/imaging/unanswered_still_image.h"
 #include "tests/endurance/faults/armed.h"
 #include "tests/endurance/faults/journal.h"
 #include "tests/endurance/faults/wia_camera.h"
-#include "tests/support/unanswered_still_image.h"
 #include "trackers/still_image/twain.h"
 
 #include <cstring>
@@ -25,7 +25,7 @@ int twainLoads = 0;
 int deviceLists = 0;
 bool twainIsOpen = false;
 
-class StillImage final : public UnansweredStillImage
+class StillImage final : public simulators::UnansweredStillImage
 {
 public:
     IStillImageW* Itself() noexcept { return this; } // its one reference is never given back

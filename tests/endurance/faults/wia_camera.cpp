@@ -1,8 +1,8 @@
 #include "tests/endurance/faults/wia_camera.h"
 
+#include "samples/simulators/wia/wia_objects.h"
 #include "tests/endurance/faults/armed.h"
 #include "tests/endurance/faults/journal.h"
-#include "tests/support/wia_objects.h"
 
 #include <algorithm>
 
@@ -60,7 +60,7 @@ public:
     }
 } registration;
 
-class Storage final : public Static<UnansweredPropertyStorage>
+class Storage final : public Static<simulators::UnansweredPropertyStorage>
 {
 public:
     HRESULT STDMETHODCALLTYPE ReadMultiple(ULONG count, const PROPSPEC wanted[],
@@ -91,7 +91,7 @@ public:
     }
 } storage;
 
-class Enumerator final : public Static<UnansweredDeviceEnumerator>
+class Enumerator final : public Static<simulators::UnansweredDeviceEnumerator>
 {
 public:
     HRESULT STDMETHODCALLTYPE Reset() noexcept override
@@ -122,7 +122,7 @@ public:
     }
 } enumerator;
 
-class Manager final : public Static<UnansweredDeviceManager>
+class Manager final : public Static<simulators::UnansweredDeviceManager>
 {
 public:
     HRESULT STDMETHODCALLTYPE EnumDeviceInfo(LONG, IEnumWIA_DEV_INFO** created) noexcept override

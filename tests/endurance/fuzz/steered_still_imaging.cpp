@@ -1,6 +1,6 @@
 #include "tests/endurance/fuzz/steered_still_imaging.h"
 
-#include "tests/support/unanswered_still_image.h"
+#include "samples/simulators/imaging/unanswered_still_image.h"
 #include "trackers/still_image/twain.h"
 
 #include <cstring>
@@ -14,7 +14,7 @@ const auto kStillImaging = reinterpret_cast<HMODULE>(std::uintptr_t{0x571});
 const auto kTwain = reinterpret_cast<HMODULE>(std::uintptr_t{0x7A1});
 const auto kWindow = reinterpret_cast<HWND>(std::uintptr_t{0x111D});
 
-class StillImage final : public tests::UnansweredStillImage
+class StillImage final : public simulators::UnansweredStillImage
 {
 public:
     static IStillImageW* Only()

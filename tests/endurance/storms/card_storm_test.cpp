@@ -2,8 +2,8 @@
 // real drives. What must be reported is told by a model of a few lines; --gtest_random_seed brings a run
 // back.
 #include "kestraboot/kestraboot.h"
+#include "samples/simulators/cards/card_slot.h"
 #include "tests/endurance/storms/tracker_clock.h"
-#include "tests/support/card_slot.h"
 #include "tests/support/handle_count.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/sample_application.h"
@@ -113,10 +113,10 @@ TEST(CardStorm, ReportsEachArrivalAsOftenAsTheRulesSay)
             const wchar_t letter = static_cast<wchar_t>(L'E' + random() % 3);
             const bool picture = random() % 4 != 0;
             if (readers.Holds(letter)) {
-                ASSERT_TRUE(TakeCardOut(letter));
+                ASSERT_TRUE(simulators::TakeCardOut(letter));
                 readers.TakeOut(letter);
             } else {
-                ASSERT_TRUE(InsertCard(letter, picture ? pictures : notes));
+                ASSERT_TRUE(simulators::InsertCard(letter, picture ? pictures : notes));
                 readers.Insert(letter, picture);
                 ++inserted;
             }
@@ -130,7 +130,7 @@ TEST(CardStorm, ReportsEachArrivalAsOftenAsTheRulesSay)
         }
     }
     for (const wchar_t letter : {L'E', L'F', L'G'}) {
-        EXPECT_TRUE(!readers.Holds(letter) || TakeCardOut(letter));
+        EXPECT_TRUE(!readers.Holds(letter) || simulators::TakeCardOut(letter));
     }
     ASSERT_TRUE(clock.LookAgain());
     const int handlesAfter = OpenHandlesOf(::GetCurrentProcess());

@@ -1,13 +1,13 @@
 // Cards, WIA cameras, TWAIN scanners and phones that all arrive at once, again and again, at the real
 // boot program, which starts a real application for each: what it holds stays the same.
-#include "tests/stand_ins/phone_manager/phone_pipe.h"
-#include "tests/stand_ins/wia/service_window.h"
-#include "tests/support/card_slot.h"
+#include "samples/simulators/cards/card_slot.h"
+#include "samples/simulators/cards/volume_message.h"
+#include "samples/simulators/phones/phone_pipe.h"
+#include "samples/simulators/wia/service_window.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/stand_in_folder.h"
 #include "tests/support/storm_size.h"
 #include "tests/support/unix_path.h"
-#include "tests/support/volume_message.h"
 #include "tests/system/imaging/resource_use.h"
 #include "tests/system/system_test.h"
 
@@ -49,7 +49,7 @@ protected:
         EXPECT_EQ(service.ExitCode(), 0U);
         SetWindowsVersion(L"kestraboot.exe", L"vista");
     }
-    ~Soak() override { static_cast<void>(TakeCardOut(L'E')); }
+    ~Soak() override { static_cast<void>(simulators::TakeCardOut(L'E')); }
 
     std::string Start(const std::string& device) const
     {
@@ -96,8 +96,8 @@ TEST_F(Soak, OfAllDevicesAtOnceLeavesTheBootProgramAsItWas)
     for (int round = 0; ::GetTickCount64() < end || round < kWarmUp + 8; ++round) {
         trace.Clear();
         standIns.Write("sti_devices.txt", {round % 2 == 0 ? "scanner Even" : "scanner Odd"});
-        ASSERT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
-        ASSERT_TRUE(stand_ins::TellServiceToFire(L"Wide"));
+        ASSERT_TRUE(simulators::InsertCard(L'E', UnixPath(card.Path())));
+        ASSERT_TRUE(simulators::TellServiceToFire(L"Wide"));
         ASSERT_TRUE(::PostMessageW(HWND_BROADCAST, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0));
         ASSERT_TRUE(PhoneArrives());
         for (const char* const device :
@@ -106,11 +106,12 @@ TEST_F(Soak, OfAllDevicesAtOnceLeavesTheBootProgramAsItWas)
             ASSERT_TRUE(trace.Await(Start(device)))
                 << device << " in round " << round << testing::PrintToString(trace.LinesOf(boot.Id()));
         }
-        ASSERT_TRUE(TakeCardOut(L'E'));
+        ASSERT_TRUE(simulators::TakeCardOut(L'E'));
         ASSERT_TRUE(trace.Await(kDetected + "<VolumeTracker><Exiting from polling mode.>"));
         // Wine takes a drive out in two steps, and a look between them still takes the card for known.
         // Windows tells of a removal that is complete; here it is told.
-        ASSERT_TRUE(SendVolumeMessage(volumes, DBT_DEVICEREMOVECOMPLETE, L'E', SMTO_NORMAL, 30'000));
+        ASSERT_TRUE(
+            simulators::SendVolumeMessage(volumes, DBT_DEVICEREMOVECOMPLETE, L'E', SMTO_NORMAL, 30'000));
         if (round >= kWarmUp) {
             samples.push_back(ResourceUseOf(boot.Handle()));
         }

@@ -1,6 +1,6 @@
 // Thousands of look-ups of a WIA device in a real host process, and what it and the service hold before
 // and after.
-#include "tests/stand_ins/wia/service_window.h"
+#include "samples/simulators/wia/service_window.h"
 #include "tests/support/storm_size.h"
 #include "tests/system/imaging/host_process.h"
 #include "tests/system/imaging/leak_check.h"
@@ -15,8 +15,8 @@ namespace kestraboot::tests
 namespace
 {
 
-using stand_ins::AskServiceForCount;
-using stand_ins::ServiceObjects;
+using simulators::AskServiceForCount;
+using simulators::ServiceObjects;
 
 testing::AssertionResult LeaveNothingBehind(const HostProcess& host, const std::string& what,
                                             const std::function<void()>& operation)
@@ -50,7 +50,7 @@ TEST(WiaLookUps, OfConnectEventsLeaveNothingBehind)
     EXPECT_TRUE(LeaveNothingBehind(host, std::to_string(10 * atOnce) + " WIA connect events", [&] {
         host.Forget();
         for (int i = 0; i < atOnce; ++i) {
-            ASSERT_TRUE(stand_ins::TellServiceToFire(camera));
+            ASSERT_TRUE(simulators::TellServiceToFire(camera));
         }
         ASSERT_TRUE(host.WaitForCount("event camera|" + std::string(1000, 'c'), atOnce))
             << host.Lines("event").size() << " reported, " << host.Lines("trace Could").size()

@@ -1,6 +1,6 @@
 // The shipped library in a real host process, with a WIA service in a third one. Changes what the whole
 // prefix takes for the WIA service, so it runs in a prefix of its own.
-#include "tests/stand_ins/wia/service_window.h"
+#include "samples/simulators/wia/service_window.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/system/imaging/host_process.h"
 #include "tests/system/imaging/own_wia_service.h"
@@ -12,8 +12,8 @@ namespace kestraboot::tests
 namespace
 {
 
-using stand_ins::AskServiceForCount;
-using stand_ins::TellServiceToFire;
+using simulators::AskServiceForCount;
+using simulators::TellServiceToFire;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -156,13 +156,13 @@ TEST_F(WiaSystem, On2000AWiaDeviceThatConnectsIsNotHeardOf)
     HostProcess vista(L"imaging_host_6_0.exe");
     ASSERT_TRUE(vista.WaitFor(kDetected));
     // Of hosts that ended before, some still count: nobody tells the service that a process is gone.
-    const long registrations = AskServiceForCount(stand_ins::ServiceObjects::Registrations);
+    const long registrations = AskServiceForCount(simulators::ServiceObjects::Registrations);
     HostProcess windows2000(L"imaging_host_5_0.exe");
     ASSERT_TRUE(windows2000.WaitFor(kStiDetected));
     List({"camera C"});
     ASSERT_TRUE(TellServiceToFire(L"C"));
     EXPECT_TRUE(vista.WaitFor("event camera|C"));
-    EXPECT_EQ(AskServiceForCount(stand_ins::ServiceObjects::Registrations), registrations);
+    EXPECT_EQ(AskServiceForCount(simulators::ServiceObjects::Registrations), registrations);
     EXPECT_THAT(windows2000.Lines("trace <***DeviceConnect***><WiaTracker>"), IsEmpty());
     EXPECT_THAT(windows2000.Lines("event"), IsEmpty());
 }

@@ -1,7 +1,7 @@
 // The tracker's real thread, window and messages; the drives and the clock are the test's.
 #include "trackers/volume/volume_tracker.h"
 
-#include "tests/support/volume_message.h"
+#include "samples/simulators/cards/volume_message.h"
 #include "tests/trackers/volume/card_scene.h"
 
 #include <gmock/gmock.h>
@@ -80,7 +80,8 @@ protected:
     {
         DWORD_PTR answer = 0;
         if (message == WM_DEVICECHANGE && wParam != DBT_DEVNODES_CHANGED) {
-            EXPECT_TRUE(tests::SendVolumeMessage(window, wParam, L'E', SMTO_BLOCK, kGiveUp, &answer));
+            EXPECT_TRUE(
+                simulators::SendVolumeMessage(window, wParam, L'E', SMTO_BLOCK, kGiveUp, &answer));
         } else {
             EXPECT_NE(::SendMessageTimeoutW(window, message, wParam, 0, SMTO_BLOCK, kGiveUp, &answer),
                       0);

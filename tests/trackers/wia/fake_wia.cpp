@@ -1,6 +1,6 @@
 #include "tests/trackers/wia/fake_wia.h"
 
-#include "tests/support/wia_objects.h"
+#include "samples/simulators/wia/wia_objects.h"
 
 #include <gtest/gtest.h>
 
@@ -65,7 +65,7 @@ PROPVARIANT CopyOf(const PROPVARIANT& value)
     return copy;
 }
 
-class Storage final : public Counted<IWiaPropertyStorage, UnansweredPropertyStorage>
+class Storage final : public Counted<IWiaPropertyStorage, simulators::UnansweredPropertyStorage>
 {
 public:
     Storage(FakeWiaService& owner, const FakeWiaDevice& shown) : Counted(owner, "storage"), device(shown)
@@ -86,7 +86,7 @@ private:
     FakeWiaDevice device;
 };
 
-class Enumerator final : public Counted<IEnumWIA_DEV_INFO, UnansweredDeviceEnumerator>
+class Enumerator final : public Counted<IEnumWIA_DEV_INFO, simulators::UnansweredDeviceEnumerator>
 {
 public:
     explicit Enumerator(FakeWiaService& owner) : Counted(owner, "enumerator") {}
@@ -134,7 +134,7 @@ private:
     }
 };
 
-class Manager final : public Counted<IWiaDevMgr, UnansweredDeviceManager>
+class Manager final : public Counted<IWiaDevMgr, simulators::UnansweredDeviceManager>
 {
 public:
     explicit Manager(FakeWiaService& owner) : Counted(owner, "manager") {}

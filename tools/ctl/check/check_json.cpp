@@ -1,6 +1,6 @@
 #include "tools/common/utf8.h"
 #include "tools/ctl/check/check_format.h"
-#include "tools/ctl/json_schema_version.h"
+#include "tools/ctl/json_head.h"
 
 #include <nlohmann/json.hpp>
 
@@ -40,12 +40,11 @@ std::string CheckJson(const Rows& rows)
                         {"reason", ToUtf8(row.reason)},
                         {"advice", TextOrNull(row.advice)}});
     }
-    const Json object = {{"type", "check"},
-                         {"schema", kJsonSchema},
-                         {"broken", Count(rows, Verdict::Broken)},
-                         {"suspicious", Count(rows, Verdict::Suspicious)},
-                         {"fine", Count(rows, Verdict::Fine)},
-                         {"rows", std::move(list)}};
+    Json object = JsonHead("check");
+    object["broken"] = Count(rows, Verdict::Broken);
+    object["suspicious"] = Count(rows, Verdict::Suspicious);
+    object["fine"] = Count(rows, Verdict::Fine);
+    object["rows"] = std::move(list);
     return object.dump();
 }
 

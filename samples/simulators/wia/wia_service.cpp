@@ -1,0 +1,153 @@
+// wia_service.exe: simulates the WIA service, as a COM local server of its own process.
+//
+//   wia_service register     makes it the WIA device manager of this Wine prefix (for good: use a prefix
+//                            of your own); wia_device_list.dll must lie beside it. Refused on Windows:
+//                            no device would be found there any more
+// COM starts it by itself at the first client. A text file "wia_devices.txt" beside it (see
+// configuration.h for where else that may lie) holds a line for each device that WIA lists:
+//   camera ID | scanner ID | video ID | NUMBER ID     (NUMBER: the whole device type, 0x...)
+// Lines that make it fail:
+//   no-list               the devices cannot be listed
+//   refuse-registration   nobody can register for events
+// To plug a device in: write its line, then run
+//   wia_connect ID        fires the connect event of that device to everyone who registered
+// It ends with the prefix.
+#include "../common/version.h"
+#include "class_factory.h"
+#include "device_list.h"
+#include "device_manager.h"
+#include "service_window.h"
+#include "trackers/wia/wia_identifiers.h"
+
+#include <windows.h>
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+namespace
+{
+
+using namespace kestraboot;
+using namespace kestraboot::simulators;
+
+constexpr UINT kFireMessage = WM_APP + 2; ///< lParam: a std::wstring, owned by whoever gets it
+
+long CountOf(ServiceObjects what)
+{
+    switch (what) {
+    case ServiceObjects::Managers:
+        return LiveManagers();
+    case ServiceObjects::Registrations:
+        return LiveRegistrations();
+    case ServiceObjects::Lists:
+        return LiveListObjects();
+    }
+    return -1;
+}
+
+LRESULT CALLBACK ServiceProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_COPYDATA) {
+        const auto& data = *reinterpret_cast<const COPYDATASTRUCT*>(lParam);
+        if (data.dwData != kFireConnect) {
+            return FALSE;
+        }
+        // Not from here: COM does not call out while a message is being answered.
+        auto* const id =
+            new std::wstring(static_cast<const wchar_t*>(data.lpData), data.cbData / sizeof(wchar_t));
+        ::PostMessageW(window, kFireMessage, 0, reinterpret_cast<LPARAM>(id));
+        return TRUE;
+    }
+    if (message == kFireMessage) {
+        const auto* const id = reinterpret_cast<const std::wstring*>(lParam);
+        FireConnectEvent(*id);
+        delete id;
+        return 0;
+    }
+    if (message == kCountMessage) {
+        return CountOf(static_cast<ServiceObjects>(wParam));
+    }
+    return ::DefWindowProcW(window, message, wParam, lParam);
+}
+
+bool IsOnWine()
+{
+    return ::GetProcAddress(::GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+}
+
+std::wstring KeyOf(const CLSID& classId)
+{
+    wchar_t text[64] = {};
+    ::StringFromGUID2(classId, text, 64);
+    return std::wstring(L"Software\\Classes\\CLSID\\") + text;
+}
+
+bool SetDefault(const std::wstring& key, const wchar_t* name, const std::wstring& text)
+{
+    return ::RegSetKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), name, REG_SZ, text.c_str(),
+                             static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))) == ERROR_SUCCESS;
+}
+
+bool Register()
+{
+    wchar_t path[1024] = {};
+    ::GetModuleFileNameW(nullptr, path, 1023);
+    const std::wstring program = path;
+    const std::wstring folder = program.substr(0, program.find_last_of(L'\\') + 1);
+    const std::wstring manager = KeyOf(kClsidWiaDevMgr);
+    const std::wstring handler = KeyOf(kDeviceListClass) + L"\\InprocServer32";
+    // With an application identity COM would start the service that belongs to it.
+    ::RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, manager.c_str(), L"AppID");
+    return SetDefault(manager + L"\\LocalServer32", nullptr, program) &&
+           SetDefault(handler, nullptr, folder + L"wia_device_list.dll") &&
+           SetDefault(handler, L"ThreadingModel", L"Both");
+}
+
+int Serve()
+{
+    WNDCLASSW windowClass = {};
+    windowClass.lpfnWndProc = ServiceProcedure;
+    windowClass.hInstance = ::GetModuleHandleW(nullptr);
+    windowClass.lpszClassName = kServiceWindow;
+    ClassFactory factory(MakeDeviceManager);
+    DWORD registered = 0;
+    // Calls come in on threads of COM's own, so that firing an event does not hold them up.
+    if (::RegisterClassW(&windowClass) == 0 ||
+        ::CreateWindowExW(0, kServiceWindow, kServiceWindow, WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
+                          windowClass.hInstance, nullptr) == nullptr ||
+        FAILED(::CoInitializeEx(nullptr, COINIT_MULTITHREADED)) ||
+        FAILED(::CoRegisterClassObject(kClsidWiaDevMgr, factory.Interface(), CLSCTX_LOCAL_SERVER,
+                                       REGCLS_MULTIPLEUSE, &registered))) {
+        return 1;
+    }
+    MSG message = {};
+    while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
+        ::DispatchMessageW(&message);
+    }
+    ::CoRevokeClassObject(registered);
+    ::CoUninitialize();
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (AnsweredVersion("wia_service", argc, argv)) {
+        return 0;
+    }
+    const std::string argument = argc > 1 ? argv[1] : "";
+    if (argument == "register" && !IsOnWine()) {
+        std::fputs("wia_service: this is Windows, whose own WIA service stays\n", stderr);
+        return 1;
+    }
+    if (argument == "register") {
+        return Register() ? 0 : 1;
+    }
+    if (argument == "-Embedding" || argument == "/Embedding") { // as COM starts it
+        return Serve();
+    }
+    std::fputs("usage: wia_service register\n", stderr);
+    return 2;
+}

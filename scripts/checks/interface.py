@@ -1,0 +1,93 @@
+#!/usr/bin/env python3
+"""Checks that the interface changes with the major version alone: what tests/library/promised.txt promises for the
+major version of version.h is still exported (exports.txt) and laid out (layouts.txt) as it was. A new major version has
+a section of its own there, and CHANGELOG.md names each record and each operation that it changes. An export that is
+added breaks no host, and is promised from the next major version on.
+
+usage: interface.py [FOLDER]     the sources; these without one
+"""
+import pathlib
+import re
+import subprocess
+import sys
+
+ROOT = pathlib.Path(sys.argv[1] if sys.argv[1:] else pathlib.Path(__file__).parents[2]).resolve()
+LISTS = ROOT / "tests" / "library"
+PROMISED = "tests/library/promised.txt"
+
+
+def entries(text: str) -> list[str]:
+    return [line.strip() for line in text.splitlines() if line.strip() and not line.startswith(("#", "//"))]
+
+
+def promises(text: str) -> dict[int, list[str]]:
+    """For each major version, what it promises."""
+    sections = {}
+    for line in entries(text):
+        if major := re.fullmatch(r"major (\d+)", line):
+            section = sections.setdefault(int(major[1]), [])
+        else:
+            section.append(line)
+    return sections
+
+
+def named(entry: str) -> str:
+    """The record or the operation that an entry is about, as CHANGELOG.md names it."""
+    if record := re.match(r"(?:RECORD|FIELD)\((\w+)", entry):
+        return record[1]
+    plain = subprocess.run(["c++filt", entry], check=True, capture_output=True, text=True).stdout
+    return re.match(r"[\w:]+", plain)[0].rpartition("::")[2]
+
+
+def broken(before: list[str], now: list[str]) -> list[str]:
+    """The names of what a host that was built before does not find any more."""
+    layouts = [[entry for entry in each if "(" in entry] for each in (before, now)]
+    gone = [entry for entry in before if entry not in now]
+    gone += [entry for entry in layouts[1] if entry not in layouts[0]]  # a member more is another layout
+    return sorted({named(entry) for entry in gone})
+
+
+def earlier_pages() -> list[str]:
+    """Each committed state of promised.txt; none where the history is not there."""
+    def git(*words: str) -> str:
+        run = subprocess.run(["git", "-C", ROOT, *words], capture_output=True, text=True)
+        return run.stdout if run.returncode == 0 else ""
+
+    if git("rev-parse", "--show-toplevel").strip() != str(ROOT):
+        return []
+    return [git("show", f"{commit}:{PROMISED}") for commit in git("log", "--format=%H", "--", PROMISED).split()]
+
+
+def changes_of(major: int) -> str:
+    """What CHANGELOG.md says of that major version, or of the one in preparation."""
+    sections = re.split(r"^## ", (ROOT / "CHANGELOG.md").read_text(encoding="utf-8"), flags=re.MULTILINE)
+    return "".join(each for each in sections if re.match(rf"\[?({major}\.|Unreleased)", each))
+
+
+def main() -> int:
+    header = (ROOT / "include" / "kestraboot" / "version.h").read_text(encoding="utf-8")
+    major = int(re.search(r"^#define KESTRABOOT_VERSION_MAJOR (\d+)$", header, re.MULTILINE)[1])
+    now = [entry for name in ("exports.txt", "layouts.txt") for entry in entries((LISTS / name).read_text())]
+    promised = promises((ROOT / PROMISED).read_text())
+    wrong = []
+    if max(promised) != major:
+        wrong.append(f"version.h is of major version {major}: {PROMISED} needs its section, with exports.txt and "
+                     "layouts.txt as they are")
+    else:
+        wrong += [f"{name} is not what major version {major} promises: raise KESTRABOOT_VERSION_MAJOR, and say in "
+                  "CHANGELOG.md what changes" for name in broken(promised[major], now)]
+    majors = sorted(promised)
+    for before, after in zip(majors, majors[1:]):
+        wrong += [f"CHANGELOG.md does not name {name}, which version {after} changes"
+                  for name in broken(promised[before], promised[after])
+                  if not re.search(rf"^\s*[-*].*\b{name}\b", changes_of(after), re.MULTILINE)]
+    wrong += sorted({f"the section of version {each} in {PROMISED} was changed: what is promised stays"
+                     for page in earlier_pages() for each, section in promises(page).items()
+                     if promised.get(each) != section})
+    print(f"interface: major version {major}, {len(now)} exports, records and members, {len(wrong)} wrong")
+    print("\n".join(wrong))
+    return 1 if wrong or not now else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
