@@ -1,8 +1,10 @@
 #!/usr/bin/env python3
-"""Says how large DLLs are, as lines of a table.
+"""Says how large DLLs are, as lines of a table. Where a build keeps a DLL's symbols in a file of their own
+(cmake/Symbols.cmake), they are read from there.
 
 usage: footprint.py NAME=DLL ...
 """
+import pathlib
 import re
 import subprocess
 import sys
@@ -22,6 +24,14 @@ def size(file: str) -> int:
         return opened.seek(0, 2)
 
 
+def names(dll: str) -> str:
+    apart = pathlib.Path(dll).resolve().parents[1] / "symbols" / (pathlib.Path(dll).name + ".debug")
+    symbols = run("nm", str(apart) if apart.exists() else dll)
+    if not symbols:
+        raise SystemExit(f"footprint: no symbols of {dll}")
+    return symbols
+
+
 def line(name: str, dll: str) -> str:
     sections = {s: int(n, 16) for s, n in re.findall(r"^\s*\d+ (\.\S+)\s+([0-9a-f]{8})", run("objdump", "-h", dll),
                                                      re.MULTILINE)}
@@ -30,7 +40,7 @@ def line(name: str, dll: str) -> str:
                          headers.partition("The Import Tables")[2].partition("\n\nThe ")[0], re.MULTILINE)
     # Addresses of the runtime's data that the linker cannot fill in: 12 bytes each behind a head of 12.
     marks = dict((mark, int(at, 16)) for at, mark in re.findall(
-        r"^([0-9a-f]+) R __RUNTIME_PSEUDO_RELOC_LIST(_END)?__$", run("nm", dll), re.MULTILINE))
+        r"^([0-9a-f]+) R __RUNTIME_PSEUDO_RELOC_LIST(_END)?__$", names(dll), re.MULTILINE))
     pseudo = max(0, (marks.get("_END", 0) - marks.get("", 0)) // 12 - 1)
     with tempfile.NamedTemporaryFile() as stripped:
         run("strip", "-o", stripped.name, dll)

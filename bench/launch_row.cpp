@@ -54,9 +54,11 @@ void CompeteInComposing(const Request& request)
               [&] {
                   handler.LaunchKestra(path, mode, type, id);
               }},
-             {"floor", 2.0, [&] {
+             {"floor", 1.15,
+              [&] {
                   Compose(path, mode, type, id);
-              }}});
+              }}},
+            Time::OfComputing);
 }
 
 } // namespace kestraboot::bench

@@ -2,6 +2,7 @@
 #include "bench/allocations_row.h"
 #include "bench/dispatch_row.h"
 #include "bench/launch_row.h"
+#include "bench/own_rows.h"
 #include "bench/poll_row.h"
 #include "bench/registry_row.h"
 #include "bench/road_row.h"
@@ -18,11 +19,19 @@ namespace
 {
 
 const std::map<std::string, std::function<void(const Request&)>> kRows = {
-    {"allocations", CountAllocations}, {"dispatch", CompeteInDispatch},
-    {"launch", CompeteInComposing},    {"load-information", CompeteInLoading},
-    {"poll", CompeteInPolling},        {"quiet-walk", CompeteInQuietWalk},
-    {"road", CompeteOnRoad},           {"road-without-start", CompeteOnRoadWithoutStart},
-    {"search", CompeteInSearch},       {"walk", CompeteInWalk},
+    {"allocations", CountAllocations},
+    {"dispatch", CompeteInDispatch},
+    {"launch", CompeteInComposing},
+    {"load-information", CompeteInLoading},
+    {"own-load", MeasureOwnLoading},
+    {"own-poll", MeasureOwnPoll},
+    {"own-walk", MeasureOwnWalk},
+    {"poll", CompeteInPolling},
+    {"quiet-walk", CompeteInQuietWalk},
+    {"road", CompeteOnRoad},
+    {"road-without-start", CompeteOnRoadWithoutStart},
+    {"search", CompeteInSearch},
+    {"walk", CompeteInWalk},
 };
 
 } // namespace

@@ -17,17 +17,6 @@ namespace
 
 constexpr unsigned kDepth = 4;
 
-/// What an application for pictures and films registers.
-ExtensionSet Extensions()
-{
-    std::vector<formatInfo_tag> formats;
-    std::wistringstream words(L"jpg jpeg jpe tif tiff bmp gif png psd raw crw nef avi mov mpg mpeg wmv");
-    for (std::wstring word; words >> word;) {
-        formats.push_back({word, L"Image"});
-    }
-    return ExtensionSet(formats);
-}
-
 void Require(bool asExpected)
 {
     if (!asExpected) {
@@ -49,10 +38,20 @@ void CALLBACK DropLine(const wchar_t*) noexcept {}
 
 } // namespace
 
+ExtensionSet MediaExtensions()
+{
+    std::vector<formatInfo_tag> formats;
+    std::wistringstream words(L"jpg jpeg jpe tif tiff bmp gif png psd raw crw nef avi mov mpg mpeg wmv");
+    for (std::wstring word; words >> word;) {
+        formats.push_back({word, L"Image"});
+    }
+    return ExtensionSet(formats);
+}
+
 void CompeteInWalk(const Request& request)
 {
     const Card card(L'E', request.card);
-    const ExtensionSet extensions = Extensions();
+    const ExtensionSet extensions = MediaExtensions();
     const std::wstring root = card.Drive();
     Require(TracedWalk(root, kDepth) >= static_cast<std::size_t>(request.Number()));
     Compete(request.row, request.size, request.rounds,
@@ -68,7 +67,7 @@ void CompeteInWalk(const Request& request)
 void CompeteInQuietWalk(const Request& request)
 {
     const Card card(L'E', request.card);
-    const ExtensionSet extensions = Extensions();
+    const ExtensionSet extensions = MediaExtensions();
     const std::wstring root = card.Drive();
     const tests::ImportPatch quiet("OutputDebugStringW", reinterpret_cast<void*>(&DropLine));
     Require(StandardWalk(root + L'\\') == BareWalk(root, kDepth));
@@ -89,7 +88,7 @@ void CompeteInQuietWalk(const Request& request)
 void CompeteInSearch(const Request& request)
 {
     const Card card(L'E', request.card);
-    const ExtensionSet extensions = Extensions();
+    const ExtensionSet extensions = MediaExtensions();
     const std::wstring root = card.Drive();
     Compete(request.row, request.size, request.rounds,
             {{"library", 0,

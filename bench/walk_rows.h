@@ -2,9 +2,13 @@
 #pragma once
 
 #include "bench/request.h"
+#include "service/extension_set.h"
 
 namespace kestraboot::bench
 {
+
+/// What an application for pictures and films registers.
+[[nodiscard]] ExtensionSet MediaExtensions();
 
 /// No file matches; every entry is traced.
 void CompeteInWalk(const Request& request);

@@ -1,8 +1,6 @@
 #include "foundation/file_formats.h"
 
-#include "foundation/text.h"
-
-#include <utility>
+#include <algorithm>
 
 namespace kestraboot
 {
@@ -10,8 +8,17 @@ namespace kestraboot
 void AppendFormats(std::vector<formatInfo_tag>& formats, std::wstring_view extensions,
                    const wchar_t* mediaType)
 {
-    for (std::wstring& extension : SplitAtBlanks(extensions)) {
-        formats.push_back({std::move(extension), mediaType});
+    constexpr std::size_t kUsualFormats = 16; // of one application; for so many, memory is taken once
+
+    while (!extensions.empty()) {
+        const std::wstring_view extension = extensions.substr(0, extensions.find(L' '));
+        if (!extension.empty()) {
+            if (formats.empty()) {
+                formats.reserve(kUsualFormats);
+            }
+            formats.push_back({std::wstring(extension), mediaType});
+        }
+        extensions.remove_prefix(std::min(extension.size() + 1, extensions.size()));
     }
 }
 

@@ -9,7 +9,8 @@ namespace kestraboot
 {
 
 /// Appends one format of kind `mediaType` ("Image", "Audio", "Video") for each extension of a list that
-/// is separated by single blanks. Nothing is trimmed, lower-cased or left out as a duplicate.
+/// is separated by single blanks. Empty pieces are left out; nothing is trimmed, lower-cased or left out
+/// as a duplicate.
 void AppendFormats(std::vector<formatInfo_tag>& formats, std::wstring_view extensions,
                    const wchar_t* mediaType);
 

@@ -1,5 +1,6 @@
 #include "foundation/registry_key.h"
 
+#include <algorithm>
 #include <cstring>
 #include <cwchar>
 
@@ -24,7 +25,6 @@ RegistryKey::RegistryKey(HKEY root, const std::wstring& subkey, REGSAM access)
     status = ::RegOpenKeyExW(root, subkey.c_str(), 0, access, &opened);
     if (status == ERROR_SUCCESS) {
         key.reset(opened);
-        path = subkey;
     }
 }
 
@@ -43,8 +43,8 @@ void RegistryKey::Close() noexcept
     if (key) {
         status = ::RegCloseKey(key.release());
     }
-    path.clear();
     valueBufferBytes = 0;
+    valueBufferRoom = 0;
     valueBuffer.reset();
     nameBuffer.reset();
 }
@@ -75,7 +75,7 @@ const wchar_t* RegistryKey::EnumSubkey(std::uint32_t index)
         return nullptr;
     }
     if (!nameBuffer) {
-        nameBuffer = std::make_unique<wchar_t[]>(kNameCapacity);
+        nameBuffer = std::make_unique_for_overwrite<wchar_t[]>(kNameCapacity);
     }
     DWORD capacity = kNameCapacity;
     FILETIME lastWritten = {};
@@ -107,14 +107,7 @@ const wchar_t* RegistryKey::QueryString(const wchar_t* valueName)
     // A missing value leaves the size at 0; the read below then says so.
     static_cast<void>(::RegQueryValueExW(key.get(), valueName, nullptr, &type, nullptr, &size));
 
-    if (size > valueBufferBytes) {
-        valueBufferBytes = 0;
-        valueBuffer.reset();
-        // An odd last byte takes a character of its own, and one more is the terminator.
-        valueBuffer = std::make_unique<wchar_t[]>(std::size_t{size} / sizeof(wchar_t) + 2);
-        valueBufferBytes = size;
-    }
-
+    MakeRoom(size);
     size = valueBufferBytes;
     status = ::RegQueryValueExW(key.get(), valueName, nullptr, &type,
                                 reinterpret_cast<BYTE*>(valueBuffer.get()), &size);
@@ -125,6 +118,22 @@ const wchar_t* RegistryKey::QueryString(const wchar_t* valueName)
     auto* const end = reinterpret_cast<BYTE*>(valueBuffer.get()) + size;
     std::memset(end, 0, sizeof(wchar_t) + size % sizeof(wchar_t));
     return valueBuffer.get();
+}
+
+void RegistryKey::MakeRoom(DWORD bytes)
+{
+    constexpr DWORD kUsualRoom = 512; // most texts are shorter: one piece of memory serves a whole key
+
+    if (bytes > valueBufferRoom) {
+        valueBufferBytes = 0;
+        valueBufferRoom = 0;
+        valueBuffer.reset();
+        const DWORD room = std::max(bytes, kUsualRoom);
+        // An odd last byte takes a character of its own, and one more is the terminator.
+        valueBuffer = std::make_unique_for_overwrite<wchar_t[]>(std::size_t{room} / sizeof(wchar_t) + 2);
+        valueBufferRoom = room;
+    }
+    valueBufferBytes = std::max(bytes, valueBufferBytes);
 }
 
 bool RegistryKey::DeleteValue(const wchar_t* valueName)

@@ -59,16 +59,16 @@ public:
     [[nodiscard]] bool IsOpen() const noexcept { return static_cast<bool>(key); }
     [[nodiscard]] LONG Status() const noexcept { return status; }
 
-    /// The path that was opened; empty unless opening succeeded.
-    [[nodiscard]] const std::wstring& Path() const noexcept { return path; }
-
 private:
     RegistryKey(HKEY root, const std::wstring& subkey, REGSAM access);
 
+    /// For a text of so many bytes.
+    void MakeRoom(DWORD bytes);
+
     LONG status = ERROR_SUCCESS; ///< of the last registry call made through this object
     UniqueRegistryHandle key;
-    std::wstring path;
-    DWORD valueBufferBytes = 0; ///< size offered to the next read; never more than the allocation
+    DWORD valueBufferBytes = 0; ///< size offered to the next read, no more than there is room for
+    DWORD valueBufferRoom = 0;  ///< bytes of text that the buffer takes; more are allocated
     std::unique_ptr<wchar_t[]> valueBuffer;
     std::unique_ptr<wchar_t[]> nameBuffer;
 };

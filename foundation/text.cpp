@@ -32,17 +32,12 @@ bool EqualIgnoringCase(const std::wstring& left, const std::wstring& right) noex
     return _wcsicmp(left.c_str(), right.c_str()) == 0;
 }
 
-std::vector<std::wstring> SplitAtBlanks(std::wstring_view text)
+std::wstring JoinPath(std::wstring_view path, std::wstring_view below)
 {
-    std::vector<std::wstring> pieces;
-    while (!text.empty()) {
-        const std::wstring_view piece = text.substr(0, text.find(L' '));
-        if (!piece.empty()) {
-            pieces.emplace_back(piece);
-        }
-        text.remove_prefix(piece.size() < text.size() ? piece.size() + 1 : text.size());
-    }
-    return pieces;
+    std::wstring joined;
+    joined.reserve(path.size() + 1 + below.size());
+    joined.append(path).append(1, L'\\').append(below);
+    return joined;
 }
 
 std::wstring QuoteUnlessQuoted(const std::wstring& text)

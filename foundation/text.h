@@ -5,7 +5,6 @@
 #include <cwchar>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace kestraboot
 {
@@ -27,8 +26,9 @@ void CopyToField(wchar_t (&field)[Capacity], std::wstring_view text) noexcept
 /// Whole strings, as the C runtime's _wcsicmp compares them.
 [[nodiscard]] bool EqualIgnoringCase(const std::wstring& left, const std::wstring& right) noexcept;
 
-/// Cuts at every single blank; empty pieces are left out.
-[[nodiscard]] std::vector<std::wstring> SplitAtBlanks(std::wstring_view text);
+/// `below` behind `path` and a backslash, in one piece of memory: how many operator+ takes differs from
+/// library to library.
+[[nodiscard]] std::wstring JoinPath(std::wstring_view path, std::wstring_view below);
 
 /// `text` as it stands when it begins with a double quote, otherwise between double quotes.
 [[nodiscard]] std::wstring QuoteUnlessQuoted(const std::wstring& text);

@@ -62,8 +62,7 @@ void CKestraBootCommandHandler::LaunchKestra(std::wstring& appPath, std::wstring
         ::OutputDebugStringW(L"<KestraBoot><!!! Mode not set. Unable to launch Kestra.>");
         return;
     }
-    constexpr std::size_t kFixedText = 80; // the words between what is given
-    StartLine line(appPath.size() + mode.size() + deviceType.size() + deviceId.size() + kFixedText);
+    StartLine line;
     line.Add({QuoteFor(appPath), appPath, QuoteFor(appPath)});
     line.Add({L"module=kestrafetch"});
     line.Add({L"params"}); // an argument of its own, without a value

@@ -3,36 +3,45 @@
 #include <array>
 #include <cstddef>
 #include <initializer_list>
-#include <string>
+#include <memory>
 #include <string_view>
 
 namespace kestraboot
 {
 
 /// The command line of a program that is started, composed once: its arguments lie in one text, each
-/// ended by a zero, until they are joined by blanks. Nothing is escaped.
+/// ended by a zero, until they are joined by blanks. Nothing is escaped. Memory is taken only for a line
+/// that is longer than usual.
 class StartLine
 {
 public:
     static constexpr std::size_t kMostArguments = 6;
+    static constexpr std::size_t kUsualLength = 512; ///< characters, the terminators included
 
-    /// Takes memory for so many characters at once; it may become longer.
-    explicit StartLine(std::size_t characters) { text.reserve(characters); }
+    StartLine() noexcept = default;
+    StartLine(const StartLine&) = delete; // it points into itself
+    StartLine& operator=(const StartLine&) = delete;
 
-    /// One more argument, made of these pieces. No more than kMostArguments.
+    /// One more argument, made of these pieces. No more than kMostArguments. Throws std::bad_alloc.
     void Add(std::initializer_list<std::wstring_view> pieces);
 
     /// Valid until the next Add, and until Join.
     [[nodiscard]] const wchar_t* Argument(std::size_t index) const noexcept
     {
-        return text.c_str() + begins[index];
+        return text + begins[index];
     }
 
     /// The whole line. There are no single arguments any more.
     [[nodiscard]] const wchar_t* Join() noexcept;
 
 private:
-    std::wstring text;
+    void MakeRoom(std::size_t characters);
+
+    wchar_t usual[kUsualLength];
+    std::unique_ptr<wchar_t[]> longer;
+    wchar_t* text = usual;
+    std::size_t room = kUsualLength;
+    std::size_t length = 0;
     std::array<std::size_t, kMostArguments> begins = {};
     std::size_t count = 0;
 };

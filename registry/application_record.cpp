@@ -2,13 +2,18 @@
 
 #include "foundation/file_formats.h"
 #include "foundation/registry_key.h"
+#include "foundation/text.h"
 #include "registry/registry_layout.h"
+
+#include <utility>
 
 namespace kestraboot
 {
 namespace
 {
 
+constexpr const wchar_t* kFileFormats = L"File Formats";
+constexpr const wchar_t* kPreferences = L"Preferences";
 constexpr const wchar_t* kDefaultFlag = L"DefaultFlag";
 constexpr const wchar_t* kAutoLaunch = L"AutoLaunchOnDeviceConnect";
 
@@ -19,23 +24,23 @@ void ReadText(RegistryKey& key, const wchar_t* valueName, std::wstring& member)
     }
 }
 
-void ReadTexts(const std::wstring& keyPath, appInfo_tag& record)
+/// False when the key cannot be opened.
+bool ReadTexts(const std::wstring& keyPath, appInfo_tag& record)
 {
     RegistryKey key = RegistryKey::OpenLocalMachine(keyPath, KEY_READ);
     if (!key.IsOpen()) {
-        return;
+        return false;
     }
-    record.KeyPath = keyPath;
     ReadText(key, L"Name", record.Name);
     ReadText(key, L"ProxyPath", record.ProxyPath);
     ReadText(key, L"Desc", record.Desc);
     ReadText(key, L"CmdLine", record.CmdLine);
     ReadText(key, L"Icon", record.Icon);
+    return true;
 }
 
-std::vector<formatInfo_tag> ReadFileFormats(const std::wstring& keyPath)
+std::vector<formatInfo_tag> ReadFileFormats(const std::wstring& formatsPath)
 {
-    const std::wstring formatsPath = keyPath + L"\\File Formats";
     std::vector<formatInfo_tag> formats;
     for (const wchar_t* const mediaType : {L"Image", L"Audio", L"Video"}) {
         RegistryKey key = RegistryKey::OpenLocalMachine(formatsPath, KEY_READ);
@@ -86,16 +91,21 @@ std::uint32_t ReadDefaultFlag(const std::wstring& prefsPath)
 
 } // namespace
 
-std::wstring PreferencesPath(const std::wstring& keyPath)
+std::wstring PreferencesPath(std::wstring_view keyPath)
 {
-    return keyPath + L"\\Preferences";
+    return JoinPath(keyPath, kPreferences);
 }
 
-void ReadApplicationRecord(const std::wstring& keyPath, appInfo_tag& record)
+void ReadApplicationRecord(std::wstring keyPath, appInfo_tag& record)
 {
-    ReadTexts(keyPath, record);
-    record.FileFormats = ReadFileFormats(keyPath);
-    record.DefaultFlag = ReadDefaultFlag(PreferencesPath(keyPath));
+    const bool opened = ReadTexts(keyPath, record);
+    std::wstring below = JoinPath(keyPath, kFileFormats);
+    record.FileFormats = ReadFileFormats(below);
+    below.replace(keyPath.size() + 1, std::wstring::npos, kPreferences);
+    record.DefaultFlag = ReadDefaultFlag(below);
+    if (opened) {
+        record.KeyPath = std::move(keyPath);
+    }
 }
 
 bool IsAutoLaunchAllowed(const std::wstring& keyPath)

@@ -3,6 +3,7 @@
 #include "kestraboot/application_info.h"
 
 #include <string>
+#include <string_view>
 
 namespace kestraboot
 {
@@ -10,7 +11,7 @@ namespace kestraboot
 /// Reads one application's key into a fresh record. What is missing leaves its member empty or zero;
 /// a key that cannot be opened leaves KeyPath empty too. Where the user has no preferences key for the
 /// application yet, creates it with "DefaultFlag" 0, if it can.
-void ReadApplicationRecord(const std::wstring& keyPath, appInfo_tag& record);
+void ReadApplicationRecord(std::wstring keyPath, appInfo_tag& record);
 
 /// False when the "AutoLaunchOnDeviceConnect" preference is exactly 1, per user first: the application
 /// is then left out of the list.
@@ -20,6 +21,6 @@ void ReadApplicationRecord(const std::wstring& keyPath, appInfo_tag& record);
 void WriteDefaultFlag(const std::wstring& prefsPath, std::uint32_t value);
 
 /// The path of an application's preferences key, the same under both hives.
-[[nodiscard]] std::wstring PreferencesPath(const std::wstring& keyPath);
+[[nodiscard]] std::wstring PreferencesPath(std::wstring_view keyPath);
 
 } // namespace kestraboot

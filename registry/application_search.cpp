@@ -3,36 +3,49 @@
 #include "registry/application_search.h"
 
 #include "foundation/registry_key.h"
+#include "foundation/text.h"
 #include "registry/application_record.h"
 #include "registry/registry_layout.h"
 
 #include <cstdint>
+#include <cwchar>
 #include <deque>
 #include <utility>
 
 namespace kestraboot
 {
 
+namespace
+{
+
+struct OpenKey {
+    RegistryKey key;
+    std::wstring path;
+};
+
+} // namespace
+
 std::vector<appInfo_tag> CollectApplicationKeys()
 {
     std::vector<appInfo_tag> found;
-    std::deque<RegistryKey> pending;
-    pending.push_back(RegistryKey::OpenLocalMachine(kCorvaneRoot, KEY_READ));
+    std::deque<OpenKey> pending;
+    pending.push_back({RegistryKey::OpenLocalMachine(kCorvaneRoot, KEY_READ), kCorvaneRoot});
 
     while (!pending.empty()) {
-        RegistryKey parent = std::move(pending.front());
+        OpenKey parent = std::move(pending.front());
         pending.pop_front();
 
         // The first name that cannot be had ends this key, be it the last one or one too long.
-        for (std::uint32_t index = 0; const wchar_t* const name = parent.EnumSubkey(index); ++index) {
-            const std::wstring childPath = parent.Path() + L'\\' + name;
+        for (std::uint32_t index = 0; const wchar_t* const name = parent.key.EnumSubkey(index);
+             ++index) {
+            std::wstring childPath = JoinPath(parent.path, name);
             if (std::wcscmp(name, kApplicationKeyName) == 0) {
-                ReadApplicationRecord(childPath, found.emplace_back());
+                ReadApplicationRecord(std::move(childPath), found.emplace_back());
                 continue;
             }
             RegistryKey child = RegistryKey::OpenLocalMachine(childPath, KEY_READ);
             if (child.IsOpen()) {
-                pending.push_back(std::move(child));
+                pending.push_back({std::move(child), std::move(childPath)});
             }
         }
     }

@@ -3,10 +3,11 @@
 # stay in build/bench as CSV.
 #   --rounds N      at least so many rounds of each row (15); rows that are quick make more
 #   --rows REGEX    only the rows whose "name size" matches, such as 'walk 1000$' or '^dispatch'
-#   --resume        leaves rows alone that were measured already
+#   --resume        leaves rows alone that were measured already, from these very sources
 #   --record        also writes the table into docs/speed.md and draws docs/speed.svg, for which it installs
 #                   python3-matplotlib
-#   --report        measures nothing: the table of what was measured before
+#   --report        measures nothing: the table of what was measured before, from these very sources
+# Ends with 1 where a row fails or misses its goal.
 set -euo pipefail
 . "$(dirname "$0")/usage.sh"
 
@@ -30,7 +31,10 @@ cd "$(dirname "$0")/.."
 . scripts/wine.sh
 
 # name, size, program, card
-rows='walk 1000 bench_rooms walk
+rows='own-walk 1000 bench_rooms
+own-load 64 bench_rooms
+own-poll 20 bench_rooms
+walk 1000 bench_rooms walk
 walk 10000 bench_rooms walk
 walk 100000 bench_rooms walk
 quiet-walk 1000 bench_rooms walk
@@ -69,7 +73,8 @@ measure() {
     cmake --preset release >/dev/null
     cmake --build --preset release --target bench >$out/build.log 2>&1 || { cat $out/build.log && exit 1; }
 
-    local chosen count=0 name size program card file arguments status=0
+    local chosen count=0 name size program card file arguments sources status=0
+    sources=sources,$(bench/report.py --sources)
     chosen=$(awk -v wanted="$wanted" '($1 " " $2) ~ wanted' <<<"$rows")
     [ -n "$chosen" ] || { echo "no row matches $wanted" >&2 && exit 2; }
     # On one processor, with Wine's server: between two of them the wake-up is most of what a call takes, and varies.
@@ -80,7 +85,7 @@ measure() {
         count=$((count + 1))
         file=$out/rows/$name-$size.csv
         printf '== %d of %d: %s %s ' "$count" "$(wc -l <<<"$chosen")" "$name" "$size"
-        if [ -n "$resume" ] && [ -s "$file" ]; then
+        if [ -n "$resume" ] && [ -s "$file" ] && [ "$(head -n 1 "$file")" = "$sources" ]; then
             echo "(measured before)"
             continue
         fi
@@ -93,7 +98,8 @@ measure() {
         fi
         [ "$name" != dispatch ] || taskset -cp "0-$(($(nproc --all) - 1))" $$ >/dev/null # threads beside each other
         local start=$SECONDS
-        if wine_run "$prefix" 300 $bin/"$program".exe "$name" "$size" "$rounds" "${arguments[@]}" >"$file.new"; then
+        echo "$sources" >"$file.new"
+        if wine_run "$prefix" 300 $bin/"$program".exe "$name" "$size" "$rounds" "${arguments[@]}" >>"$file.new"; then
             mv "$file.new" "$file"
             echo "($((SECONDS - start)) s)"
         else

@@ -3,7 +3,6 @@
 #include "foundation/text.h"
 
 #include <algorithm>
-#include <cwchar>
 
 namespace kestraboot
 {
@@ -30,10 +29,10 @@ bool ExtensionSet::Contains(const wchar_t* extension) const noexcept
     return notLess != sorted.end() && CompareIgnoringCase(notLess->c_str(), extension) == 0;
 }
 
-const wchar_t* FileExtension(const wchar_t* fileName) noexcept
+const wchar_t* FileExtension(std::wstring_view fileName) noexcept
 {
-    const wchar_t* const dot = std::wcsrchr(fileName, L'.');
-    return dot != nullptr ? dot + 1 : nullptr;
+    const std::size_t dot = fileName.rfind(L'.');
+    return dot != std::wstring_view::npos ? fileName.data() + dot + 1 : nullptr;
 }
 
 } // namespace kestraboot

@@ -3,6 +3,7 @@
 #include "kestraboot/application_info.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kestraboot
@@ -22,7 +23,7 @@ private:
     std::vector<std::wstring> sorted; ///< in _wcsicmp's order
 };
 
-/// The text after the last dot of a file name; null when it has no dot.
-[[nodiscard]] const wchar_t* FileExtension(const wchar_t* fileName) noexcept;
+/// The text after the last dot of a file name; null when it has no dot. A zero ends both.
+[[nodiscard]] const wchar_t* FileExtension(std::wstring_view fileName) noexcept;
 
 } // namespace kestraboot

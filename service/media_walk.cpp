@@ -2,10 +2,11 @@
 
 #include "foundation/error_mode.h"
 #include "foundation/handles.h"
+#include "foundation/text.h"
 #include "foundation/trace.h"
 
-#include <cwchar>
 #include <deque>
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -21,55 +22,91 @@ struct SearchEntry {
 
 enum class Listing { Found, NothingFound, CannotList };
 
-void TraceEntry(unsigned level, const wchar_t* kind, const wchar_t* name) noexcept
+int FormatEntry(TraceBuffer& line, unsigned level, const wchar_t* kind, const wchar_t* name) noexcept
+{
+    return FormatTraceLine(line, L"<***DeviceConnect***><%d><%ls><%ls>\n", static_cast<int>(level), kind,
+                           name);
+}
+
+void TraceFolder(unsigned level, const wchar_t* path) noexcept
 {
     TraceBuffer line = {};
-    FormatTraceLine(line, L"<***DeviceConnect***><%d><%ls><%ls>\n", static_cast<int>(level), kind, name);
+    static_cast<void>(FormatEntry(line, level, L"FOLDER", path)); // cut or empty, it is written
     ::OutputDebugStringW(line);
 }
 
-bool IsDotEntry(const wchar_t* name) noexcept
+/// The trace lines of the files of one folder. They differ in the name alone, so the first of them is
+/// formatted without it, and each gets its own: to format every line takes longer than all else that is
+/// done for a file.
+class FileLine
 {
-    return std::wcscmp(name, L".") == 0 || std::wcscmp(name, L"..") == 0;
+public:
+    explicit FileLine(unsigned folderLevel) noexcept : level(folderLevel) {}
+
+    void Trace(std::wstring_view name) noexcept
+    {
+        if (nameBegins == nullptr) {
+            const int written = FormatEntry(line, level, L"FILE", L"");
+            if (written < 0) {
+                ::OutputDebugStringW(line); // it is empty
+                return;
+            }
+            nameBegins = line + written - kBehindName.size();
+        }
+        wchar_t* const end = Append(Append(nameBegins, name), kBehindName);
+        *end = L'\0';
+        ::OutputDebugStringW(line);
+    }
+
+private:
+    static constexpr std::wstring_view kBehindName = L">\n";
+
+    /// As much as there is room for. Answers the end.
+    wchar_t* Append(wchar_t* at, std::wstring_view text) noexcept
+    {
+        return at + text.copy(at, static_cast<std::size_t>(std::end(line) - 1 - at));
+    }
+
+    unsigned level;
+    TraceBuffer line = {};
+    wchar_t* nameBegins = nullptr; ///< in the line, once it is formatted
+};
+
+bool IsDotEntry(std::wstring_view name) noexcept
+{
+    return name == L"." || name == L"..";
 }
 
-bool IsSupported(const wchar_t* fileName, const ExtensionSet& extensions) noexcept
+bool IsSupported(std::wstring_view fileName, const ExtensionSet& extensions) noexcept
 {
     const wchar_t* const extension = FileExtension(fileName);
     return extension != nullptr && extensions.Contains(extension);
-}
-
-/// In one piece of memory: how many operator+ takes differs from library to library.
-std::wstring PathIn(std::wstring_view folder, std::wstring_view name)
-{
-    std::wstring path;
-    path.reserve(folder.size() + 1 + name.size());
-    path.append(folder).append(1, L'\\').append(name);
-    return path;
 }
 
 Listing ListFolder(const SearchEntry& current, const ExtensionSet& extensions,
                    std::deque<SearchEntry>& pending)
 {
     WIN32_FIND_DATAW entry = {};
-    const UniqueFindHandle listing(::FindFirstFileW(PathIn(current.folder, L"*").c_str(), &entry));
+    const UniqueFindHandle listing(::FindFirstFileW(JoinPath(current.folder, L"*").c_str(), &entry));
     if (!listing) {
         static_cast<void>(::FindClose(listing.get())); // refused, and kept: the owner leaves it alone
         return Listing::CannotList;
     }
+    FileLine fileLine(current.level);
     do {
-        if (IsDotEntry(entry.cFileName)) {
+        const std::wstring_view name = entry.cFileName;
+        if (IsDotEntry(name)) {
             continue;
         }
         if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
             // Queued and traced even where it lies too deep to be listed.
-            std::wstring folder = PathIn(current.folder, entry.cFileName);
-            TraceEntry(current.level, L"FOLDER", folder.c_str());
+            std::wstring folder = JoinPath(current.folder, name);
+            TraceFolder(current.level, folder.c_str());
             pending.push_back({std::move(folder), current.level + 1});
             continue;
         }
-        TraceEntry(current.level, L"FILE", entry.cFileName);
-        if (IsSupported(entry.cFileName, extensions)) {
+        fileLine.Trace(name);
+        if (IsSupported(name, extensions)) {
             return Listing::Found;
         }
     } while (::FindNextFileW(listing.get(), &entry));

@@ -2,7 +2,6 @@
 
 #include <windows.h>
 #include <cwchar>
-#include <deque>
 #include <shlwapi.h>
 #include <string>
 
@@ -46,77 +45,89 @@ bool ReadNumber(HKEY root, const wchar_t* path, const wchar_t* name)
     return status == ERROR_SUCCESS;
 }
 
-struct Files {
-    std::wstring commandPath;
-    std::wstring proxyPath;
-    std::wstring preferences;
+constexpr DWORD kPathCapacity = 512;
+
+/// The path of a key, which grows and shrinks in place.
+struct Path {
+    wchar_t text[kPathCapacity] = L"SOFTWARE\\Corvane";
+    std::size_t length = std::wcslen(text);
+
+    void Add(const wchar_t* name)
+    {
+        text[length] = L'\\';
+        std::wcscpy(text + length + 1, name); // the scenes' names are short
+        length += 1 + std::wcslen(name);
+    }
+    void CutTo(std::size_t characters)
+    {
+        length = characters;
+        text[length] = L'\0';
+    }
 };
 
-Files ReadApplication(const std::wstring& path)
+/// Answers 1 for an application with both its files.
+int ReadApplication(Path& path)
 {
     wchar_t text[512];
-    Files files;
-    const HKEY key = Open(HKEY_LOCAL_MACHINE, path.c_str());
+    wchar_t proxyPath[512];
+    wchar_t commandPath[512];
+    const HKEY key = Open(HKEY_LOCAL_MACHINE, path.text);
     ReadText(key, L"Name", text);
-    ReadText(key, L"ProxyPath", text);
-    files.proxyPath = text;
+    ReadText(key, L"ProxyPath", proxyPath);
     ReadText(key, L"Desc", text);
-    ReadText(key, L"CmdLine", text);
-    files.commandPath = text;
+    ReadText(key, L"CmdLine", commandPath);
     ReadText(key, L"Icon", text);
     ::RegCloseKey(key);
 
-    const std::wstring formats = path + L"\\File Formats";
+    const std::size_t keyLength = path.length;
+    path.Add(L"File Formats");
     for (const wchar_t* const mediaType : {L"Image", L"Audio", L"Video"}) {
-        const HKEY formatsKey = Open(HKEY_LOCAL_MACHINE, formats.c_str());
+        const HKEY formatsKey = Open(HKEY_LOCAL_MACHINE, path.text);
         ReadText(formatsKey, mediaType, text);
         ::RegCloseKey(formatsKey);
     }
-    files.preferences = path + L"\\Preferences";
-    ReadNumber(HKEY_CURRENT_USER, files.preferences.c_str(), L"DefaultFlag");
-    return files;
+    path.CutTo(keyLength);
+    path.Add(L"Preferences");
+    ReadNumber(HKEY_CURRENT_USER, path.text, L"DefaultFlag");
+    if (!::PathFileExistsW(commandPath) || !::PathFileExistsW(proxyPath)) {
+        return 0;
+    }
+    if (!ReadNumber(HKEY_CURRENT_USER, path.text, L"AutoLaunchOnDeviceConnect")) {
+        ReadNumber(HKEY_LOCAL_MACHINE, path.text, L"AutoLaunchOnDeviceConnect");
+    }
+    return 1;
 }
 
-struct OpenKey {
-    HKEY key;
-    std::wstring path;
-};
+/// Depth first: so neither a key nor its path has to wait in a queue.
+int LoadBelow(HKEY parent, Path& path)
+{
+    int kept = 0;
+    wchar_t name[128];
+    FILETIME written;
+    const std::size_t parentLength = path.length;
+    for (DWORD index = 0, length = 128; ::RegEnumKeyExW(parent, index, name, &length, nullptr, nullptr,
+                                                        nullptr, &written) == ERROR_SUCCESS;
+         ++index, length = 128) {
+        path.Add(name);
+        if (std::wcscmp(name, L"Corvane Kestrafetch") == 0) {
+            kept += ReadApplication(path);
+        } else if (const HKEY key = Open(HKEY_LOCAL_MACHINE, path.text)) {
+            kept += LoadBelow(key, path);
+            ::RegCloseKey(key);
+        }
+        path.CutTo(parentLength);
+    }
+    return kept;
+}
 
 } // namespace
 
 int LoadApplications()
 {
-    std::deque<OpenKey> pending;
-    std::deque<Files> found;
-    const std::wstring root = L"SOFTWARE\\Corvane";
-    pending.push_back({Open(HKEY_LOCAL_MACHINE, root.c_str()), root});
-    while (!pending.empty()) {
-        const OpenKey parent = std::move(pending.front());
-        pending.pop_front();
-        wchar_t name[128];
-        FILETIME written;
-        for (DWORD index = 0, length = 128; ::RegEnumKeyExW(parent.key, index, name, &length, nullptr,
-                                                            nullptr, nullptr, &written) == ERROR_SUCCESS;
-             ++index, length = 128) {
-            std::wstring path = parent.path + L'\\' + name;
-            if (std::wcscmp(name, L"Corvane Kestrafetch") == 0) {
-                found.push_back(ReadApplication(path));
-            } else if (const HKEY key = Open(HKEY_LOCAL_MACHINE, path.c_str())) {
-                pending.push_back({key, std::move(path)});
-            }
-        }
-        ::RegCloseKey(parent.key);
-    }
-    int kept = 0;
-    for (const Files& files : found) {
-        if (::PathFileExistsW(files.commandPath.c_str()) && ::PathFileExistsW(files.proxyPath.c_str())) {
-            if (!ReadNumber(HKEY_CURRENT_USER, files.preferences.c_str(),
-                            L"AutoLaunchOnDeviceConnect")) {
-                ReadNumber(HKEY_LOCAL_MACHINE, files.preferences.c_str(), L"AutoLaunchOnDeviceConnect");
-            }
-            ++kept;
-        }
-    }
+    Path path;
+    const HKEY root = Open(HKEY_LOCAL_MACHINE, path.text);
+    const int kept = LoadBelow(root, path);
+    ::RegCloseKey(root);
     return kept;
 }
 

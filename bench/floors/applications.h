@@ -1,5 +1,6 @@
 // The registry calls, and those on files and the own process, that loading the applications and keeping
-// their order consist of. Nothing of what is read is kept.
+// their order consist of. Nothing of what is read
+// is kept.
 #pragma once
 
 namespace kestraboot::bench

@@ -21,7 +21,6 @@ void LookAtDrives()
         }
     }
     ::SetErrorMode(mode);
-    ::GetTickCount64(); // from when the next look is due
 }
 
 } // namespace kestraboot::bench

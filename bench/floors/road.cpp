@@ -22,12 +22,10 @@ void ReadFileSystem(const wchar_t* drive)
 {
     wchar_t volumeName[260];
     wchar_t fileSystem[260];
-    const UINT outer = ::SetErrorMode(SEM_FAILCRITICALERRORS);
+    const UINT mode = ::SetErrorMode(SEM_FAILCRITICALERRORS);
     ::GetDriveTypeW(drive);
-    const UINT inner = ::SetErrorMode(SEM_FAILCRITICALERRORS);
     ::GetVolumeInformationW(drive, volumeName, 260, nullptr, nullptr, nullptr, fileSystem, 260);
-    ::SetErrorMode(inner);
-    ::SetErrorMode(outer);
+    ::SetErrorMode(mode);
 }
 
 void AskForCandidate(const wchar_t* drive)

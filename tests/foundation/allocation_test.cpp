@@ -14,14 +14,14 @@ namespace
 using namespace kestraboot::tests;
 
 constexpr const wchar_t* kPath = L"a key with a name too long for a small string";
-constexpr const wchar_t* kText = L"a text too long for a small string";
+const std::wstring kText(300, L't'); // more than there is room for at first
 
 TEST(OutOfMemory, ComesOutOfARegistryReadAndLeavesNoKeyOpen)
 {
     const RegistrySandbox sandbox;
     PutText(HKEY_LOCAL_MACHINE, kPath, L"Text", kText);
     MakeKey(HKEY_LOCAL_MACHINE, std::wstring(kPath) + L"\\Sub");
-    // The path given, its copy, the text, the name.
+    // The path given, the text, the name.
     EXPECT_EQ(ForEveryAllocation(
                   [] {
                       RegistryKey key = RegistryKey::OpenLocalMachine(kPath, KEY_READ);
@@ -31,7 +31,7 @@ TEST(OutOfMemory, ComesOutOfARegistryReadAndLeavesNoKeyOpen)
                   [](bool threw) {
                       EXPECT_TRUE(threw);
                   }),
-              4);
+              3);
 }
 
 TEST(OutOfMemory, InAReadLeavesTheKeyUsable)
@@ -46,7 +46,7 @@ TEST(OutOfMemory, InAReadLeavesTheKeyUsable)
         EXPECT_THROW(static_cast<void>(key.QueryString(L"Text")), std::bad_alloc);
     }
     EXPECT_STREQ(key.QueryString(L"Short"), L"short"); // though the buffer for it went
-    EXPECT_STREQ(key.QueryString(L"Text"), kText);
+    EXPECT_STREQ(key.QueryString(L"Text"), kText.c_str());
 }
 
 TEST(OutOfMemory, ComesOutOfTheProcessIdentityAndLeavesTheRecord)

@@ -195,6 +195,19 @@ TEST_F(RegistryText, IsNeverOfferedMoreThanIsAllocated)
     }
 }
 
+TEST_F(RegistryText, OfAUsualSizeTakesMemoryOnce)
+{
+    RegistryKey key = Open();
+    const wchar_t* room = nullptr;
+    for (const std::size_t length : {3U, 200U, 20U, 255U}) {
+        Put(REG_SZ, Bytes(std::wstring(length, L't')));
+        const wchar_t* const text = key.QueryString(L"Text");
+        EXPECT_EQ(std::wcslen(text), length);
+        EXPECT_TRUE(room == nullptr || text == room) << length;
+        room = text;
+    }
+}
+
 TEST_F(RegistryText, ThatGrowsBetweenSizeAndReadIsNullAndTheNextReadIsWhole)
 {
     std::wstring stored = L"four";

@@ -7,8 +7,6 @@ namespace kestraboot
 namespace
 {
 
-using Pieces = std::vector<std::wstring>;
-
 TEST(Field, HoldsTextCutAt259CharactersAndAlwaysTerminated)
 {
     struct {
@@ -62,22 +60,10 @@ TEST(EqualIgnoringCase, ComparesWholeStrings)
     EXPECT_FALSE(EqualIgnoringCase(L"", L" "));
 }
 
-TEST(SplitAtBlanks, KeepsTheOrderAndTheLastPiece)
+TEST(JoinedPath, HasOneBackslashBetween)
 {
-    EXPECT_EQ(SplitAtBlanks(L"wma mp3 wav"), (Pieces{L"wma", L"mp3", L"wav"}));
-    EXPECT_EQ(SplitAtBlanks(L"one"), (Pieces{L"one"}));
-}
-
-TEST(SplitAtBlanks, LeavesOutEmptyPieces)
-{
-    EXPECT_EQ(SplitAtBlanks(L" jpg  tif "), (Pieces{L"jpg", L"tif"}));
-    EXPECT_EQ(SplitAtBlanks(L""), Pieces{});
-    EXPECT_EQ(SplitAtBlanks(L"   "), Pieces{});
-}
-
-TEST(SplitAtBlanks, TrimsNothingElse)
-{
-    EXPECT_EQ(SplitAtBlanks(L".JPG,\ttif jpg jpg"), (Pieces{L".JPG,\ttif", L"jpg", L"jpg"}));
+    EXPECT_EQ(JoinPath(L"E:", L"DCIM"), L"E:\\DCIM");
+    EXPECT_EQ(JoinPath(L"", L""), L"\\");
 }
 
 TEST(Quotes, GoAroundTextThatDoesNotBeginWithOne)

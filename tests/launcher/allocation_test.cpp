@@ -55,7 +55,7 @@ struct LauncherOutOfMemory : testing::Test {
     std::wstring path = L"C:\\a folder with a long name\\viewer.exe";
     std::wstring mode = L"direct";
     std::wstring type = L"volume";
-    std::wstring id = L"an identifier of some length";
+    std::wstring id = std::wstring(1000, L'i'); // a line for which memory is needed
 };
 
 TEST_F(LauncherOutOfMemory, StartsAndTracesNothing)

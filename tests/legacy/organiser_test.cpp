@@ -58,7 +58,8 @@ TEST_F(Organiser, HandlesImagesThenAudioThenVideo)
     for (const auto& [extensions, kind] : {std::pair{kOrganiserImageExtensions, L" Image"},
                                            std::pair{kOrganiserAudioExtensions, L" Audio"},
                                            std::pair{kOrganiserVideoExtensions, L" Video"}}) {
-        for (const std::wstring& extension : SplitAtBlanks(extensions)) {
+        std::wistringstream words{std::wstring(extensions)};
+        for (std::wstring extension; words >> extension;) {
             expected.push_back(extension + kind);
         }
     }

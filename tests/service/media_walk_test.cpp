@@ -1,4 +1,5 @@
 #include "service/media_walk.h"
+#include "tests/support/format_failure.h"
 #include "tests/support/handle_count.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/temp_folder.h"
@@ -270,6 +271,23 @@ TEST_F(SteeredWalk, ALineLongerThanTheTraceBufferIsCut)
     folders[L"E:\\*"] = {{name}};
     EXPECT_FALSE(FindSupportedFile(L"E:", 4, Pictures()));
     EXPECT_THAT(trace.Lines(), ElementsAre(File(1, name).substr(0, 259)));
+}
+
+TEST_F(SteeredWalk, ALineBehindALongerOneHasNothingOfIt)
+{
+    folders[L"E:\\*"] = {{L"a long name.txt"}, {L"b"}, {std::wstring(255, L'n')}, {L"c.txt"}};
+    EXPECT_FALSE(FindSupportedFile(L"E:", 4, Pictures()));
+    EXPECT_THAT(trace.Lines(),
+                ElementsAre(File(1, L"a long name.txt"), File(1, L"b"),
+                            File(1, std::wstring(255, L'n')).substr(0, 259), File(1, L"c.txt")));
+}
+
+TEST_F(SteeredWalk, LinesThatCannotBeFormattedAreEmpty)
+{
+    folders[L"E:\\*"] = {{L"a.txt"}, {L"b.jpg"}};
+    const tests::FormatFailure fails;
+    EXPECT_TRUE(FindSupportedFile(L"E:", 4, Pictures()));
+    EXPECT_THAT(trace.Lines(), ElementsAre(L"", L"", kFound));
 }
 
 TEST_F(SteeredWalk, AnUnpairedSurrogateIsJustACharacter)

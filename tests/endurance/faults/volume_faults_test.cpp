@@ -53,10 +53,11 @@ void Fill(WIN32_FIND_DATAW& entry, const wchar_t* name, DWORD attributes) noexce
     std::wcscpy(entry.cFileName, name);
 }
 
-/// A name so long that its trace line is cut.
+// Names so long that their trace lines are cut.
 const std::wstring kNotes = std::wstring(240, L'n') + L".txt";
+const std::wstring kPictures = L"DCIM" + std::wstring(236, L'd');
 
-/// E:\nnn...nnn.txt and E:\DCIM\IMG_1.JPG.
+/// E:\nnn...nnn.txt and E:\DCIMddd...ddd\IMG_1.JPG.
 HANDLE ListFirst(const wchar_t* pattern, WIN32_FIND_DATAW* entry) noexcept
 {
     inPictureFolder = std::wcsstr(pattern, L"DCIM") != nullptr;
@@ -69,7 +70,7 @@ BOOL ListNext(HANDLE, WIN32_FIND_DATAW* entry) noexcept
 {
     const bool more = !inPictureFolder && entry->cFileName == kNotes;
     if (more) {
-        Fill(*entry, L"DCIM", FILE_ATTRIBUTE_DIRECTORY);
+        Fill(*entry, kPictures.c_str(), FILE_ATTRIBUTE_DIRECTORY);
     }
     return more;
 }
