@@ -2,6 +2,7 @@
 # Installs what is not there yet, on Debian 12, Debian 13 and what is built from them. Can be run any number of times.
 #   setup.sh demo     what building and running the demo needs
 #   setup.sh curves   what scripts/bench.sh --record draws with
+#   setup.sh ucrt     what scripts/test-ucrt.sh needs; Debian has that compiler from 13 on
 #   setup.sh          what the demo needs, and what scripts/test.sh needs: the second compiler, the linter, the formatter, ...
 set -euo pipefail
 . "$(dirname "$0")/usage.sh"
@@ -15,15 +16,18 @@ demo=(
     python3                                        # the bill of materials of what is installed
     wine wine64                                    # runs what was built
 )
-all=(
+suite=(
     "${demo[@]}"
+    git
+    openssl osslsigncode                           # sign what the test of signatures verifies
+    python3-jsonschema                             # holds the tools' JSON against its schema
+)
+all=(
+    "${suite[@]}"
     clang clang-tidy                               # the second compiler, the linter: those of the release
     cppcheck                                       # a second opinion beside the linter's
     doxygen                                        # the reference of the exported interface
-    git
     lld                                            # the second compiler's linker
-    openssl osslsigncode                           # sign what the test of signatures verifies
-    python3-jsonschema                             # holds the tools' JSON against its schema
 )
 
 help_wanted "$@"
@@ -31,6 +35,7 @@ case "$# ${1-}" in
 '0 ') packages=("${all[@]}") ;;
 '1 demo') packages=("${demo[@]}") ;;
 '1 curves') packages=(python3-matplotlib) ;;
+'1 ucrt') packages=("${suite[@]}" g++-mingw-w64-ucrt64) ;;
 *) wrong_usage "no such group of packages: $*" ;;
 esac
 # The format is held by one version of the formatter; releases after these have it no more (scripts/test.sh says so).
@@ -64,4 +69,7 @@ fi
 echo "== Installing: ${missing[*]}"
 "${as_root[@]}" apt-get -qq update
 "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -y --no-install-recommends install "${missing[@]}" \
-    </dev/null | sed -nu 's/^Unpacking \([^ ]*\).*/   \1/p'
+    </dev/null | sed -nu 's/^Unpacking \([^ ]*\).*/   \1/p' || {
+    echo "setup.sh: apt-get did not install them (above it says why); this release may lack one of: ${missing[*]}" >&2
+    exit 1
+}
