@@ -20,7 +20,7 @@ namespace
 {
 
 struct LocalMemoryDeleter {
-    void operator()(wchar_t** memory) const noexcept { ::LocalFree(memory); }
+    void operator()(wchar_t** memory) const noexcept { ::LocalFree(static_cast<void*>(memory)); }
 };
 
 /// The first word after the program, as the library reads it; nothing where there is none.

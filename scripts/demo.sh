@@ -29,6 +29,7 @@ cmake --build --preset release --target product
 cmake --install build/release --prefix "$package" >/dev/null
 
 title "A Wine prefix of its own"
+echo "   (waits up to 4 minutes for Wine to make it)"
 trap 'trace_end; wine_prefix_end "$prefix"' EXIT
 wine_prefix_make "$prefix" || { echo "demo: Wine made no prefix in $prefix within its time" >&2 && exit 1; }
 wine_prefix_start "$prefix"

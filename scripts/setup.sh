@@ -3,6 +3,7 @@
 #   setup.sh demo     what building and running the demo needs
 #   setup.sh curves   what scripts/bench.sh --record draws with
 #   setup.sh screenshots  what scripts/screenshots.sh takes its pictures with
+#   setup.sh ucrt     what scripts/test-ucrt.sh needs; Debian has that compiler from 13 on
 #   setup.sh          what the demo needs, and what scripts/test.sh needs: the second compiler, the linter, the formatter, ...
 set -euo pipefail
 . "$(dirname "$0")/usage.sh"
@@ -16,18 +17,21 @@ demo=(
     python3                                        # the bill of materials of what is installed
     wine wine64                                    # runs what was built
 )
-all=(
+suite=(
     "${demo[@]}"
-    clang clang-tidy                               # the second compiler, the linter: those of the release
-    codespell                                      # the spelling of everything that people read
-    cppcheck                                       # a second opinion beside the linter's
     doxygen                                        # the reference of the exported interface
     git
-    lld                                            # the second compiler's linker
     msitools wixl                                  # make the sample installer
     openssl osslsigncode                           # sign what the test of signatures verifies
     pkgconf                                        # asks the package's pkg-config file
     python3-jsonschema                             # holds the tools' JSON against its schema
+)
+all=(
+    "${suite[@]}"
+    clang clang-tidy                               # the second compiler, the linter: those of the release
+    codespell                                      # the spelling of everything that people read
+    cppcheck                                       # a second opinion beside the linter's
+    lld                                            # the second compiler's linker
 )
 
 help_wanted "$@"
@@ -36,6 +40,7 @@ case "$# ${1-}" in
 '1 demo') packages=("${demo[@]}") ;;
 '1 curves') packages=(python3-matplotlib) ;;
 '1 screenshots') packages=("${demo[@]}" xvfb imagemagick fonts-wine) ;;
+'1 ucrt') packages=("${suite[@]}" g++-mingw-w64-ucrt64) ;;
 *) wrong_usage "no such group of packages: $*" ;;
 esac
 # The format is held by one version of the formatter; releases after these have it no more (scripts/test.sh says so).
@@ -69,4 +74,7 @@ fi
 echo "== Installing: ${missing[*]}"
 "${as_root[@]}" apt-get -qq update
 "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -y --no-install-recommends install "${missing[@]}" \
-    </dev/null | sed -nu 's/^Unpacking \([^ ]*\).*/   \1/p'
+    </dev/null | sed -nu 's/^Unpacking \([^ ]*\).*/   \1/p' || {
+    echo "setup.sh: apt-get did not install them (above it says why); this release may lack one of: ${missing[*]}" >&2
+    exit 1
+}

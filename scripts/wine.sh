@@ -29,8 +29,8 @@ wine_prefix_clear() {
 # wine_prefix_make FOLDER: a fresh prefix in which windows work without a display.
 wine_prefix_make() {
     wine_prefix_clear "$1" || return 1
-    wine_in "$1" timeout 180 wine wineboot -i >/dev/null 2>&1 </dev/null || return 1
-    wine_in "$1" timeout 60 wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f \
+    wine_in "$1" timeout --kill-after=10 180 wine wineboot -i >/dev/null 2>&1 </dev/null || return 1
+    wine_in "$1" timeout --kill-after=10 60 wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f \
         >/dev/null 2>&1 </dev/null || return 1
     wine_prefix_end "$1"
 }
@@ -47,7 +47,7 @@ wine_prefix_start() {
     local attempt
     for attempt in 1 2 3; do
         if wine_in "$1" wineserver -p >/dev/null 2>&1 </dev/null &&
-            wine_in "$1" timeout 60 wine cmd /c exit >/dev/null 2>&1 </dev/null; then
+            wine_in "$1" timeout --kill-after=10 60 wine cmd /c exit >/dev/null 2>&1 </dev/null; then
             return 0
         fi
         echo "wine: $1 does not start, attempt $attempt of 3" >&2
@@ -70,8 +70,8 @@ wine_run() {
 
 # wine_prefix_end FOLDER: ends every process in it, and its server.
 wine_prefix_end() {
-    wine_in "$1" timeout 30 wineserver -k >/dev/null 2>&1 </dev/null || true
-    wine_in "$1" timeout 30 wineserver -w >/dev/null 2>&1 </dev/null || true
+    wine_in "$1" timeout --kill-after=10 30 wineserver -k >/dev/null 2>&1 </dev/null || true
+    wine_in "$1" timeout --kill-after=10 30 wineserver -w >/dev/null 2>&1 </dev/null || true
 }
 
 # wine_await SECONDS FILE TEXT [FILE ...]: until the file holds that text, or is there where the text is empty. If it

@@ -28,8 +28,8 @@ run_value() {
 
 exit_code_of() {
     local code=0
-    (cd "$1" && wine_in "$prefix" timeout 60 wine kestraboot.exe "${@:2}" </dev/null >"$demo/console.log" 2>&1) ||
-        code=$?
+    (cd "$1" && wine_in "$prefix" timeout --kill-after=10 60 wine kestraboot.exe "${@:2}" \
+        </dev/null >"$demo/console.log" 2>&1) || code=$?
     echo $code
 }
 

@@ -66,11 +66,15 @@ expect_report() {
 # forget_report PROGRAM: so that the next start is seen for itself.
 forget_report() { rm -f "$prefix/drive_c/users/$(id -un)/AppData/Local/Corvane Sample Viewer/$1.txt"; }
 
-# in_wine SECONDS PROGRAM ...: a program of the demo, waited for.
+# in_wine SECONDS PROGRAM ...: a program of the demo, waited for. Says so where it fails, since the demo ends there.
 in_wine() {
     local status=0
     wine_run "$prefix" "$@" || status=$?
-    [ $status != 124 ] || echo "demo: not through within $1 s, and ended: ${*:2}" >&2
+    case $status in
+    0) ;;
+    124 | 137) echo "demo: terminated after $1 s: ${*:2}" >&2 ;;
+    *) echo "demo: exit code $status from: ${*:2}" >&2 ;;
+    esac
     return $status
 }
 

@@ -8,14 +8,14 @@ namespace
 constexpr DWORD kLongestEnd = 4000; // milliseconds; Windows ends the process after five seconds
 
 // For the console's handler, which runs on a thread of its own. Closed with the process.
-HANDLE asked = nullptr;
-HANDLE ended = nullptr;
+HANDLE stopAsked = nullptr;
+HANDLE stopEnded = nullptr;
 
 BOOL WINAPI OnControl(DWORD event) noexcept
 {
-    ::SetEvent(asked);
+    ::SetEvent(stopAsked);
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
-        ::WaitForSingleObject(ended, kLongestEnd); // the process ends when this returns
+        ::WaitForSingleObject(stopEnded, kLongestEnd); // the process ends when this returns
     }
     return TRUE;
 }
@@ -24,26 +24,26 @@ BOOL WINAPI OnControl(DWORD event) noexcept
 
 Stop::Stop()
 {
-    asked = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    ended = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    ready = asked != nullptr && ended != nullptr && ::SetConsoleCtrlHandler(OnControl, TRUE);
+    stopAsked = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    stopEnded = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    ready = stopAsked != nullptr && stopEnded != nullptr && ::SetConsoleCtrlHandler(OnControl, TRUE);
 }
 
 Stop::~Stop()
 {
-    if (ended != nullptr) {
-        ::SetEvent(ended);
+    if (stopEnded != nullptr) {
+        ::SetEvent(stopEnded);
     }
 }
 
 HANDLE Stop::Event() const noexcept
 {
-    return asked;
+    return stopAsked;
 }
 
 bool Stop::Asked() const noexcept
 {
-    return ::WaitForSingleObject(asked, 0) == WAIT_OBJECT_0;
+    return ::WaitForSingleObject(stopAsked, 0) == WAIT_OBJECT_0;
 }
 
 } // namespace kestraboot::tools

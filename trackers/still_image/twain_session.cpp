@@ -56,7 +56,7 @@ TwainSession::TwainSession() noexcept
     parent.reset(::CreateWindowExW(0, L"STATIC", L"TWAINTrackerWindow", WS_POPUP, 20, 20, 200, 200,
                                    nullptr, nullptr, ::GetModuleHandleW(nullptr), nullptr));
     HWND parentHandle = parent.get();
-    open = Ask(DAT_PARENT, MSG_OPENDSM, &parentHandle) != TWRC_FAILURE;
+    open = Ask(DAT_PARENT, MSG_OPENDSM, static_cast<void*>(&parentHandle)) != TWRC_FAILURE;
 }
 
 TwainSession::~TwainSession()
@@ -64,7 +64,7 @@ TwainSession::~TwainSession()
     if (entry != nullptr) {
         // Also after an opening that failed: to close what is not open does no harm.
         HWND parentHandle = parent.get();
-        static_cast<void>(Ask(DAT_PARENT, MSG_CLOSEDSM, &parentHandle));
+        static_cast<void>(Ask(DAT_PARENT, MSG_CLOSEDSM, static_cast<void*>(&parentHandle)));
     }
 }
 

@@ -38,19 +38,25 @@ Row WiaRow(const ImagingParts& imaging, bool watched)
                     (imaging.serviceRuns ? L" runs" : L" does not run, and starts when it is asked"));
 }
 
-/// Why a 64-bit program cannot load it; empty where it can.
-std::wstring WhyNotLoaded(const SystemPart& part, const wchar_t* name)
+/// A part of Windows as a 64-bit program loads it.
+struct LoadedPart {
+    std::wstring path;
+    const PeImage* image = nullptr; ///< null where it cannot be loaded
+    std::wstring fault;             ///< why it does not serve
+};
+
+LoadedPart Loaded(const SystemPart& part, const wchar_t* name)
 {
     if (!part.path) {
-        return std::wstring(name) + L" cannot be found";
+        return {{}, nullptr, std::wstring(name) + L" cannot be found"};
     }
     if (!part.file.image) {
-        return *part.path + L" " + part.file.fault;
+        return {*part.path, nullptr, *part.path + L" " + part.file.fault};
     }
     if (part.file.image->machine != kMachine64Bit) {
-        return *part.path + L" is " + MachineName(part.file.image->machine);
+        return {*part.path, nullptr, *part.path + L" is " + MachineName(part.file.image->machine)};
     }
-    return {};
+    return {*part.path, &*part.file.image, {}};
 }
 
 Row StillImageRow(const SystemPart& part, bool watched)
@@ -58,48 +64,47 @@ Row StillImageRow(const SystemPart& part, bool watched)
     if (!watched) {
         return Fine(kStillImage, {}, std::wstring(L"sti.dll ") + kNotAsked);
     }
-    std::wstring why = WhyNotLoaded(part, L"sti.dll");
-    if (why.empty() && !HasExport(*part.file.image, "StiCreateInstance")) {
-        why = *part.path + L" has no entry point StiCreateInstance";
+    LoadedPart library = Loaded(part, L"sti.dll");
+    if (library.image != nullptr && !HasExport(*library.image, "StiCreateInstance")) {
+        library.fault = library.path + L" has no entry point StiCreateInstance";
     }
-    if (!why.empty()) {
+    if (!library.fault.empty()) {
         return Broken(
-            kStillImage, {}, why + L": no still-image device is noticed",
+            kStillImage, {}, library.fault + L": no still-image device is noticed",
             L"repair Windows; a file of that name beside the boot program does not belong there");
     }
-    return Fine(kStillImage, *part.path, L"can be loaded; " + VersionText(part.version));
+    return Fine(kStillImage, library.path, L"can be loaded; " + VersionText(part.version));
 }
 
 Row TwainRow(const ImagingParts& imaging, bool watched)
 {
-    const SystemPart& manager = imaging.sourceManager;
-    std::wstring why = WhyNotLoaded(manager, L"twain_32.dll");
-    if (why.empty() && std::ranges::find(manager.file.image->ordinals, kSourceManagerOrdinal) ==
-                           manager.file.image->ordinals.end()) {
-        why = *manager.path + L" has no entry point 1";
+    LoadedPart manager = Loaded(imaging.sourceManager, L"twain_32.dll");
+    if (manager.image != nullptr && std::ranges::find(manager.image->ordinals, kSourceManagerOrdinal) ==
+                                        manager.image->ordinals.end()) {
+        manager.fault = manager.path + L" has no entry point 1";
     }
     const std::wstring sources =
         std::to_wstring(imaging.sources) + L" 64-bit TWAIN source" + (imaging.sources == 1 ? L"" : L"s");
     if (!watched) {
         return Fine(kTwain, {},
                     std::wstring(L"TWAIN ") + kNotAsked + L"; " +
-                        (why.empty() ? L"there is a 64-bit source manager, with " + sources
-                                     : L"there is no 64-bit source manager"));
+                        (manager.fault.empty() ? L"there is a 64-bit source manager, with " + sources
+                                               : L"there is no 64-bit source manager"));
     }
-    if (!why.empty()) {
+    if (!manager.fault.empty()) {
         return Suspicious(kTwain, {},
-                          L"there is no 64-bit source manager: " + why +
+                          L"there is no 64-bit source manager: " + manager.fault +
                               L". A device with a TWAIN source alone is not noticed",
                           L"install a 64-bit TWAIN source manager under the name twain_32.dll, and "
                           L"64-bit sources");
     }
     if (imaging.sources == 0) {
-        return Suspicious(kTwain, *manager.path,
+        return Suspicious(kTwain, manager.path,
                           L"is a 64-bit source manager, but there is no 64-bit source: a device with a "
                           L"TWAIN source alone is not noticed",
                           L"install the 64-bit TWAIN driver of the device");
     }
-    return Fine(kTwain, *manager.path, L"is a 64-bit source manager, with " + sources);
+    return Fine(kTwain, manager.path, L"is a 64-bit source manager, with " + sources);
 }
 
 } // namespace

@@ -31,6 +31,7 @@ std::wstring WhyNotLoaded(const PluginFile& plugin)
         return L"has no entry point FxPluginMain";
     }
     std::vector<std::wstring> missing;
+    missing.reserve(plugin.missing.size());
     for (const MissingModule& module : plugin.missing) {
         missing.push_back(Wide(module.name) +
                           (module.neededBy.empty() ? L"" : L" (for " + Wide(module.neededBy) + L")") +

@@ -26,7 +26,7 @@ std::optional<std::wstring> SessionText(WTS_INFO_CLASS what)
         text == nullptr) {
         return std::nullopt;
     }
-    const std::wstring copy = text;
+    std::wstring copy = text;
     ::WTSFreeMemory(text);
     return copy;
 }

@@ -51,7 +51,7 @@ ModuleSearch::ModuleSearch(const std::wstring& programFolder)
 std::optional<std::wstring> ModuleSearch::PathOf(const std::wstring& name) const
 {
     for (const Folder& folder : folders) {
-        const std::wstring path = folder.path + L"\\" + name;
+        std::wstring path = folder.path + L"\\" + name;
         if (::PathFileExistsW(path.c_str()) && !::PathIsDirectoryW(path.c_str())) {
             return path;
         }

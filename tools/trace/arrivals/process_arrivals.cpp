@@ -25,9 +25,7 @@ void ProcessArrivals::Take(const SeenLine& line, const TraceEvent& event)
     lastLine = line.time.upMilliseconds;
     switch (event.type) {
     case EventType::VolumeNotice:
-        if (!HasFreshNotice(line)) {
-            notice = line.time;
-        }
+        notice = FreshNotice(line).value_or(line.time);
         break;
     case EventType::VolumeFound:
         TakeVolumeFound(line, event);
@@ -88,9 +86,10 @@ OpenDevice& ProcessArrivals::OpenUnannounced(const SeenLine& line, const TraceEv
     return device;
 }
 
-bool ProcessArrivals::HasFreshNotice(const SeenLine& line) const
+std::optional<TimeStamp> ProcessArrivals::FreshNotice(const SeenLine& line) const
 {
-    return notice && line.time.upMilliseconds - notice->upMilliseconds <= kLongestNotice;
+    const bool tooOld = notice && line.time.upMilliseconds - notice->upMilliseconds > kLongestNotice;
+    return tooOld ? std::nullopt : notice;
 }
 
 void ProcessArrivals::TakePlugin(const std::string& name)
@@ -104,9 +103,7 @@ void ProcessArrivals::TakeVolumeFound(const SeenLine& line, const TraceEvent& ev
 {
     EndVolume(); // the tracker went on
     OpenDevice& device = Open(DeviceState::Searching, line, event.tracker, event);
-    if (HasFreshNotice(line)) {
-        device.arrival.noticed = *notice;
-    }
+    device.arrival.noticed = FreshNotice(line).value_or(line.time);
     notice.reset();
 }
 

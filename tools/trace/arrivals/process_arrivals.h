@@ -54,7 +54,8 @@ private:
     OpenDevice& Open(DeviceState state, const SeenLine& line, const char* tracker,
                      const TraceEvent& event);
     OpenDevice& OpenUnannounced(const SeenLine& line, const TraceEvent& event);
-    [[nodiscard]] bool HasFreshNotice(const SeenLine& line) const;
+    /// The notice, where it is not too old for this line.
+    [[nodiscard]] std::optional<TimeStamp> FreshNotice(const SeenLine& line) const;
     void TakePlugin(const std::string& name);
     void TakeVolumeFound(const SeenLine& line, const TraceEvent& event);
     void TakeSearch(const SeenLine& line, const TraceEvent& event);

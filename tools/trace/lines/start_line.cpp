@@ -27,7 +27,7 @@ std::optional<StartLine> ParseOrganiserLine(std::string_view text)
     if (device == std::string_view::npos || !text.ends_with('"')) {
         return std::nullopt;
     }
-    std::string_view tagged = text.substr(device + kOrganiserDevice.size());
+    const std::string_view tagged = text.substr(device + kOrganiserDevice.size());
     StartLine line;
     line.application = WithoutQuotes(text.substr(0, device + 1));
     if (tagged.starts_with("V|")) {
