@@ -68,7 +68,7 @@ def guides() -> list[str]:
 def page() -> tuple[str, int]:
     lines, count = [HEAD], 0
     lines += ["## By guide\n", "| page | followed by |", "|---|---|"]
-    lines += [f"| [{guide}](../docs/{guide}.md) | `ctest -R 'guides.{guide}'` |" for guide in guides()]
+    lines += [f"| [{guide}](../{guide}.md) | `ctest -R 'guides.{guide_entry(guide)}'` |" for guide in guides()]
     lines += ["\n## By room"]
     for folder, files in sorted(rooms().items()):
         lines.append(f"\n### {folder.as_posix()}\n")

@@ -176,5 +176,20 @@ TEST_F(ApplicationRecord, IsReadWithTheRightToReadAlone)
                                                  L"\\File Formats", L"user \\Preferences"}));
 }
 
+TEST_F(ApplicationRecord, IsAskedForItsAutoLaunchValueWithTheRightToReadAlone)
+{
+    MakeKey(HKEY_CURRENT_USER, kKey + L"\\Preferences");
+    MakeKey(HKEY_LOCAL_MACHINE, kKey + L"\\Preferences");
+    std::vector<std::pair<HKEY, REGSAM>> opened;
+    const FAKE_IMPORT(RegOpenKeyExW)
+        open([&](HKEY root, const wchar_t* path, DWORD options, REGSAM access, HKEY* key) -> LONG {
+            opened.emplace_back(root, access);
+            return open.CallOriginal(root, path, options, access, key);
+        });
+    EXPECT_TRUE(IsAutoLaunchAllowed(kKey));
+    EXPECT_EQ(opened, (std::vector<std::pair<HKEY, REGSAM>>{{HKEY_CURRENT_USER, 0x20019},
+                                                            {HKEY_LOCAL_MACHINE, 0x20019}}));
+}
+
 } // namespace
 } // namespace kestraboot

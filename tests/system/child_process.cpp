@@ -18,12 +18,13 @@ HANDLE OpenToWriteOn(WritesOn output, const wchar_t* file)
     if (output == WritesOn::Nothing || output == WritesOn::Console) {
         return nullptr;
     }
-    if (output != WritesOn::File) {
+    const bool isFile = output == WritesOn::File || output == WritesOn::FileAlone;
+    if (!isFile) {
         file = output == WritesOn::Nul ? L"NUL" : L"CONOUT$";
     }
     SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
     return ::CreateFileW(file, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited,
-                         output == WritesOn::File ? CREATE_ALWAYS : OPEN_EXISTING, 0, nullptr);
+                         isFile ? CREATE_ALWAYS : OPEN_EXISTING, 0, nullptr);
 }
 
 } // namespace
@@ -41,7 +42,7 @@ ChildProcess::ChildProcess(const std::filesystem::path& program, const std::wstr
     if (file != nullptr) {
         startup.dwFlags = STARTF_USESTDHANDLES;
         startup.hStdOutput = file;
-        startup.hStdError = file;
+        startup.hStdError = output == WritesOn::FileAlone ? nullptr : file;
     }
     std::wstring line = L"\"" + program.wstring() + L"\"" + (arguments.empty() ? L"" : L" ") + arguments;
     const std::wstring startFolder = (folder.empty() ? program.parent_path() : folder).wstring();

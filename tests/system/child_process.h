@@ -9,11 +9,12 @@ namespace kestraboot::tests
 
 /// What a process is given to write on.
 enum class WritesOn {
-    File,          ///< a file; Output() reads it
+    File,          ///< a file, standard error too; Output() reads it
     Nothing,       ///< nothing at all, as at log-on
     Console,       ///< what Windows makes of this process's console, as at a prompt
     ConsoleHandle, ///< the handle of this process's console, as some shells do
     Nul,           ///< thrown away
+    FileAlone,     ///< a file, and standard error is thrown away
 };
 
 /// A process that the test starts; ended with this object at the latest.

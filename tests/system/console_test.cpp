@@ -61,6 +61,34 @@ TEST_F(AtAPrompt, AShortRunThatIsGivenTheWindowsHandleSaysItThereToo)
               "\n !!! Invalid second argument value.");
 }
 
+TEST_F(AtAPrompt, AShortRunWithoutAConsoleJoinsThatOfItsParent)
+{
+    const ConsoleWindow console;
+    const Faults held(app, L"kestraboot.exe!fputws=hold");
+    ChildProcess boot(app.Proxy(), L"--version", WritesOn::Nothing);
+    ASSERT_TRUE(trace.Await("<calls fputws>"));
+    EXPECT_TRUE(ConsoleWindow::Has(boot.Id()));
+}
+
+TEST_F(AtAPrompt, AShortRunOpensTheWindowOnlyWhereItJoinedOne)
+{
+    const ConsoleWindow console;
+    const auto calls = [&](const wchar_t* faults, WritesOn output) {
+        const Faults seen(app, faults);
+        ChildProcess boot(app.Proxy(), L"--version", output);
+        EXPECT_EQ(boot.ExitCode(), kDone);
+        return trace.LinesOf(boot.Id());
+    };
+    using Lines = std::vector<std::string>;
+    EXPECT_EQ(calls(L"kestraboot.exe!AttachConsole=tell kestraboot.exe!freopen=tell", WritesOn::Nothing),
+              (Lines{"<calls AttachConsole>", "<calls freopen>"}));
+    EXPECT_EQ(calls(L"kestraboot.exe!AttachConsole=fail kestraboot.exe!freopen=tell", WritesOn::Nothing),
+              (Lines{"<calls AttachConsole>"}));
+    EXPECT_EQ(calls(L"kestraboot.exe!AttachConsole=tell kestraboot.exe!freopen=tell", WritesOn::Console),
+              (Lines{"<calls AttachConsole>"}));
+    EXPECT_EQ(console.Text(), "C:\\>\n" + kVersionText);
+}
+
 TEST_F(AtAPrompt, ARunThatSucceedsSaysNothing)
 {
     EXPECT_EQ(Says(L"-default App yes", kDone), "");

@@ -140,8 +140,11 @@ TEST_F(ThreeApplications, ThatShareAProxyAreToldTheSame)
     PutText(HKEY_LOCAL_MACHINE, second.KeyPath(), L"ProxyPath", first.Proxy().wstring());
     PutText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\First", L"locale", L"fr_fr");
     PutText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\Second", L"locale", L"de_de");
+    PutDword(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane\\First", L"kestralaunchstatus", 0);
+    PutDword(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane\\Second", L"kestralaunchstatus", 1);
     const std::string json = Run(L"--json");
     EXPECT_THAT(json, AllOf(HasSubstr("fr_fr"), Not(HasSubstr("de_de"))));
+    EXPECT_THAT(json, AllOf(HasSubstr("\"mayLaunch\":false"), Not(HasSubstr("\"mayLaunch\":true"))));
 }
 
 TEST_F(Kestractl, ChangesNothingWhereTheLibraryWould)
@@ -317,6 +320,17 @@ TEST_F(Kestractl, SaysWhichBuildItIs)
                       build["runtime"].get<std::string>() + "\n",
                   version);
     }
+}
+
+TEST_F(Kestractl, HelpGoesToStandardOutputAndWhatIsWrongDoesNot)
+{
+    const auto standardOutput = [](const wchar_t* arguments) {
+        ChildProcess tool(BuiltPrograms() / "kestractl.exe", arguments, WritesOn::FileAlone);
+        tool.ExitCode();
+        return tool.Output();
+    };
+    EXPECT_THAT(standardOutput(L"--help"), StartsWith("usage: kestractl "));
+    EXPECT_EQ(standardOutput(L"--jsn"), "");
 }
 
 TEST_F(Kestractl, ChangesNothingWhereItsOutputCannotBeWritten)

@@ -10,6 +10,7 @@ namespace
 {
 
 constexpr WORD kRed = FOREGROUND_RED | FOREGROUND_INTENSITY;
+constexpr WORD kYellow = FOREGROUND_RED | FOREGROUND_GREEN | FOREGROUND_INTENSITY;
 
 /// A console shared by this process and the viewer.
 class TraceConsole : public testing::Test
@@ -80,6 +81,14 @@ TEST_F(TraceConsole, ShowsFailuresInRed)
     ::OutputDebugStringW(L"<KestraBoot><!!! bad>");
     EXPECT_EQ(ColoursOf(L"<!!! bad>") & 0xF, kRed);
     EXPECT_NE(ColoursOf(L"<KestraBoot>") & 0xF, kRed);
+}
+
+TEST_F(TraceConsole, ShowsTheCommandLineOfAStartInYellow)
+{
+    ASSERT_TRUE(made);
+    Start(L"");
+    ::OutputDebugStringW(L"\"C:\\a.exe\" module=kestrafetch params mode=direct");
+    EXPECT_EQ(ColoursOf(L"\"C:\\a.exe\" module") & 0xF, kYellow);
 }
 
 TEST_F(TraceConsole, StaysInItsOwnColoursWhereAsked)

@@ -129,6 +129,17 @@ TEST(TraceOptions, VersionSaysWhichBuildItIs)
     EXPECT_EQ(viewer.Output(), VersionText("kestratrace"));
 }
 
+TEST(TraceOptions, HelpGoesToStandardOutputAndWhatIsWrongDoesNot)
+{
+    const auto standardOutput = [](const wchar_t* arguments) {
+        ChildProcess viewer(BuiltPrograms() / "kestratrace.exe", arguments, WritesOn::FileAlone);
+        viewer.ExitCode();
+        return viewer.Output();
+    };
+    EXPECT_THAT(standardOutput(L"--help"), HasSubstr("\nusage: kestratrace "));
+    EXPECT_EQ(standardOutput(L"--colour"), "");
+}
+
 TEST(TraceOptions, AnotherViewerKeepsTheChannel)
 {
     const DebugReader other;

@@ -124,6 +124,15 @@ TEST(FormattedArrival, MayBeAStartWithoutADevice)
                             HasSubstr("started after")));
 }
 
+TEST(FormattedArrival, MarksTheCommandLineAsThatOfAStart)
+{
+    const StyledText outcome = FormatArrival(Card()).back();
+    ASSERT_EQ(outcome.size(), 2U);
+    EXPECT_EQ(outcome[0].style, Style::Good);
+    EXPECT_EQ(outcome[1].style, Style::Start);
+    EXPECT_EQ(outcome[1].text, Card().startLine);
+}
+
 TEST(FormattedArrival, MayBeUndecided)
 {
     Arrival card = Card();

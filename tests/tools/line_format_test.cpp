@@ -51,6 +51,19 @@ TEST(FormattedLine, KeepsItsColumns)
     }
 }
 
+TEST(FormattedLine, CutsTheProcessNameAtAWholeCharacter)
+{
+    const auto shown = [](const std::string& name) {
+        SeenLine seen = Seen("<x>");
+        seen.processName = name;
+        return PlainText(FormatLine(seen, ParseTraceLine(seen.text))).substr(14, 20);
+    };
+    EXPECT_EQ(shown("123456789012345678.exe"), "123456789012345678  ");
+    EXPECT_EQ(shown("1234567890123456\xC3\xA9.exe"), "1234567890123456\xC3\xA9  ") << "18 bytes";
+    EXPECT_EQ(shown("12345678901234567\xC3\xA9.exe"), "12345678901234567   ");
+    EXPECT_EQ(shown("123456789012345\xF0\x9F\x93\xB7.exe"), "123456789012345     ");
+}
+
 TEST(FormattedLine, ColoursTagsAndMessage)
 {
     EXPECT_EQ(Styles("<***DeviceConnect***><WiaTracker><WIA devices will be detected>."),

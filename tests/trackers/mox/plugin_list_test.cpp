@@ -7,6 +7,7 @@
 
 #include <windows.h>
 #include <atomic>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <thread>
@@ -180,6 +181,26 @@ TEST_F(PluginLoading, LeavesWhatThePluginDoesNotTellAtZero)
     EXPECT_EQ(plugins.Entries().back().identifier.data1, 0U);
     EXPECT_EQ(plugins.LoadPlugin(folder.Add(L"entry", Failing(Operation::SetListEntry))), mox::kSuccess);
     EXPECT_EQ(plugins.Entries().size(), 4U);
+}
+
+TEST_F(PluginLoading, LeavesWhatASuccessfulAnswerDoesNotWriteAtZero)
+{
+    EXPECT_EQ(plugins.LoadPlugin(folder.Add(L"name", {.silent = Operation::GetName})), mox::kSuccess);
+    EXPECT_STREQ(plugins.Entries().back().name, L"");
+    EXPECT_EQ(plugins.LoadPlugin(folder.Add(L"value", {.silent = Operation::GetValue})), mox::kSuccess);
+    EXPECT_EQ(plugins.Entries().back().value, 0U);
+    EXPECT_EQ(plugins.LoadPlugin(folder.Add(L"identifier", {.silent = Operation::GetIdentifier})),
+              mox::kSuccess);
+    constexpr mox::Identifier kZero = {};
+    EXPECT_EQ(std::memcmp(&plugins.Entries().back().identifier, &kZero, sizeof kZero), 0);
+}
+
+TEST_F(PluginLoading, TakesAnInterfaceThatIsPromisedAndNotGivenForNone)
+{
+    EXPECT_EQ(plugins.LoadPlugin(folder.Add(L"alpha", {.silent = Operation::QueryDescriptor})),
+              mox::kFailure);
+    EXPECT_FALSE(folder.IsLoaded(L"alpha"));
+    EXPECT_EQ(folder.References(L"alpha"), 0);
 }
 
 TEST_F(PluginLoading, KeepsNamesOf259CharactersWholeAndEndsLongerOnes)

@@ -179,6 +179,27 @@ TEST_F(OpenSources, WhoseCategoryFailsOrThrowsLeaveTheOutputAlone)
     }
 }
 
+TEST_F(OpenSources, ThatSucceedAndWriteNoCategoryAreOfNone)
+{
+    const mox::Identifier alpha = Load(L"alpha", {.silent = Operation::GetCategory});
+    ASSERT_EQ(host.managers.OpenSourceManagers(), mox::kSuccess);
+    std::uint32_t category = 99;
+    EXPECT_EQ(host.managers.GetSourceCategory(alpha, &category), mox::kSuccess);
+    EXPECT_EQ(category, 0U);
+}
+
+TEST_F(OpenSources, ThatArePromisedAndNotGivenAreNone)
+{
+    const mox::Identifier alpha = Load(L"alpha", {.silent = Operation::QueryCategory});
+    ASSERT_EQ(host.managers.OpenSourceManagers(), mox::kSuccess);
+    std::uint32_t category = 99;
+    EXPECT_EQ(host.managers.GetSourceCategory(alpha, &category), mox::kFailure);
+    Load(L"beta", {.silent = Operation::QuerySource});
+    host.managers.CloseSourceManagers();
+    host.plugins.UnloadPlugin(PluginFolder::Named(L"alpha"));
+    EXPECT_EQ(host.managers.OpenSourceManagers(), mox::kFailure) << "none has one";
+}
+
 TEST_F(OpenSources, TakeACallbackAndGiveItBack)
 {
     const mox::Identifier alpha = Load(L"alpha");

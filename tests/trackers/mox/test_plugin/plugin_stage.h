@@ -37,6 +37,7 @@ enum class Operation {
 struct Behaviour {
     Operation throws = Operation::None; ///< throws an exception of the plugin's own type
     Operation fails = Operation::None;  ///< gives nothing: null, false, or kFailure
+    Operation silent = Operation::None; ///< answers success and writes nothing
     /// Whether it gives nothing this time.
     std::function<bool(Operation)> failsNow = {};
     std::uint32_t category = 1;

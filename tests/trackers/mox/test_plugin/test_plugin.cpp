@@ -76,6 +76,11 @@ public:
         return behaviour.fails != operation && !(behaviour.failsNow && behaviour.failsNow(operation));
     }
 
+    [[nodiscard]] bool WritesNothingIn(Operation operation) const
+    {
+        return behaviour.silent == operation;
+    }
+
     void Count(int change) const
     {
         if (stage != nullptr) {
@@ -140,8 +145,11 @@ class Source final : public Counted<mox::ISourceManager, Operation::ReleaseSourc
 public:
     bool Query(mox::InterfaceNumber number, void** object) override
     {
-        *object = nullptr;
         const bool known = number == mox::kSourceManagerNumber;
+        if (ThisPlugin().WritesNothingIn(Operation::QueryCategory)) {
+            return true;
+        }
+        *object = nullptr;
         if (ThisPlugin().Enter(known ? Operation::QueryCategory : Operation::QueryOther) && known) {
             AddReference();
             *object = static_cast<mox::ISourceManager*>(this);
@@ -155,6 +163,9 @@ public:
     }
     mox::Status GetCategory(std::uint32_t* category) override
     {
+        if (ThisPlugin().WritesNothingIn(Operation::GetCategory)) {
+            return mox::kSuccess;
+        }
         *category = ThisPlugin().behaviour.category; // also when it fails: the host must not use it
         return ThisPlugin().Enter(Operation::GetCategory) ? mox::kSuccess : mox::kFailure;
     }
@@ -214,8 +225,13 @@ class Descriptor final : public Counted<mox::IPluginDescriptor, Operation::Relea
 public:
     bool Query(mox::InterfaceNumber number, void** object) override
     {
+        const bool isDescriptor = number == mox::kPluginDescriptorNumber;
+        if (ThisPlugin().WritesNothingIn(isDescriptor ? Operation::QueryDescriptor
+                                                      : Operation::QuerySource)) {
+            return true;
+        }
         *object = nullptr;
-        if (number == mox::kPluginDescriptorNumber) {
+        if (isDescriptor) {
             if (ThisPlugin().Enter(Operation::QueryDescriptor)) {
                 AddReference();
                 *object = static_cast<mox::IPluginDescriptor*>(this);
@@ -234,6 +250,9 @@ public:
         if (!ThisPlugin().Enter(Operation::GetName)) {
             return mox::kFailure;
         }
+        if (ThisPlugin().WritesNothingIn(Operation::GetName)) {
+            return mox::kSuccess;
+        }
         const std::wstring& text = ThisPlugin().behaviour.name;
         const std::size_t terminator = ThisPlugin().behaviour.nameWithoutTerminator ? 0 : 1;
         std::wmemcpy(name, text.c_str(), text.size() + terminator); // what it was told to, however long
@@ -244,6 +263,9 @@ public:
         if (!ThisPlugin().Enter(Operation::GetValue)) {
             return mox::kFailure;
         }
+        if (ThisPlugin().WritesNothingIn(Operation::GetValue)) {
+            return mox::kSuccess;
+        }
         *value = ThisPlugin().behaviour.value;
         return mox::kSuccess;
     }
@@ -251,6 +273,9 @@ public:
     {
         if (!ThisPlugin().Enter(Operation::GetIdentifier)) {
             return mox::kFailure;
+        }
+        if (ThisPlugin().WritesNothingIn(Operation::GetIdentifier)) {
+            return mox::kSuccess;
         }
         const mox::Identifier* const given = ThisPlugin().behaviour.identifier;
         *identifier = given != nullptr ? *given : ThisPlugin().IdentifierOfFile();
