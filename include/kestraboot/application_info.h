@@ -1,37 +1,51 @@
 /// @file
-/// One compatible application, as it registered itself, and the registry layout that it writes.
+/// The registry layout that a compatible application writes, and the record that the library makes of
+/// it.
 ///
-/// An application announces itself by a key named exactly "Corvane Kestrafetch" (case included) at any
-/// depth below `HKEY_LOCAL_MACHINE\SOFTWARE\Corvane`, though not below another such key. Its installer
-/// writes it; the library never does. *key* stands for the path of that key, for example
+/// A compatible application announces itself by a registry key with the exact name
+/// "Corvane Kestrafetch" (case included), at any depth below `HKEY_LOCAL_MACHINE\SOFTWARE\Corvane`. A
+/// key below another such key does not count. The installer of the application writes the key; the
+/// library never does. *key* is the path of that key, for example
 /// `SOFTWARE\Corvane\Viewer\1.0\Corvane Kestrafetch`.
 ///
 /// | hive and key | value | type | meaning | when missing |
 /// |---|---|---|---|---|
 /// | HKLM *key* | `Name` | string | display name, compared exactly | empty |
-/// | HKLM *key* | `ProxyPath` | string | the boot executable installed with it | left out |
+/// | HKLM *key* | `ProxyPath` | string | the boot executable installed with the application | left out |
 /// | HKLM *key* | `CmdLine` | string | the executable to start | left out |
 /// | HKLM *key* | `Desc` | string | description | empty |
 /// | HKLM *key* | `Icon` | string | icon reference | empty |
 /// | HKLM *key*`\File Formats` | `Image`, `Audio`, `Video` | string | extensions | none of that kind |
 /// | HKCU, then HKLM *key*`\Preferences` | `DefaultFlag` | DWORD | nonzero: a default | 0 |
-/// | the same | `AutoLaunchOnDeviceConnect` | DWORD | exactly 1: left out of the list | stays in |
-/// | HKCU *key* | `SniffDepth` | DWORD | folder levels searched on a card; 0: cards are left alone | 4 |
-/// | HKCU *key* above | `kestralaunchstatus` | DWORD | 0: not to launch | may launch |
-/// | HKLM *key* above | `locale` | string | language of the user interface, such as `de_de` | `en_us` |
+/// | the same | `AutoLaunchOnDeviceConnect` | DWORD | exactly 1: left out of the list | in the list |
+/// | HKCU *key* | `SniffDepth` | DWORD | folder levels scanned on a card; 0: cards are ignored | 4 |
+/// | HKCU *parent* | `kestralaunchstatus` | DWORD | 0: not to launch | may launch |
+/// | HKLM *parent* | `locale` | string | language of the user interface, such as `de_de` | `en_us` |
 ///
-/// Both paths are full, stand without quotes and must exist. Extensions stand without dots, separated by
-/// single blanks. *key* above is *key* up to the first `\Corvane Kestrafetch` in it: the key that holds
-/// *key*, but `SOFTWARE\Corvane` itself for a product whose own key begins with these words, such as
-/// `SOFTWARE\Corvane\Corvane Kestrafetch Viewer\Corvane Kestrafetch`. `SniffDepth` counts while the
-/// application's own proxy is the running program.
+/// `ProxyPath` and `CmdLine` are full paths without quotes, and both files must exist. Extensions have
+/// no dots; single blanks separate them. The library reads the 64-bit view of the registry, and
+/// applications under HKLM alone. `SniffDepth` counts for one application: the one whose proxy is the
+/// running program.
 ///
-/// The per-user Preferences key hides the machine-wide `DefaultFlag` as soon as it exists. The library
-/// creates it, with `DefaultFlag` 0, when it reads the application for a user who has none, provided
-/// that the user has a key `SOFTWARE\Corvane`; that one time the machine-wide flag still counts. The
-/// leading letters of the product's key that occur in "SOFTWARE\Corvane" are lost on the way ("Sample
-/// Viewer" becomes "mple Viewer"), so for such a product the right key is not created and the
-/// machine-wide flag goes on counting. A DWORD of 0xFFFFFFFF counts as missing.
+/// *parent* is *key* up to its first `\Corvane Kestrafetch`. That is the key above *key*, with one
+/// exception: if the name of the product's own key begins with these words, *parent* is
+/// `SOFTWARE\Corvane` itself. An example is
+/// `SOFTWARE\Corvane\Corvane Kestrafetch Viewer\Corvane Kestrafetch`.
+///
+/// **Name.** It is one text for all users of the machine. The library never translates it and shows it
+/// in one trace line alone. An installer may write a translated name, but every caller of
+/// `kestraboot.exe -default`, SetApplicationDefaultStatus() or GetApplicationInfo() must then pass that
+/// same text. If two applications have one name, these calls find the first in the order of the list.
+///
+/// **DefaultFlag.** Once the user has a Preferences key, it hides the machine's `DefaultFlag`. If the
+/// user has none, but has a key `SOFTWARE\Corvane`, the library creates it, with `DefaultFlag` 0, when
+/// it reads the application. For this one reading the machine's flag still counts.
+///
+/// For some products the library creates the wrong key. It drops the first letters of the product key's
+/// name for as long as each occurs in "SOFTWARE\Corvane": "Sample Viewer" becomes "mple Viewer". For
+/// such a product the machine's flag goes on counting.
+///
+/// A DWORD of 0xFFFFFFFF counts as missing.
 #pragma once
 
 #include <cstdint>
@@ -44,8 +58,8 @@ struct formatInfo_tag {
     std::wstring MediaType; ///< "Image", "Audio" or "Video"
 };
 
-/// One compatible application. A plain value: it owns all that it holds, copies are independent of each
-/// other and of the registry, and a fresh record is empty and zero.
+/// One compatible application. A plain value: a copy is independent of the original and of the
+/// registry, and a new record is empty and zero.
 struct appInfo_tag {
     std::wstring Name;             ///< display name
     std::wstring ProxyPath;        ///< full path of the boot executable installed with the application
@@ -54,6 +68,6 @@ struct appInfo_tag {
     std::wstring Icon;             ///< icon reference, passed through unchanged
     std::wstring KeyPath;          ///< path of the application's key below HKEY_LOCAL_MACHINE
     std::uint32_t DefaultFlag = 0; ///< nonzero: a default application for device connections
-    std::uint32_t SpareFlag = 0;   ///< carried with the record, never set by the library
-    std::vector<formatInfo_tag> FileFormats; ///< handled file kinds, in the order read; never sorted
+    std::uint32_t SpareFlag = 0;   ///< part of the record, never set by the library
+    std::vector<formatInfo_tag> FileFormats; ///< supported formats, in the order read; not sorted
 };

@@ -1,13 +1,13 @@
 /// @file
-/// How the names of the exported interface are marked for the linker.
+/// The linker attribute of the exported interface.
 #pragma once
 
-#include <cstddef> // says which standard library this is
+#include <cstddef> // defines the macros that identify the standard library
 
-/// Stands before every exported name: imported by a host, exported by the library itself.
+/// Precedes every exported name: a host imports it, the library itself exports it.
 #if defined(KESTRABOOT_BUILDING_LIBRARY)
 #define KESTRABOOT_API __declspec(dllexport)
-#elif defined(KESTRABOOT_LINKED_IN) // the objects are part of this very module (the project's own tests)
+#elif defined(KESTRABOOT_LINKED_IN) // the objects are linked into this module (the project's own tests)
 #define KESTRABOOT_API
 #else
 #if defined(__MINGW32__) && (!defined(__GLIBCXX__) || !defined(_GLIBCXX_HAS_GTHREADS))

@@ -9,133 +9,142 @@
 #include <string>
 #include <vector>
 
-/// Keeps the list of the compatible applications that are installed, answers queries on it and
-/// maintains the machine's one auto-run entry.
+/// Lists the installed compatible applications, answers queries about them and maintains the auto-run
+/// entry of the machine.
 ///
-/// **Lifetime.** The caller makes, copies and destroys the object; it holds the list and nothing else,
+/// **Lifetime.** The caller creates, copies and destroys the object. It owns the list and nothing else:
 /// no handle and no thread. The list is empty until LoadInformation() or MaintainOrder() fills it.
 ///
-/// **Threads.** No lock is taken: use an object from one thread at a time. Objects on different threads
+/// **Threads.** The object takes no lock: use it from one thread at a time. Objects on different threads
 /// share nothing but the registry.
 ///
-/// **Failures.** What cannot be opened, read or written in the registry is passed over in silence, and
-/// shows only in the results described here. An allocation that fails reaches the caller as
-/// std::bad_alloc, but for the three queries, which answer false. Arguments that are filled stay
-/// untouched where the result is false, unless said otherwise. Arguments that are only read are not
-/// modified, although they are taken by reference.
+/// **Failures.** Registry errors are ignored; they show only in the results described here. If an
+/// allocation fails, the caller gets std::bad_alloc; only the three queries (GetAllApplicationInfo(),
+/// GetApplicationInfo(), GetDefaultApplicationInfo()) return false instead. Unless stated otherwise, an
+/// output argument is unchanged when the result is false. An input argument is not modified, although it
+/// is passed by reference.
 ///
-/// **What ends the process.** MaintainOrder() does when no compatible application is left. It is called
-/// by GetKestraLaunchStatus(), SetKestraLaunchStatus(), GetKestraLocaleString(), Uninstall() and, in
-/// CKestraBootCommandHandler, SetApplicationDefaultStatus(), LaunchDefaultKestra() and
-/// LaunchOwnKestra(); and by the volume tracker of StartDeviceConnectService(). The other operations
-/// never end the process.
+/// **Operations that end the process.** If no compatible application is left, MaintainOrder() ends the
+/// process. These operations call it:
+///
+/// - GetKestraLaunchStatus(), SetKestraLaunchStatus(), GetKestraLocaleString() and Uninstall();
+/// - SetApplicationDefaultStatus(), LaunchDefaultKestra() and LaunchOwnKestra() of
+///   CKestraBootCommandHandler;
+/// - the volume tracker of StartDeviceConnectService().
+///
+/// The other operations never end the process.
 class CKestraBootInformationHandler
 {
 public:
-    /// Rebuilds the list from the registry. An application is kept when its CmdLine and ProxyPath exist
-    /// as files or folders and its preferences do not keep it out. The order is that of the search:
-    /// application keys nearer to the root first, within one key in the registry's order. Two keys that
+    /// Rebuilds the list from the registry. An application is listed if its CmdLine and ProxyPath exist
+    /// as files or folders and "AutoLaunchOnDeviceConnect" does not leave it out. Application keys
+    /// nearer to the root come first; below one key they are in the registry's order. Two keys that
     /// describe one application give two records.
     ///
-    /// Writes to the registry: the current user's missing Preferences keys are created, with
-    /// "DefaultFlag" 0 (application_info.h). Touches the disk: asks for two files of each application.
+    /// Writes to the registry: creates the current user's missing Preferences keys, with "DefaultFlag" 0
+    /// (application_info.h). Reads the disk: checks that two files of each application exist.
     ///
-    /// @throws std::bad_alloc the list is then the old one, or the beginning of the new one
+    /// @throws std::bad_alloc the list is then the previous one, or the first part of the new one
     KESTRABOOT_API void LoadInformation();
 
     /// Copies the list. Reads neither the registry nor the disk.
     ///
-    /// @param[out] all replaced by a copy of the list; where it is the object's own list, left as it is
-    /// @return false only when memory ran out
+    /// @param[out] all replaced by a copy of the list; unchanged if it is the object's own list
+    /// @return false only if memory ran out
     [[nodiscard]] KESTRABOOT_API bool GetAllApplicationInfo(std::vector<appInfo_tag>& all);
 
     /// Finds an application by its name. Reads neither the registry nor the disk.
     ///
     /// @param[in] name compared exactly, case included
     /// @param[out] out the first record of that name
-    /// @return false when there is none, or memory ran out
+    /// @return false if there is none, or memory ran out
     [[nodiscard]] KESTRABOOT_API bool GetApplicationInfo(std::wstring& name, appInfo_tag& out) const;
 
     /// Finds the default applications. Reads neither the registry nor the disk.
     ///
-    /// @param[in,out] defaults every record with a nonzero DefaultFlag is appended, in the list's order;
-    /// it
-    ///     is not cleared first
-    /// @return false only when memory ran out
+    /// @param[in,out] defaults not cleared first; every record with a nonzero DefaultFlag is appended,
+    ///     in the order of the list
+    /// @return false only if memory ran out
     [[nodiscard]] KESTRABOOT_API bool
     GetDefaultApplicationInfo(std::vector<appInfo_tag>& defaults) const;
 
-    /// Reloads the list, as LoadInformation() does, and points the machine's auto-run entry at the right
-    /// proxy: the running program where it is the proxy of an application of the list, and otherwise the
-    /// first application's proxy.
+    /// Maintains the order: reloads the list, as LoadInformation() does, and sets the machine's auto-run
+    /// entry. If the running program is the proxy of a listed application, the entry names that program;
+    /// otherwise it names the proxy of the first application.
     ///
-    /// Writes to the registry: what LoadInformation() writes, and the string "Corvane Kestrafetch" in
-    /// `HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\Run`, the path in double quotes.
-    /// Without the right to write there the entry stays as it was, and nothing is said.
+    /// Writes to the registry: the keys that LoadInformation() writes, and the string
+    /// "Corvane Kestrafetch" in `HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\Run`, with
+    /// the path in double quotes. A process that may not write there leaves the entry unchanged, without
+    /// an error and without a trace line.
     ///
-    /// **Ends the process**, with exit code 0, when the list is empty: it starts the legacy organiser's
-    /// auto-launch (StartVel3AutoLaunch()), deletes the auto-run entry and calls `ExitProcess`. The
-    /// caller's destructors do not run then, and other threads end where they are. Every operation that
-    /// is said to maintain the order can therefore not return.
+    /// **Ends the process**, with exit code 0, if the list is empty. It starts the legacy organiser's
+    /// auto-launch (StartVel3AutoLaunch()), deletes the auto-run entry if the process may write there,
+    /// and calls `ExitProcess`. The caller's destructors do not run, and Windows ends the other threads
+    /// wherever they are. So no operation that maintains the order is certain to return.
     ///
-    /// @throws std::bad_alloc as LoadInformation() does; the auto-run entry is then as it was
+    /// @throws std::bad_alloc as LoadInformation() does; the auto-run entry is then unchanged
     KESTRABOOT_API void MaintainOrder();
 
-    /// Tells whether the application whose proxy is the running program may launch, for this user.
-    /// Maintains the order first, and can so end the process (MaintainOrder()). Writes nothing of its
-    /// own.
+    /// Returns whether the application whose proxy is the running program may launch, for this user.
+    /// Maintains the order first, and can so end the process (MaintainOrder()). Apart from that, writes
+    /// nothing.
     ///
-    /// @return false only when the stored status is 0; true also where none is stored, and where the
-    ///     running program is no application's proxy
+    /// @return false only if the stored status is 0; true also if none is stored, or if the running
+    ///     program is no application's proxy
     [[nodiscard]] KESTRABOOT_API bool GetKestraLaunchStatus();
 
-    /// Stores the launch status of the application whose proxy is the running program, for this user, in
-    /// the application's key under HKEY_CURRENT_USER, which must exist. Maintains the order first, and
-    /// can so end the process (MaintainOrder()).
+    /// Stores the launch status of the application whose proxy is the running program, for this user.
+    /// The status is a value of the key above the application's key, under HKEY_CURRENT_USER; that key
+    /// must exist. Maintains the order first, and can so end the process (MaintainOrder()).
     ///
     /// @param[in] status 0: not to launch; any other value: may launch
-    /// @return true when it was written
+    /// @return true if the status was written
     [[nodiscard]] KESTRABOOT_API bool SetKestraLaunchStatus(std::int32_t status);
 
     /// Reads the user-interface language of the application whose proxy is the running program, from the
     /// machine's registry. Maintains the order first, and can so end the process (MaintainOrder()).
     ///
-    /// @param[out] locale a locale name such as "de_de"; **"en_us" where the result is false**
-    /// @return true when a name that is not empty was read
+    /// @param[out] locale a locale name such as "de_de"; **"en_us" if the result is false**
+    /// @return true if a name that is not empty was read
     [[nodiscard]] KESTRABOOT_API bool GetKestraLocaleString(std::wstring& locale);
 
-    /// Hands over before the application to which the running program belongs is removed.
+    /// Hands over to the next application. An uninstaller calls it, through the boot executable, before
+    /// it removes the application to which the running program belongs.
     ///
-    /// Every other process that runs the same executable is stopped, one after another: the first
-    /// top-level window titled "Corvane Kestrafetch Boot", whosever it is, is sent WM_QUIT; two seconds
-    /// later the process is terminated with exit code 0. **Where no such process runs, nothing else
-    /// happens.** After two seconds more the order is maintained, which can end the process
-    /// (MaintainOrder()). Then the proxy of the first application that is another's is started, without
-    /// waiting; where there is none, the legacy organiser's auto-launch is started
-    /// (StartVel3AutoLaunch()) and the machine's auto-run entry deleted.
+    /// 1. Stops every other process that runs the same executable, one after another: sends WM_QUIT to
+    ///    the first top-level window titled "Corvane Kestrafetch Boot", whatever process owns it, waits
+    ///    2 s, and terminates the process with exit code 0. **If no such process runs, the operation
+    ///    ends here.**
+    /// 2. Waits 2 s more and maintains the order, which can end the process (MaintainOrder()).
+    /// 3. Starts the proxy of the first application that has another proxy than the running program, and
+    ///    does not wait for it. If there is none, starts the legacy organiser's auto-launch
+    ///    (StartVel3AutoLaunch()) and deletes the machine's auto-run entry; a process that may not
+    ///    write there leaves the entry unchanged.
     ///
-    /// Takes at least two seconds for each process and two more, and as long as the window takes to
-    /// answer: the message is sent, not posted. The handles of the stopped processes stay open until
-    /// this process ends. Nothing is reported; a start that failed is traced like one that worked.
+    /// Takes at least 2 s for each process plus 2 s. It also waits until the window has answered,
+    /// because the message is sent, not posted. The handles of the stopped processes stay open until
+    /// this process ends. There is no result: a start that failed writes the same trace line as one that
+    /// succeeded.
     KESTRABOOT_API void Uninstall();
 
-    /// Describes the legacy organiser (Corvane Vellumry 3.0) from its own registry keys, at each call
-    /// afresh. Writes nothing; its files are not looked for.
+    /// Describes the legacy organiser (Corvane Vellumry 3.0) from its own registry keys. Reads them at
+    /// each call, writes nothing, and does not check that the organiser's files exist.
     ///
-    /// @param[in,out] record Name, ProxyPath, Desc, CmdLine, Icon and FileFormats are replaced; KeyPath
-    /// and
-    ///     the flags are not touched in any case
-    /// @return false, and `record` untouched, when it is not installed
+    /// @param[in,out] record Name, ProxyPath, Desc, CmdLine, Icon and FileFormats are replaced; KeyPath,
+    ///     DefaultFlag and SpareFlag are never changed
+    /// @return false, with `record` unchanged, if the organiser is not installed
     /// @throws std::bad_alloc `record` is then filled in part
     [[nodiscard]] KESTRABOOT_API bool GetVel3Info(appInfo_tag& record);
 
     /// Lets the legacy organiser react to devices again: starts its VellumryDeviceConnect.exe with "-i",
-    /// detached and without waiting. Nothing happens when it is not installed; nothing is reported.
+    /// detached, and does not wait. If the organiser is not installed, does nothing. A failure is not
+    /// reported.
     KESTRABOOT_API void StartVel3AutoLaunch();
 
-    /// Keeps the legacy organiser from reacting to devices: the same program with "-d".
+    /// Stops the legacy organiser from reacting to devices: starts the same program with "-d", in the
+    /// same way.
     KESTRABOOT_API void StopVel3AutoLaunch();
 
 protected:
-    std::vector<appInfo_tag> applications; ///< in the order of the search; owned by this object
+    std::vector<appInfo_tag> applications; ///< in the order of LoadInformation(); owned by this object
 };

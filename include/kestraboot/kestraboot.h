@@ -1,24 +1,24 @@
 /// @file
-/// The whole exported interface of kestraboot.dll; what a host includes.
+/// The whole exported interface of kestraboot.dll. A host includes this file alone.
 
 /// @mainpage kestraboot
 ///
-/// The boot and device-connect library of Corvane Kestrafetch. It watches for cards, cameras, scanners
-/// and phones, tells its host of each, and starts the application that the user wants for it.
+/// The boot and device-connect library of Corvane Kestrafetch. It detects cards, cameras, scanners and
+/// phones, reports each to its host, and starts the application that the user chose for it.
 ///
 /// | to | read |
 /// |---|---|
 /// | write a host | device_connect.h, CKestraBootCommandHandler, CKestraBootInformationHandler |
 /// | make an application compatible | application_info.h: the registry keys that its installer writes |
-/// | write a device plugin | mox_plugin.h, which stands alone |
+/// | write a device plugin | mox_plugin.h, which needs no other header of this library |
 ///
-/// Strings, vectors and exceptions cross the boundary of the DLL: a host must be built with the same
-/// compiler family as the library, in any build type, and share its C++ runtime as a DLL (the package
-/// ships it). A plugin may be built with any compiler.
+/// **Compiler.** Strings, vectors and exceptions cross the boundary of the DLL. Build a host with the
+/// same compiler family as the library, in any build type, and link the C++ runtime as a DLL; the
+/// package contains it. A plugin may be built with any compiler.
 ///
-/// What can surprise: one operation, CKestraBootInformationHandler::MaintainOrder(), ends the process
-/// when no compatible application is left, and others call it. Loading the list writes to the registry
-/// of the current user. Both are said wherever they apply.
+/// **Two effects that hosts may not expect.** If no compatible application is left,
+/// CKestraBootInformationHandler::MaintainOrder() ends the process; several operations call it. Loading
+/// the list writes to the registry of the current user. Each operation states whether it does either.
 #pragma once
 
 #include "kestraboot/application_info.h"    // IWYU pragma: export

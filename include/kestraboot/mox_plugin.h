@@ -1,106 +1,113 @@
 /// @file
-/// The plugin kit: all that the author of a device plugin needs. It stands alone (C++11, no other header
-/// of this system, no library to link with).
+/// The plugin kit. The author of a device plugin needs no other header of this system (C++11) and no
+/// library to link with.
 ///
-/// A device plugin is a 64-bit DLL with the extension ".mox" in the folder "moxplugins" below the
-/// current directory of the boot executable. It exports one function, FxPluginMain(), which hands out an
-/// object; the object is asked for two interfaces, IPluginDescriptor and ISourceManager, and through
+/// A device plugin is a 64-bit DLL with the extension ".mox". It is in the folder "moxplugins" below the
+/// current directory of the boot executable. It exports one function, FxPluginMain(), which returns an
+/// object. The host asks that object for two interfaces, IPluginDescriptor and ISourceManager. Through
 /// them the host finds the plugin's device source and registers a callback. From then on the plugin
-/// tells the callback of every device that arrives.
+/// reports every device that arrives to the callback.
 ///
-/// A DLL that the plugin imports is looked for beside the boot executable and where Windows finds its
-/// own, never in "moxplugins". Without it the plugin is left out, and no line says so: link it in, or
-/// load it yourself by its full path.
+/// Windows searches for a DLL that the plugin imports in the folder of the boot executable and in its
+/// own folders, never in "moxplugins". If Windows does not find the DLL, the host skips the plugin
+/// without a trace line. Link such a DLL statically, or load it yourself by its full path.
 ///
-/// ### What the host does
+/// ### Steps of the host
 ///
-/// 1. Once a minute until it succeeds it loads "nokiamanager.mox", makes and releases its source
-///    manager, shuts it down and unloads it. No other plugin is loaded before that. The name alone
-///    counts: neither the identifier nor the category of that plugin is looked at.
-/// 2. The scan: it loads every plugin of the folder, makes a source manager of each and asks for its
-///    category, releases them, shuts every plugin down and unloads it. A plugin whose category is
-///    kDeviceSourceCategory is a device source. Plugins that come later are not seen until the host
-///    process starts again.
-/// 3. For each device source, on a thread of its own, it loads the plugin again, makes a source manager,
-///    registers a callback, and then serves a hidden window of that thread. The plugin stays loaded
-///    until the process ends. What fails here is not tried again, and no line says so.
-/// 4. The process ends, and the plugin is not asked: see "The end of the process".
+/// 1. Once a minute until it succeeds, the host loads "nokiamanager.mox", makes and releases its source
+///    manager, shuts it down and unloads it. It loads no other plugin before that. Only the file name
+///    counts: the host ignores the identifier and the category of this plugin.
+/// 2. The scan: the host loads every plugin of the folder, makes a source manager of each, asks for its
+///    category and releases it; then it shuts every plugin down and unloads it. A plugin whose category
+///    is kDeviceSourceCategory is a device source. The host finds a plugin that is copied into the
+///    folder later only when the host process starts again.
+/// 3. For each device source, on a thread of its own, the host loads the plugin again, makes a source
+///    manager, registers a callback, and then serves a hidden window of that thread. The plugin stays
+///    loaded until the process ends. If this step fails, the host neither tries again nor writes a
+///    trace line.
+/// 4. The process ends without a call of the plugin: see "The end of the process".
 ///
 /// To *load* is: FxPluginMain; Query for interface 1; GetValue, GetIdentifier, GetName; SetListEntry;
-/// both objects released. A plugin with an identifier that is listed already is released and unloaded
-/// before SetListEntry. To *shut down* is: FxPluginMain; Query for interface 1; ShutDown; both objects
-/// released; FreeLibrary. To *make a source manager* is: FxPluginMain; Query for interface 13; the first
-/// object released. So FxPluginMain is called often, and a plugin may be loaded, shut down and loaded
-/// again in one process.
+/// release of both objects. If a listed plugin has the same identifier already, the host releases and
+/// unloads the plugin before SetListEntry. To *shut down* is: FxPluginMain; Query for interface 1;
+/// ShutDown; release of both objects; FreeLibrary. To *make a source manager* is: FxPluginMain; Query
+/// for interface 13; release of the first object. So the host calls FxPluginMain often, and may load a
+/// plugin, shut it down and load it again in one process.
 ///
 /// ### Binary contract
 ///
 /// Every object is a pointer to a table of function pointers. The number before each operation is its
-/// position in the table, from 0; operations are never overloaded and there is no virtual destructor, so
-/// MSVC, GCC and Clang lay the tables out alike. 64-bit Windows has one calling convention. Text is
-/// UTF-16 in fixed fields of 260 characters, cut at 259 and terminated by zero.
+/// position in the table, from 0. Operations are never overloaded and there is no virtual destructor, so
+/// MSVC, GCC and Clang produce the same tables. 64-bit Windows has one calling convention. Text is
+/// UTF-16 in fixed fields of 260 characters: at most 259 and a terminating zero.
 ///
 /// ### Ownership
 ///
-/// Objects are reference counted. Whoever is given an object through an output (FxPluginMain, Query)
-/// owns one reference and releases it. An argument is only lent for the call: a plugin that keeps the
-/// callback adds a reference of its own, and releases it when the callback is unregistered. Memory is
-/// never freed across the boundary: what a plugin is to fill is the caller's.
+/// Objects are reference counted. The caller that gets an object through an output (FxPluginMain, Query)
+/// owns one reference and releases it. An argument is borrowed for the call: a plugin that keeps the
+/// callback adds a reference of its own, and releases it when the host unregisters the callback. Neither
+/// side frees memory of the other: the caller owns every buffer that a plugin fills.
 ///
 /// ### Threads
 ///
-/// Until its callback is registered a plugin is called by one thread at a time, though not always by the
-/// same; registering and unregistering happen on the thread of its source. The callback may be called
-/// from any thread and from many at once, from inside RegisterCallback, and under the plugin's own
-/// locks: the host holds no lock of its own while it calls an operation. (A DllMain runs under the lock
-/// of Windows' loader, as everywhere: do nothing there.) The callback may stay busy for as long as the
-/// application takes that is being told. The host waits for a slow plugin; it has no time limit.
+/// Until the callback is registered, one thread at a time calls the plugin, but not always the same one.
+/// The host registers and unregisters on the thread of the plugin's source. The plugin may call the
+/// callback from any thread, from many at once, from inside RegisterCallback and under its own locks:
+/// the host holds no lock of its own while it calls an operation. (A DllMain runs under the lock of
+/// Windows' loader, as everywhere: do nothing there.) A call of the callback can take as long as the
+/// application needs. The host waits for a slow plugin without a time limit.
 ///
-/// The thread of a source takes nothing from its message queue but WM_DEVICECHANGE for the host's own
-/// window. What is sent to a window that the plugin makes on that thread arrives; what is posted to it
-/// never does, nor does a timer's message. A plugin that needs them, or the calls that come into a
-/// single-threaded COM apartment, makes a thread of its own with a message loop.
+/// The thread of a source takes only WM_DEVICECHANGE for the host's own window from its queue. A window
+/// that the plugin makes on that thread gets messages that are sent, but no posted message and no timer
+/// message. A plugin that needs these, or the incoming calls of a single-threaded COM apartment, creates
+/// a thread of its own with a message loop.
 ///
 /// ### The end of the process
 ///
-/// At log-off, and wherever else the boot executable ends, **neither UnregisterCallback nor ShutDown is
-/// called.** It ends in one of two ways, and a plugin must be right with both:
+/// At log-off, and whenever else the boot executable ends, **neither UnregisterCallback nor ShutDown is
+/// called.** The process ends in one of two ways, and a plugin must be correct in both:
 ///
-/// - kestraboot.exe that is asked to end, as at log-off, terminates itself: no code of the plugin runs
-///   any more, and its static objects are not destroyed.
-/// - ExitProcess, which the library calls when no application is left, and another maker's host perhaps
-///   at log-off: Windows ends all other threads where they are, whatever lock they hold, and then
-///   destroys the static objects of the plugin. A static object that owns a thread does harm there: a
-///   std::thread that nobody joined calls std::terminate, and the process ends with 3 instead of 0; a
-///   destructor that takes a lock, or waits for an answer, waits for a thread that is gone.
+/// - kestraboot.exe that is asked to quit, for example at log-off, terminates itself. No code of the
+///   plugin runs any more, and its static objects are not destroyed.
+/// - ExitProcess: the library calls it if no application is left, and another maker's host may call it
+///   at log-off. Windows ends all other threads wherever they are, whatever lock they hold, and then
+///   destroys the static objects of the plugin. A static object that owns a thread does harm there. A
+///   std::thread that is not joined calls std::terminate, and the exit code is 3 instead of 0. A
+///   destructor that takes a lock, or waits for an answer, waits for a thread that no longer exists.
 ///
-/// So:
+/// Therefore:
 ///
-///
-/// - The object that owns a thread is made with `new` and not deleted at the end: by nobody, as in
-///   `Plugin& plugin = *new Plugin;`, or with its last reference, which the host keeps until the end, as
-///   in samples/mox_plugin. Such memory goes with the process.
-/// - Do not detach the thread instead: it must have ended before ShutDown returns, because the library
-///   is freed then.
-/// - Store what must outlive the session when it changes. There is no last call to do it in.
+/// - Create the object that owns a thread with `new` and never delete it at the end of the process. Let
+///   nobody own it, as in `Plugin& plugin = *new Plugin;`, or let its last reference own it: the host
+///   holds that until the end, as in samples/mox_plugin. Windows frees such memory with the process.
+/// - Do not detach the thread instead. It must have ended before ShutDown returns, because the host then
+///   frees the library.
+/// - Store data that must outlive the session whenever it changes. There is no last call to store it in.
 ///
 /// ### Failures
 ///
-/// Operations answer a status. An exception may leave an operation: the host catches it, takes it as
-/// kException and carries on. (That needs the C++ runtime that the host uses, as a DLL; with another
-/// one, let nothing out.) Better is to let nothing out at all. Host and plugins share one process. What
-/// cannot be contained there: an access violation or any other fault in a plugin, on whatever thread,
-/// ends the whole host, and with it the detection of every other device. So does a write past the memory
-/// that an operation was given, a stack overflow, a call of exit or abort, an exception that leaves one
-/// of the plugin's own threads, the use of an object after its last reference was released, and code
-/// that still runs in the plugin after ShutDown has returned. A call that never returns stops the thread
-/// that made it: in the scan, all detection through plugins.
+/// Operations return a status. An exception may leave an operation: the host catches it, treats it as
+/// kException and continues. This works only if the plugin uses the host's C++ runtime, as a DLL; with
+/// another runtime, let no exception out. It is best to let none out at all.
+///
+/// Host and plugins share one process. The host cannot contain these faults. Each can end the host, and
+/// with it the detection of every other device:
+///
+/// - an access violation or any other fault in a plugin, on any thread, and a stack overflow;
+/// - a write past the memory that an operation was given;
+/// - a call of exit or abort;
+/// - an exception that leaves one of the plugin's own threads;
+/// - the use of an object after its last reference was released;
+/// - code that still runs in the plugin after ShutDown has returned.
+///
+/// A call that never returns blocks the thread that made it. In the scan it blocks all detection through
+/// plugins.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
-/// What is this system's own and not part of the exported classes.
+/// The parts of this system that are not exported classes.
 namespace kestraboot
 {
 /// The plugin kit.
@@ -109,22 +116,23 @@ namespace mox
 
 // ---- Status codes
 
-/// What every operation but those of reference counting answers. Anything but kSuccess is a failure.
+/// The result of every operation except for reference counting. Every value other than kSuccess is a
+/// failure.
 typedef std::uint32_t Status;
 
 constexpr Status kSuccess = 0;                        ///< done
 constexpr Status kNotListed = 0x40000001u;            ///< no listed plugin has that identifier
 constexpr Status kFailure = 0xC0000002u;              ///< any failure without a code of its own
 constexpr Status kException = 0xC0000005u;            ///< an exception was caught
-constexpr Status kOutOfMemory = 0xC0000006u;          ///< memory could not be had
+constexpr Status kOutOfMemory = 0xC0000006u;          ///< out of memory
 constexpr Status kBadArgument = 0xC000000Au;          ///< a bad argument, or something was not found
-constexpr Status kNoEnumerator = 0xC000000Bu;         ///< the enumerator of sources could not be made
+constexpr Status kNoEnumerator = 0xC000000Bu;         ///< the enumerator of sources could not be created
 constexpr Status kSourceManagerNotOpen = 0xC000000Cu; ///< the plugin is listed, its manager is not open
-constexpr Status kEndOfEnumeration = 0xD0000001u;     ///< every entry was given
+constexpr Status kEndOfEnumeration = 0xD0000001u;     ///< no further entry
 
 // ---- Interface numbers
 
-/// What Query is asked for.
+/// The number of an interface, for Query.
 typedef std::uint32_t InterfaceNumber;
 
 constexpr InterfaceNumber kFxBaseNumber = 0;            ///< IFxBase; the host asks no plugin for it
@@ -137,18 +145,18 @@ constexpr InterfaceNumber kSourceManagerNumber = 13;    ///< ISourceManager
 
 constexpr std::size_t kFieldLength = 260; ///< characters of a fixed text field, the terminator included
 
-/// The category of a source manager that is a device source: the host tracks those and no others.
+/// The category of a source manager that is a device source. The host tracks no other category.
 constexpr std::uint32_t kDeviceSourceCategory = 1;
 
-/// DeviceRecord::eventCode of an arrival; a record with any other code is ignored.
+/// DeviceRecord::eventCode of an arrival. The host ignores a record with any other code.
 constexpr std::uint32_t kDeviceArrived = 0;
 
-/// DeviceRecord::mobileReady of a mobile device that can be used now.
+/// DeviceRecord::mobileReady of a mobile device that is ready for use.
 constexpr std::uint32_t kMobileReady = 1;
 
 /// @name Kinds of device
-/// DeviceRecord::deviceKind, and the word that reaches the application. 8, 9 and whatever is not in this
-/// list are "unknown" too.
+/// DeviceRecord::deviceKind, and the word that the application gets. Every number that is not in this
+/// list is "unknown" too.
 /// @{
 constexpr std::uint32_t kKindUnknown = 0; ///< "unknown"
 constexpr std::uint32_t kKindCamera = 1;  ///< "camera"
@@ -161,26 +169,26 @@ constexpr std::uint32_t kKindArchive = 7; ///< "archive"
 /// @}
 
 // ---- Records
-// Little-endian, without packing: every field lies where its own alignment puts it.
+// Little-endian, without packing: every field has its natural alignment.
 
 static_assert(sizeof(wchar_t) == 2, "text fields are UTF-16: build for Windows");
 
-/// Identifies a plugin and its source; laid out like GUID of Windows' guiddef.h. Make one for each
-/// plugin.
+/// Identifies a plugin and its source. The layout is that of GUID in Windows' guiddef.h. Generate a new
+/// one for each plugin.
 struct Identifier {
     std::uint32_t data1;   ///< the first group of a GUID's text
     std::uint16_t data2;   ///< the second
     std::uint16_t data3;   ///< the third
-    std::uint8_t data4[8]; ///< the other two, in the order in which they are written
+    std::uint8_t data4[8]; ///< the other two, in the order of the text
 };
 static_assert(sizeof(Identifier) == 16 && alignof(Identifier) == 4, "16 bytes");
 
-/// The host's list entry of a loaded plugin. Filled by the host from what the plugin answers.
+/// The host's list entry of a loaded plugin. The host fills it with the plugin's answers.
 struct PluginDescriptor {
     std::uint32_t value;              ///< from GetValue
     Identifier identifier;            ///< from GetIdentifier
     wchar_t name[kFieldLength];       ///< from GetName
-    wchar_t modulePath[kFieldLength]; ///< as it was loaded, relative to the current directory
+    wchar_t modulePath[kFieldLength]; ///< as loaded, relative to the current directory
 };
 static_assert(sizeof(PluginDescriptor) == 1060, "1060 bytes");
 static_assert(offsetof(PluginDescriptor, value) == 0, "");
@@ -188,7 +196,7 @@ static_assert(offsetof(PluginDescriptor, identifier) == 4, "");
 static_assert(offsetof(PluginDescriptor, name) == 20, "");
 static_assert(offsetof(PluginDescriptor, modulePath) == 540, "");
 
-/// One source, as the host's enumerator gives it. The caller sets version and size and clears the rest;
+/// One source, from the host's enumerator. The caller sets version and size and clears the other fields;
 /// the enumerator writes name, value and identifier.
 struct SourceInfo {
     std::uint32_t version;      ///< kSourceInfoVersion
@@ -212,31 +220,31 @@ static_assert(offsetof(SourceInfo, value) == 536, "");
 static_assert(offsetof(SourceInfo, identifier) == 540, "");
 static_assert(offsetof(SourceInfo, reserved556) == 556, "");
 
-/// A device that arrived, as the plugin tells the callback. The plugin fills it; clear all of it first.
+/// A device that arrived. The plugin clears the whole record, fills it and passes it to the callback.
 struct DeviceRecord {
     std::uint32_t eventCode;  ///< kDeviceArrived
     std::uint32_t reserved4;  ///< not used
     std::uint32_t size;       ///< kDeviceRecordSize
     std::uint32_t reserved12; ///< not used
-    /// What the application is told, next to the kind: at most 259 characters and a terminating zero. It
-    /// is passed on as it stands; the host looks for nothing under it.
+    /// The identifier that the application gets, next to the kind: at most 259 characters and a
+    /// terminating zero. The host passes it verbatim and looks nothing up by it.
     ///
-    /// | deviceKind | what an application expects |
+    /// | deviceKind | an application expects |
     /// |---|---|
-    /// | kKindVolume | the drive, "E:". The host does not look for pictures there |
+    /// | kKindVolume | the drive, "E:". The host does not scan it for pictures |
     /// | kKindCamera, kKindScanner | the device's name in Windows' own imaging services |
-    /// | any other | a name by which the application that is meant for the device finds it |
+    /// | any other | a name by which the application for this device finds it |
     ///
-    /// Empty: the application is started without a device, and is not told the kind either. One that
-    /// begins with a double quote is put on the command line without further quotes.
+    /// If it is empty, the application gets neither identifier nor kind. If it begins with a double
+    /// quote, the command line has it without further quotes.
     wchar_t deviceId[kFieldLength];
-    wchar_t text536[kFieldLength];  ///< carried, not used
-    wchar_t text1056[1024];         ///< carried, not used
-    wchar_t text3104[kFieldLength]; ///< carried, not used
+    wchar_t text536[kFieldLength];  ///< copied, not used
+    wchar_t text1056[1024];         ///< copied, not used
+    wchar_t text3104[kFieldLength]; ///< copied, not used
     std::uint32_t deviceKind;       ///< one of the kinds above
-    std::uint32_t value3628;        ///< carried, not used
-    Identifier identifier;          ///< carried, not used
-    std::uint32_t mobileReady;      ///< kMobileReady, or the device is not ready; for kKindMobile only
+    std::uint32_t value3628;        ///< copied, not used
+    Identifier identifier;          ///< copied, not used
+    std::uint32_t mobileReady;      ///< kKindMobile only; any other value: the device is not ready
     std::uint32_t reserved3652;     ///< not used
 };
 constexpr std::uint32_t kDeviceRecordSize = 3656; ///< DeviceRecord::size, in bytes
@@ -260,50 +268,48 @@ static_assert(offsetof(DeviceRecord, reserved3652) == 3652, "");
 /// The base of every object.
 ///
 /// An object with two of the interfaces below has two tables, and each begins with these operations.
-/// Hand out either where an IFxBase is asked for (FxPluginMain, interface 0): the host calls Query and
-/// Release there and nothing else. Both tables answer alike and count the same references.
+/// Either table may serve as the IFxBase (FxPluginMain, interface 0): the host calls only Query and
+/// Release there. Both tables return the same answers and count the same references.
 class IFxBase
 {
 public:
-    /// 0: asks for another interface of the object. Writes it, with a reference added, and answers true;
-    /// or writes null and answers false (but see ICallbackInterface). Write the very pointer of the
-    /// interface asked for:
-    /// `*object = static_cast<ISourceManager*>(this)`.
+    /// 0: asks for another interface of the object. If the object has it, adds a reference, writes the
+    /// pointer and returns true; otherwise writes null and returns false (ICallbackInterface differs).
+    /// Write the pointer of exactly that interface: `*object = static_cast<ISourceManager*>(this)`.
     ///
     /// @param[in] number the interface, such as kSourceManagerNumber
     /// @param[out] object receives the object; the caller releases it
     /// @return whether the object has that interface
     virtual bool Query(InterfaceNumber number, void** object) = 0;
-    /// 1: adds a reference. Any thread.
+    /// 1: adds a reference. Callable from any thread.
     ///
     /// @return the new count, for diagnosis only
     virtual std::uint32_t AddReference() = 0;
-    /// 2: releases one; at none left the object frees itself. Any thread.
+    /// 2: releases a reference. With the last one the object frees itself. Callable from any thread.
     ///
     /// @return the remaining count
     virtual std::uint32_t Release() = 0;
 
 protected:
-    ~IFxBase() = default; // through Release alone
+    ~IFxBase() = default; // only Release destroys an object
 };
 
-/// The host's end of a device source. One belongs to each source. It has no other interface: its Query
-/// answers false to every number and, unlike a plugin's, leaves `*object` as it was. Set that to null
-/// before, or look at the answer alone.
+/// The host's callback. Each device source has one. It has no other interface: its Query returns false
+/// for every number and, unlike a plugin's, leaves `*object` unchanged. Set `*object` to null before the
+/// call, or check the result alone.
 class ICallbackInterface : public IFxBase
 {
 public:
-    /// 3: tells of a device. Any thread; calls to one callback are taken one after the other, and the
-    /// call returns when the application has been told. Nothing is thrown.
+    /// 3: reports a device. Callable from any thread; the host serialises the calls to one callback. It
+    /// returns after the host's own callback has returned, which starts the application. It throws
+    /// nothing.
     ///
-    /// Each call is a report: one device told of twice starts the application twice. Tell once for each
-    /// arrival.
+    /// Report each arrival once: two reports of one device start the application twice.
     ///
-    /// @param[in] unused not looked at
-    /// @param[in] record the plugin's; copied before the call returns
-    /// @return kSuccess, also for a record that reports nothing (another event code, another size, a
-    /// mobile
-    ///     device that is not ready). kBadArgument: no record. kOutOfMemory: the report is lost
+    /// @param[in] unused ignored
+    /// @param[in] record owned by the plugin; copied before the call returns
+    /// @return kSuccess, also for a record that the host ignores (another event code, another size, a
+    ///     mobile device that is not ready). kBadArgument: no record. kOutOfMemory: the report is lost
     virtual Status Notify(std::uint64_t unused, const DeviceRecord* record) = 0;
 
 protected:
@@ -312,38 +318,37 @@ protected:
 
 // ---- Interfaces that a plugin implements
 
-/// Interface 1: what the plugin is. Asked of the object that FxPluginMain gives.
+/// Interface 1: describes the plugin. The host asks the object of FxPluginMain for it.
 ///
-/// Of GetValue, GetIdentifier, GetName, SetListEntry and ShutDown the host does not read the status: it
-/// goes on with what was written, and what was not written is zero. A second plugin without an
-/// identifier of its own is therefore refused, like any identifier that is listed already.
+/// The host does not read the status of GetValue, GetIdentifier, GetName, SetListEntry and ShutDown. It
+/// uses the output, and an output that the plugin does not write is zero. The host refuses an identifier
+/// that is listed already. So it refuses a second plugin that writes no identifier.
 class IPluginDescriptor : public IFxBase
 {
 public:
-    /// 3: writes the plugin's name. It stands in the trace line by which the host says that the source
-    /// is being tracked.
+    /// 3: writes the plugin's name. The host's trace line about a tracked source contains it.
     ///
     /// @param[out] name at most `capacity` - 1 characters and a terminating zero
-    /// @param[in] capacity the room there, in characters; the host gives 260
+    /// @param[in] capacity the size of `name` in characters; the host passes 260
     /// @return not read
     virtual Status GetName(wchar_t* name, std::uint32_t capacity) = 0;
-    /// 4: writes a number of the plugin's own.
+    /// 4: writes a number that the plugin chooses.
     ///
-    /// @param[out] value kept with the plugin and not used
+    /// @param[out] value stored in the list entry, not used otherwise
     /// @return not read
     virtual Status GetValue(std::uint32_t* value) = 0;
     /// 5: writes the plugin's identifier.
     ///
-    /// @param[out] identifier the same each time, and no other plugin's
+    /// @param[out] identifier the same in each call, and different from every other plugin's
     /// @return not read
     virtual Status GetIdentifier(Identifier* identifier) = 0;
-    /// 6: hands over the host's entry of this plugin.
+    /// 6: passes the host's list entry of this plugin.
     ///
-    /// @param[in] entry the host's; not to be written; valid until ShutDown returns
+    /// @param[in] entry owned by the host; read only; valid until ShutDown returns
     /// @return not read
     virtual Status SetListEntry(const PluginDescriptor* entry) = 0;
-    /// 7: the library is about to be freed. End every thread of the plugin before you return. Not called
-    /// when the process ends.
+    /// 7: the host frees the library after this call. End every thread of the plugin before you return.
+    /// The host does not call it when the process ends.
     ///
     /// @return not read
     virtual Status ShutDown() = 0;
@@ -352,8 +357,8 @@ protected:
     ~IPluginDescriptor() = default;
 };
 
-/// Interface 13: the source manager. Asked of the object that FxPluginMain gives, which makes the source
-/// manager, and then of the source manager itself, before its category is read.
+/// Interface 13: the source manager. The host asks the object of FxPluginMain for it, which creates the
+/// source manager. Then it asks the source manager itself, before it reads the category.
 class ISourceManager : public IFxBase
 {
 public:
@@ -363,57 +368,57 @@ public:
     /// 4: writes the category.
     ///
     /// @param[out] category kDeviceSourceCategory for a source of devices
-    /// @return after a failure the source is not tracked
+    /// @return after a failure the host does not track the source
     virtual Status GetCategory(std::uint32_t* category) = 0;
     /// 5: not called by this host.
     /// @return kFailure
     virtual Status Reserved5() { return kFailure; }
-    /// 6: from now on the plugin tells `callback` of every device that arrives, and at once, if it
-    /// likes, of those that are there already.
+    /// 6: registers the callback. From now on the plugin reports every device that arrives to
+    /// `callback`. It may report devices that are present already at once.
     ///
-    /// Asked once: after a failure the source is not tracked until the host process starts again, and
-    /// no line says so. Where devices or a service are not ready yet, answer kSuccess and tell of
-    /// devices when they come.
+    /// The host asks once. After a failure it does not track the source until the host process starts
+    /// again, and writes no trace line. If devices or a service are not ready yet, return kSuccess and
+    /// report devices when they arrive.
     ///
-    /// @param[in] callback lent for the call; add a reference to keep it
-    /// @return after a failure the source is not tracked
+    /// @param[in] callback borrowed for the call; add a reference to keep it
+    /// @return after a failure the host does not track the source
     virtual Status RegisterCallback(ICallbackInterface* callback) = 0;
-    /// 7: ends that, in a process that goes on, such as where no window can be made for the source. Not
-    /// called when the process ends. Two rules:
+    /// 7: unregisters the callback in a process that continues, for example if the host cannot create
+    /// the window for the source. The host does not call it when the process ends. Two rules:
     ///
-    /// - **Stop.** After this returns the plugin begins no call of the callback. End the threads that
-    ///   tell, and wait for them: the host holds no lock here that a call could wait for.
-    /// - **Give back.** Release the reference that RegisterCallback added, after the last call has
-    ///   returned. A thread that cannot be waited for needs a reference of its own, which it releases
-    ///   after its last call; until then that call is safe, and still reported.
+    /// - **Stop.** After this call returns, the plugin begins no call of the callback. End the threads
+    ///   that report, and wait for them: the host holds no lock here that could block such a call.
+    /// - **Release.** Release the reference that RegisterCallback added after the last call of the
+    ///   callback has returned. A thread that you cannot wait for needs a reference of its own, which it
+    ///   releases after its last call. Until then the call is safe, and the host still reports it.
     ///
-    /// @param[in] callback the one that was registered
-    /// @return kSuccess, or what went wrong
+    /// @param[in] callback the registered callback
+    /// @return kSuccess, or the failure
     virtual Status UnregisterCallback(ICallbackInterface* callback) = 0;
 
 protected:
     ~ISourceManager() = default;
 };
 
-// ---- Interfaces of the host's enumerator, by which it walks its own list; no plugin needs them
+// ---- Interfaces of the host's enumerator, which lists the host's own plugins; no plugin needs them
 
-/// Interface 8: a walk over entries. One thread at a time; reference counting from any thread.
+/// Interface 8: enumerates entries. Use it from one thread at a time; reference counting is callable
+/// from any thread.
 class IEnum : public IFxBase
 {
 public:
-    /// 3: writes how many entries there are.
+    /// 3: writes the number of entries.
     ///
     /// @param[out] count the number
-    /// @return kSuccess. kBadArgument: no output
+    /// @return kSuccess. kBadArgument: `count` is null
     virtual Status GetCount(std::uint32_t* count) = 0;
-    /// 4: fills the caller's record from the current entry and goes on to the next.
+    /// 4: fills the caller's record from the current entry and moves to the next one.
     ///
-    /// @param[in,out] info the caller's; its version and size are set before the call
-    /// @return kSuccess. kEndOfEnumeration: there is no entry left. kBadArgument: no record, or its
-    /// version or
-    ///     size is another; nothing was written
+    /// @param[in,out] info owned by the caller, who sets its version and size before the call
+    /// @return kSuccess. kEndOfEnumeration: there is no entry left. kBadArgument: `info` is null, or has
+    ///     another version or size; nothing was written
     virtual Status Next(SourceInfo* info) = 0;
-    /// 5: back to the first entry.
+    /// 5: moves back to the first entry.
     ///
     /// @return kSuccess
     virtual Status Reset() = 0;
@@ -422,8 +427,8 @@ protected:
     ~IEnum() = default;
 };
 
-/// Interface 9: the entries are the sources of the listed plugins, in the order in which those were
-/// loaded.
+/// Interface 9: enumerates the sources of the listed plugins, in the order in which the host loaded
+/// them.
 class IEnumSourceManager : public IEnum
 {
 protected:
@@ -442,9 +447,8 @@ extern "C" {
 
 /// The one function that a plugin exports.
 ///
-/// @param[out] object receives an object with one reference for the caller; null means that the plugin
-/// does
-///     not want to be loaded
-/// @return not read: the host looks at the object
+/// @param[out] object receives an object with one reference for the caller; null if the plugin is not to
+///     be loaded
+/// @return not read: the host checks `object` alone
 __declspec(dllexport) kestraboot::mox::Status FxPluginMain(kestraboot::mox::IFxBase** object);
 }

@@ -1,18 +1,18 @@
 /// @file
-/// The version of the interface and of everything that is shipped with it, in the one place where it is
-/// written: the build reads it here for the library's and the programs' version resources, for the CMake
-/// package and for the archive's name.
+/// The version of the interface and of everything that is shipped with it. This file is its only source:
+/// the version resources of the library and the programs, the CMake package and the archive's name take
+/// it from here.
 ///
 /// A host built against 1.x runs with every library of the same major version that is not older than
-/// its headers: until the major version changes, exported names stay, and records keep their layout.
-/// Plain preprocessor text, so that a resource compiler reads it too.
+/// the headers of that host. Until the major version changes, exported names stay and records keep their
+/// layout. The file holds preprocessor text alone, so that a resource compiler can read it.
 #pragma once
 
-/// Changes when a host must be built again.
+/// Raised when hosts must be rebuilt.
 #define KESTRABOOT_VERSION_MAJOR 1
-/// Changes when something is added that an older host does not miss.
+/// Raised when something is added and older hosts still run.
 #define KESTRABOOT_VERSION_MINOR 0
-/// Changes when something is mended.
+/// Raised when something is fixed.
 #define KESTRABOOT_VERSION_PATCH 0
 
 /// @cond

@@ -46,8 +46,9 @@ def prose_of(file: pathlib.Path) -> str:
     """The file's text, line by line, with everything that is not prose left out."""
     text = file.read_text(encoding="utf-8")
     if file.suffix == ".h":
-        comments = [re.search(r"(?:///?<?|^\s*\*) ?(.*)$", line) for line in text.splitlines()]
-        text = "\n".join(found[1] if found else "" for found in comments)
+        comments = [re.search(r"(///?<?|^\s*\*) ?(.*)$", line) for line in text.splitlines()]
+        # A member's comment ends with its line, like a list item.
+        text = "\n".join(("- " if found[1] == "///<" else "") + found[2] if found else "" for found in comments)
         return QUOTED.sub("x", text)
     if file.name == "CONTRIBUTING.md":  # which names the words
         text = re.sub(r"^\| we write.*?\n\n", blanked, text, flags=re.MULTILINE | re.DOTALL)

@@ -221,7 +221,8 @@ TEST_F(Kestractl, ChangesAndStartsNothingWhereNoApplicationIsLeft)
     Break(application);
     PutText(HKEY_LOCAL_MACHINE, kRun, L"Corvane Kestrafetch", L"\"C:\\gone\\kestraboot.exe\"");
     const std::string shown = Run();
-    EXPECT_THAT(shown, HasSubstr("(none: a boot program that finds this removes the auto-run entry"));
+    EXPECT_THAT(shown, HasSubstr("(none: a boot program that finds this ends, and removes the auto-run "
+                                 "entry if it may write to HKEY_LOCAL_MACHINE)"));
     EXPECT_THAT(shown, HasSubstr("An arrival  starts nothing\n"));
     EXPECT_THAT(shown,
                 HasSubstr("Auto-run    \"C:\\gone\\kestraboot.exe\"\n            a file that does not "

@@ -72,7 +72,8 @@ TEST(ReportText, ShowsEverything)
 TEST(ReportText, SaysWhatIsNotThere)
 {
     const std::string text = PlainText(FormatReport({}));
-    EXPECT_THAT(text, HasSubstr("  (none: a boot program that finds this removes the auto-run entry"));
+    EXPECT_THAT(text, HasSubstr("  (none: a boot program that finds this ends, and removes the auto-run "
+                                "entry if it may write to HKEY_LOCAL_MACHINE)"));
     EXPECT_THAT(text, HasSubstr("Defaults    (none)"));
     EXPECT_THAT(text, HasSubstr("An arrival  starts nothing"));
     EXPECT_THAT(text, HasSubstr("Auto-run    (no entry: nothing starts at log-on)"));

@@ -98,7 +98,8 @@ void AddApplications(Text& text, const Report& report)
 {
     text.Line(L"Applications, in the library's order");
     if (report.applications.empty()) {
-        text.Line(L"  (none: a boot program that finds this removes the auto-run entry and ends)",
+        text.Line(L"  (none: a boot program that finds this ends, and removes the auto-run entry if it "
+                  L"may write to HKEY_LOCAL_MACHINE)",
                   Style::Bad);
     }
     for (std::size_t i = 0; i < report.applications.size(); ++i) {

@@ -98,9 +98,9 @@ Rows ApplicationRows(const Facts& facts)
     Rows rows;
     if (report.applications.empty()) {
         rows.push_back(Broken(kApplication, {},
-                              L"no application is listed: a boot program that finds this removes the "
-                              L"auto-run entry and ends",
-                              L"install an application, or mend one that is left out"));
+                              L"no application is listed: a boot program that finds this ends, and "
+                              L"removes the auto-run entry if it may write to HKEY_LOCAL_MACHINE",
+                              L"install an application, or fix one that is left out"));
     }
     for (std::size_t i = 0; i < report.applications.size(); ++i) {
         rows.push_back(ListedRow(report.applications[i],
