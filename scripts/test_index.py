@@ -65,6 +65,11 @@ def guides() -> list[str]:
     return re.search(r"foreach\(guide IN ITEMS ([^)]+)\)", listing)[1].split()
 
 
+def guide_entry(guide: str) -> str:
+    """What tests/guides/CMakeLists.txt calls it."""
+    return pathlib.PurePath(guide.removesuffix("/README")).name
+
+
 def page() -> tuple[str, int]:
     lines, count = [HEAD], 0
     lines += ["## By guide\n", "| page | followed by |", "|---|---|"]
