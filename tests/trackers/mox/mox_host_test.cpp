@@ -1,7 +1,7 @@
 #include "trackers/mox/mox_host.h"
 
-#include "tests/support/import_patch.h"
 #include "tests/support/awaited_trace.h"
+#include "tests/support/import_patch.h"
 #include "tests/trackers/mox/plugin_folder.h"
 #include "trackers/mox/plugin_host.h"
 #include "trackers/mox/source_scan.h"

@@ -1,7 +1,7 @@
 // What a plugin may expect of the thread of its source, and of the thread that it tells from.
+#include "tests/support/awaited_trace.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/signal.h"
-#include "tests/support/awaited_trace.h"
 #include "tests/trackers/mox/device_reports.h"
 #include "tests/trackers/mox/plugin_folder.h"
 #include "trackers/mox/source_tracker.h"
