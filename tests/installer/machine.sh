@@ -39,6 +39,21 @@ for name in "viewer.exe", "second.exe":
 PY
 }
 
+# has_row MSI TABLE TEXT: a row of a table, its cells with blanks between them.
+has_row() { msiinfo export "$work/$1.msi" "$2" | tr -d '\r' | tr '\t' ' ' | grep -qE -- "$3" || fail "$1: $2 has no row $3"; }
+
+# What Wine does not look at. Windows Installer keeps a file with a version where the package tells none, and hands
+# on no property that is not listed.
+tables() {
+    has_row "$1" File "^kestraboot.dll .* $2\.0 1033 "
+    has_row "$1" File "^kestraboot.exe .* $2\.0 1033 "
+    has_row "$1" Property '^SecureCustomProperties BOOTSTART;MAKEDEFAULT;'
+    has_row "$1" CustomAction '^StartAgain 1281 '         # at a rollback, as the user
+    has_row "$1" CustomAction '^EndAsAdministrator 3073 ' # in the script, not as the user
+    has_row "$1" CustomAction '^EndAsUser 1025 '          # in the script, as the user
+    has_row "$1" CustomAction '^HandOver 1042 '
+}
+
 # with_failure MSI RESULT SEQUENCE CONDITION: the same, but that there an action fails, as the script runs.
 with_failure() {
     cp "$work/$1.msi" "$work/$2.msi"

@@ -181,6 +181,7 @@ make_files
 for version in 1.0 1.1; do
     make_msi a$version viewer $version.0
     make_msi b$version second $version.0
+    tables a$version $version.0
 done
 machine_begin
 row "step" "products" "boot program" "auto-run" "defaults" "a card starts"
@@ -190,8 +191,11 @@ for order; do
     contents before
     "order_$order"
     contents after
-    diff "$work/before.registry" "$work/after.registry" || fail "$order: the registry differs"
-    diff "$work/before.files" "$work/after.files" || fail "$order: the files differ"
+    for what in registry files; do
+        diff "$work/before.$what" "$work/after.$what" >"$work/differs" && continue
+        head -20 "$work/differs"
+        fail "$order: the $what differ"
+    done
 done
 echo "$count steps, $failed failures, $SECONDS s"
 [ $failed = 0 ]
