@@ -60,10 +60,11 @@ TEST(KestractlSchema, RefusesWhatItDoesNotDescribe)
     noCommit.replace(noCommit.find("commit\":\"") + 9, 1, "?");
     const std::string rest = R"("broken":0,"suspicious":0,"fine":0,"rows":[]})";
     ASSERT_EQ(Wrong(head + rest), "");
-    for (const std::string& line : {head + "}", std::string("[]"), anotherSchema + rest, noCommit + rest,
-                                    R"({"type":"check","schema":1,)" + rest,
-                                    head + R"("broken":0,"suspicious":0,"fine":0,"rows":[],"more":1})",
-                                    head + R"("broken":"0","suspicious":0,"fine":0,"rows":[]})"}) {
+    for (const std::string& line :
+         {head.substr(0, head.size() - 1) + "}", std::string("[]"), anotherSchema + rest,
+          noCommit + rest, R"({"type":"check","schema":1,)" + rest,
+          head + R"("broken":0,"suspicious":0,"fine":0,"rows":[],"more":1})",
+          head + R"("broken":"0","suspicious":0,"fine":0,"rows":[]})"}) {
         EXPECT_NE(Wrong(line), "") << line;
     }
 }
