@@ -32,7 +32,7 @@ case "$# ${1-}" in
 '0 ') packages=("${all[@]}") ;;
 '1 demo') packages=("${demo[@]}") ;;
 '1 curves') packages=(python3-matplotlib) ;;
-'1 screenshots') packages=("${demo[@]}" xvfb imagemagick fonts-wine) ;;
+'1 screenshots') packages=("${demo[@]}" xvfb imagemagick) ;;
 *) wrong_usage "no such group of packages: $*" ;;
 esac
 # The format is held by one version of the formatter; releases after these have it no more (scripts/test.sh says so).
