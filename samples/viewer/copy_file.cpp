@@ -14,9 +14,12 @@ using File = std::unique_ptr<void, CloseFile>;
 /// Null where it cannot be opened; GetLastError then tells why.
 File Open(const std::filesystem::path& path, DWORD access, DWORD share, DWORD how)
 {
-    const HANDLE file =
-        ::CreateFileW(path.c_str(), access, share, nullptr, how, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
-    return File(file == INVALID_HANDLE_VALUE ? nullptr : file);
+    File file(
+        ::CreateFileW(path.c_str(), access, share, nullptr, how, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    if (file.get() == INVALID_HANDLE_VALUE) {
+        static_cast<void>(file.release()); // nothing to close
+    }
+    return file;
 }
 
 std::uint64_t Joined(DWORD high, DWORD low)

@@ -30,7 +30,7 @@ public:
     {
         const std::uint32_t count = table == 0 ? 0 : Number(table, 2);
         for (std::uint32_t i = 0; i < count; ++i) {
-            const std::size_t entry = table + 2 + std::size_t{12} * i;
+            const std::size_t entry = std::size_t{12} * i + table + 2;
             if (Number(entry, 2) == tag) {
                 return entry + 8;
             }

@@ -51,7 +51,7 @@ void Sheet::FillItem(LVITEMW& item)
     const Picture picture = reader->Get(index);
     if ((item.mask & LVIF_TEXT) != 0 && item.cchTextMax > 0) {
         const std::wstring label = LabelOf(picture);
-        ::lstrcpynW(item.pszText, label.c_str(), item.cchTextMax);
+        item.pszText[label.copy(item.pszText, static_cast<std::size_t>(item.cchTextMax) - 1)] = L'\0';
     }
     if ((item.mask & LVIF_IMAGE) == 0) {
         return;
