@@ -1,5 +1,6 @@
 #include "folder_watch.h"
 
+#include "no_boxes.h"
 #include "report.h"
 #include "texts.h"
 #include "trace.h"
@@ -7,6 +8,7 @@
 #include <new>
 
 namespace mox = kestraboot::mox;
+using News = ChangeFeed::News;
 
 FolderWatch::FolderWatch(const Settings& given, mox::ICallbackInterface* lent)
     : settings(given), callback(lent), ending(::CreateEventW(nullptr, TRUE, FALSE, nullptr))
@@ -37,6 +39,7 @@ DWORD WINAPI FolderWatch::Thread(LPVOID self)
 
 void FolderWatch::Run()
 {
+    const NoBoxes noBoxes;
     do {
         try {
             WatchWhileThere();
@@ -56,24 +59,21 @@ void FolderWatch::WatchWhileThere()
     ULONGLONG until = ::GetTickCount64() + settings.settle;
     for (;;) {
         const ULONGLONG now = ::GetTickCount64();
-        const ChangeFeed::News news = feed.Await(ending.Get(), now < until ? DWORD(until - now) : 0);
-        if (news == ChangeFeed::News::Ended) {
+        const News news = feed.Await(ending.Get(), now < until ? DWORD(until - now) : 0);
+        if (news == News::Ended) {
             return;
         }
-        if (news == ChangeFeed::News::Lost || (news == ChangeFeed::News::None && !feed.StillThere())) {
+        if (news == News::Lost || (news == News::None && !feed.StillThere())) {
             Trace(settings.folder, texts::kGone);
             return;
         }
-        if (news == ChangeFeed::News::Overflow) {
-            Trace(settings.folder, texts::kOverflow);
-        }
-        if (news == ChangeFeed::News::None && due) {
-            due = !LookAndReport();
-        } else if (news == ChangeFeed::News::Pictures || news == ChangeFeed::News::Overflow) {
-            due = true;
-        } else if (news == ChangeFeed::News::Unrelated) {
+        if (news == News::Unrelated) {
             continue; // what is due stays due at the same time
         }
+        if (news == News::Overflow) {
+            Trace(settings.folder, texts::kOverflow);
+        }
+        due = news == News::None ? due && !LookAndReport() : true;
         until = ::GetTickCount64() + (due ? settings.settle : settings.retry);
     }
 }
@@ -83,8 +83,7 @@ bool FolderWatch::BeginWith(ChangeFeed& feed)
 {
     if (!feed.Open(settings.folder)) {
         if (::GetLastError() == ERROR_FILE_NOT_FOUND) {
-            // It does not exist, while the folder above it does: all that comes with it is new. Not so
-            // where a server or a drive is away. Its pictures come again with it.
+            // The folder above it is there, so this is no server that is away: all is new that comes.
             known.clear();
             beginningSeen = true;
         }

@@ -1,5 +1,6 @@
 #include "settings.h"
 
+#include "no_boxes.h"
 #include "texts.h"
 #include "trace.h"
 
@@ -41,6 +42,7 @@ bool ReadFolder(std::wstring& folder)
     if (!IsFullPath(folder)) {
         return Refuse(text, texts::kNotFullPath);
     }
+    const NoBoxes noBoxes;
     const DWORD attributes = ::GetFileAttributesW(folder.c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
         return Refuse(folder, texts::kNotFolder);

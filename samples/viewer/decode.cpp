@@ -12,7 +12,7 @@ namespace
 
 using Microsoft::WRL::ComPtr;
 
-struct CloseFile {
+struct ClosePicture {
     void operator()(void* file) const noexcept { ::CloseHandle(file); }
 };
 
@@ -93,7 +93,7 @@ DecodedPicture Decode(IWICImagingFactory& factory, const std::filesystem::path& 
         picture.result = DecodeResult::NotOpened;
         return picture;
     }
-    const std::unique_ptr<void, CloseFile> file(opened);
+    const std::unique_ptr<void, ClosePicture> file(opened);
     const Exif exif = ReadFacts(file.get());
     ComPtr<IWICBitmapDecoder> decoder;
     ComPtr<IWICBitmapFrameDecode> frame;

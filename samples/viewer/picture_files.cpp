@@ -28,13 +28,13 @@ bool IsFolderToSearch(const WIN32_FIND_DATAW& entry)
            (entry.dwFileAttributes & kOfWindows) != kOfWindows && name != L"." && name != L"..";
 }
 
-struct Folder {
+struct FolderContents {
     std::vector<PictureFile> pictures;
     std::vector<std::filesystem::path> folders;
 };
 
 /// False where it could not be read to its end. What was found stands in `contents` in any case.
-bool ReadFolder(const std::filesystem::path& folder, Folder& contents)
+bool ReadFolder(const std::filesystem::path& folder, FolderContents& contents)
 {
     WIN32_FIND_DATAW entry = {};
     const HANDLE listing = ::FindFirstFileW((folder / L"*").c_str(), &entry);
@@ -72,7 +72,7 @@ FindPictures(const std::filesystem::path& root,
     while (!toSearch.empty()) {
         const std::filesystem::path folder = std::move(toSearch.back());
         toSearch.pop_back();
-        Folder contents;
+        FolderContents contents;
         if (!ReadFolder(folder, contents)) {
             unreadable.push_back(folder);
         }

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <filesystem>
 #include <optional>
 #include <thread>
@@ -243,6 +244,38 @@ TEST_F(DropFolderWatch, BeginsNoReportAfterItsEnd)
     mayReturn.Set();
     ending.join();
     EXPECT_EQ(reports.references, 1U);
+}
+
+TEST_F(DropFolderWatch, LetsWindowsOpenNoBox)
+{
+    // Not declared for Windows Vista, which lacks it.
+    const auto modeOfThisThread = reinterpret_cast<DWORD(WINAPI*)()>(reinterpret_cast<void*>(
+        ::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), "GetThreadErrorMode")));
+    ASSERT_NE(modeOfThisThread, nullptr);
+    const DWORD before = modeOfThisThread();
+    std::atomic<int> withBoxes = 0;
+    const auto look = [&] {
+        withBoxes += (modeOfThisThread() & SEM_FAILCRITICALERRORS) == 0 ? 1 : 0;
+    };
+    FAKE_IMPORT(GetFileAttributesW)
+    attributes([&](const wchar_t* name) {
+        look();
+        return attributes.CallOriginal(name);
+    });
+    FAKE_IMPORT(CreateFileW)
+    open([&](const wchar_t* name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD how,
+             DWORD flags, HANDLE like) {
+        look();
+        return open.CallOriginal(name, access, share, security, how, flags, like);
+    });
+    Start();
+    above.AddFile(L"Server/Drop/one.jpg", "picture");
+    AwaitReported(1);
+    EXPECT_EQ(plugin->source->UnregisterCallback(&reports), mox::kSuccess);
+    EXPECT_EQ(withBoxes, 0);
+    EXPECT_GT(attributes.Calls(), 0);
+    EXPECT_GT(open.Calls(), 0);
+    EXPECT_EQ(modeOfThisThread(), before) << "the host's thread keeps the plugin's mode";
 }
 
 TEST_F(DropFolderWatch, LeavesNoThreadAndNoHandle)
