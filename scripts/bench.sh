@@ -3,10 +3,11 @@
 # stay in build/bench as CSV.
 #   --rounds N      at least so many rounds of each row (15); rows that are quick make more
 #   --rows REGEX    only the rows whose "name size" matches, such as 'walk 1000$' or '^dispatch'
-#   --resume        leaves rows alone that were measured already
+#   --resume        leaves rows alone that were measured already, of the same commit
 #   --record        also writes the table into docs/speed.md and draws docs/speed.svg, for which it installs
 #                   python3-matplotlib
-#   --report        measures nothing: the table of what was measured before
+#   --report        measures nothing: the table of what was measured before, of this commit
+# Ends with 1 when a row misses its goal.
 set -euo pipefail
 . "$(dirname "$0")/usage.sh"
 
@@ -72,6 +73,8 @@ measure() {
     local chosen count=0 name size program card file arguments status=0
     chosen=$(awk -v wanted="$wanted" '($1 " " $2) ~ wanted' <<<"$rows")
     [ -n "$chosen" ] || { echo "no row matches $wanted" >&2 && exit 2; }
+    local commit
+    commit=$(git describe --always --dirty --exclude '*')
     # On one processor, with Wine's server: between two of them the wake-up is most of what a call takes, and varies.
     taskset -cp 0 $$ >/dev/null
     scripts/test-prefix.sh begin "$prefix"
@@ -80,7 +83,7 @@ measure() {
         count=$((count + 1))
         file=$out/rows/$name-$size.csv
         printf '== %d of %d: %s %s ' "$count" "$(wc -l <<<"$chosen")" "$name" "$size"
-        if [ -n "$resume" ] && [ -s "$file" ]; then
+        if [ -n "$resume" ] && [ -s "$file" ] && [ "$(head -n 1 "$file")" = "commit,$commit" ]; then
             echo "(measured before)"
             continue
         fi
@@ -94,7 +97,7 @@ measure() {
         [ "$name" != dispatch ] || taskset -cp "0-$(($(nproc --all) - 1))" $$ >/dev/null # threads beside each other
         local start=$SECONDS
         if wine_run "$prefix" 300 $bin/"$program".exe "$name" "$size" "$rounds" "${arguments[@]}" >"$file.new"; then
-            mv "$file.new" "$file"
+            { echo "commit,$commit" && cat "$file.new"; } >"$file" && rm "$file.new"
             echo "($((SECONDS - start)) s)"
         else
             echo "FAILED" && cat "$file.new" && status=1

@@ -8,7 +8,7 @@ namespace kestraboot::tests
 
 /// Everything in HKEY_CURRENT_USER and in HKEY_LOCAL_MACHINE\SOFTWARE but the classes, which are many:
 /// one line for each key and value, with the time of the last writing for the keys that the library
-/// works with.
+/// works with. Throws std::runtime_error where a root cannot be read: an empty dump equals itself.
 [[nodiscard]] std::vector<std::string> RegistryDump();
 
 } // namespace kestraboot::tests
