@@ -76,7 +76,7 @@ ExitCode Run()
         }
         return ExitCode::Usage;
     }
-    if (isDefault) {
+    if (IsOneOf(words[0], {L"-default"})) { // also where memory ran out for the first word alone
         return SetDefault(handler, words[1], words[2]);
     }
     if (IsOneOf(words[0], {L"-uninstall"})) {

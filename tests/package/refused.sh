@@ -47,12 +47,14 @@ refused "$for_the_ucrt" -I"$work/for-1" -isystem "$work/msvcrt"
 compiles -I"$work/for-0" -isystem "$work/msvcrt" || { cat "$work/said"; exit 1; }
 compiles -I"$work/for-1" -isystem "$work/ucrt" || { cat "$work/said"; exit 1; }
 
-# This build's own header, and a compiler of each kind.
+# This build's own header, and a compiler of each kind that is there: the one that built it is.
+with_own=0
 while read -r other links_ucrt sentence; do
     if command -v "$other" >/dev/null; then
         compiler=$other
         if grep -q "KESTRABOOT_FOR_UCRT $links_ucrt" "$generated/kestraboot/c_runtime.h"; then
             compiles || { cat "$work/said"; exit 1; }
+            with_own=1
         else
             refused "$sentence"
         fi
@@ -61,4 +63,5 @@ done <<EOF
 x86_64-w64-mingw32-g++-posix 0 $for_the_ucrt
 x86_64-w64-mingw32ucrt-g++ 1 $for_msvcrt
 EOF
+[ $with_own -eq 1 ] || { echo "the compiler of this build is not there" >&2 && exit 1; }
 echo "refused: $count, and the library's own is not"

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Compiles the plugin kit alone, and the sample plugin with it, as C++11 to C++20 with each compiler that is there.
+# Compiles the plugin kit alone, and the sample plugin with it, as C++11 to C++20 with both compilers.
 #   compiles-alone.sh SOURCES GXX
 set -euo pipefail
 sources=$1 gxx=$2
@@ -16,9 +16,6 @@ compile() { # COMPILER... : every standard, every source
 }
 
 compile "$gxx"
-if command -v clang++ >/dev/null; then
-    headers=$(dirname "$("$gxx" -print-libgcc-file-name)")/include/c++
-    compile clang++ --target=x86_64-w64-mingw32 -isystem "$headers" -isystem "$headers/x86_64-w64-mingw32"
-else
-    echo "clang++ is not there: skipped"
-fi
+command -v clang++ >/dev/null || { echo "clang++ is not there: scripts/setup.sh installs it" >&2 && exit 1; }
+headers=$(dirname "$("$gxx" -print-libgcc-file-name)")/include/c++
+compile clang++ --target=x86_64-w64-mingw32 -isystem "$headers" -isystem "$headers/x86_64-w64-mingw32"

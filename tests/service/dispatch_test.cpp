@@ -156,6 +156,20 @@ TEST_F(Dispatch, ASlowCallbackHoldsUpTheNextReport)
     static HANDLE goOn = nullptr;
     entered = ::CreateEventW(nullptr, FALSE, FALSE, nullptr);
     goOn = ::CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    const HANDLE atTheLock = ::CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    std::atomic<DWORD> nextThread = 0;
+    bool heldUp = false;
+    const FAKE_IMPORT(EnterCriticalSection) enter([&](CRITICAL_SECTION* lock) {
+        if (::GetCurrentThreadId() != nextThread) {
+            enter.CallOriginal(lock);
+            return;
+        }
+        heldUp = !::TryEnterCriticalSection(lock);
+        ::SetEvent(atTheLock);
+        if (heldUp) {
+            enter.CallOriginal(lock);
+        }
+    });
     RegisterDeviceConnectCallback([](std::wstring& kind, std::wstring& deviceId) {
         if (deviceId == L"slow") {
             ::SetEvent(entered);
@@ -167,15 +181,20 @@ TEST_F(Dispatch, ASlowCallbackHoldsUpTheNextReport)
         Notify(L"volume", L"slow");
     });
     ASSERT_EQ(::WaitForSingleObject(entered, 60'000), WAIT_OBJECT_0);
-    std::thread next([] {
+    std::thread next([&] {
+        nextThread = ::GetCurrentThreadId();
         Notify(L"volume", L"next");
+        ::SetEvent(atTheLock); // where there is no lock
     });
+    EXPECT_EQ(::WaitForSingleObject(atTheLock, 60'000), WAIT_OBJECT_0);
+    EXPECT_TRUE(heldUp) << "the next report did not wait";
     ::SetEvent(goOn);
     slow.join();
     next.join();
     EXPECT_EQ(events, (std::vector<Event>{{L"volume", L"slow"}, {L"volume", L"next"}}));
     ::CloseHandle(entered);
     ::CloseHandle(goOn);
+    ::CloseHandle(atTheLock);
 }
 
 TEST_F(Dispatch, ManyThreadsAreServedOneAtATimeAndNoReportIsLost)

@@ -15,6 +15,7 @@ namespace
 
 DWORD failingThread = 0;
 int successesLeft = 0;
+int askedFor = 0;
 Shortage kind = Shortage::FromThenOn;
 bool happened = false;
 volatile long liveBlocks = 0;
@@ -22,10 +23,12 @@ volatile long liveBlocks = 0;
 // Stands in the import table of the runtime's DLL; memory of the C runtime itself is not touched.
 void* Allocate(std::size_t size)
 {
-    if (::GetCurrentThreadId() == failingThread && successesLeft-- <= 0 &&
-        !(happened && kind == Shortage::Once)) {
-        happened = true;
-        return nullptr;
+    if (::GetCurrentThreadId() == failingThread) {
+        ++askedFor;
+        if (successesLeft-- <= 0 && !(happened && kind == Shortage::Once)) {
+            happened = true;
+            return nullptr;
+        }
     }
     void* const block = std::malloc(size);
     if (block != nullptr) {
@@ -65,6 +68,7 @@ AllocationFailure::AllocationFailure(int successes, Shortage shortage)
 {
     PatchRuntime();
     successesLeft = successes;
+    askedFor = 0;
     happened = false;
     kind = shortage;
     failingThread = ::GetCurrentThreadId();
@@ -78,6 +82,11 @@ AllocationFailure::~AllocationFailure()
 bool AllocationFailure::Happened() noexcept
 {
     return happened;
+}
+
+int AllocationFailure::AskedFor() noexcept
+{
+    return askedFor;
 }
 
 long LiveAllocations()

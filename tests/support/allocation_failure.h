@@ -23,6 +23,9 @@ public:
 
     /// Whether an allocation failed so far.
     [[nodiscard]] static bool Happened() noexcept;
+
+    /// How many allocations were asked for so far, those that failed among them.
+    [[nodiscard]] static int AskedFor() noexcept;
 };
 
 /// How many blocks of the C++ runtime's memory are in use, counted from some time on: for differences.

@@ -1,5 +1,7 @@
 #include "tests/system/debug_reader.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <atomic>
 #include <stdexcept>
@@ -63,6 +65,7 @@ void DebugReader::CatchUp() const
             }
         }
     }
+    ADD_FAILURE() << "the debug output is not read: no line of this process arrives";
 }
 
 std::vector<std::string> DebugReader::LinesOf(DWORD processId) const

@@ -5,6 +5,7 @@
 #include <objbase.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace kestraboot::tests
@@ -26,6 +27,8 @@ int unknowns = 0;
 Plan plan;
 bool happened = false;
 bool anotherCall = false;
+const FunctionFailures* secondFunction = nullptr;
+const Failure* secondFailure = nullptr;
 volatile DWORD armedThread = 0;
 volatile long memoryBalance = 0;
 
@@ -92,6 +95,17 @@ unsigned Applying(const FunctionFailures& function, const GatedCall& call) noexc
     return bits;
 }
 
+const Failure* Choose(const FunctionFailures& function, unsigned applying, unsigned choice) noexcept
+{
+    const auto count = static_cast<unsigned>(std::popcount(applying));
+    for (unsigned bit = 0, left = count == 0 ? 0 : choice % count; count != 0; ++bit) {
+        if ((applying >> bit & 1U) != 0 && left-- == 0) {
+            return &function.failures[bit];
+        }
+    }
+    return nullptr;
+}
+
 } // namespace
 
 void BeginRun(const Plan& next)
@@ -100,6 +114,8 @@ void BeginRun(const Plan& next)
     calls = 0;
     unknowns = 0;
     happened = anotherCall = false;
+    secondFunction = nullptr;
+    secondFailure = nullptr;
 }
 
 std::vector<SweptCall> SweptCalls()
@@ -124,6 +140,12 @@ std::vector<SweptCall> SweptCalls()
 bool PlanHappened()
 {
     return plan.allocations ? AllocationFailure::Happened() : happened;
+}
+
+std::string SecondFailure()
+{
+    return secondFailure == nullptr ? std::string()
+                                    : std::string(secondFunction->function) + ": " + secondFailure->name;
 }
 
 std::vector<const char*> UnknownFunctions()
@@ -169,6 +191,14 @@ bool LetCallGoOn(GatedCall& call) noexcept
         Fail(call, *function, *plan.failure);
         return false;
     }
+    if (happened && plan.secondAfter != 0 && number == plan.call + plan.secondAfter) {
+        secondFailure = Choose(*function, Applying(*function, call), plan.secondChoice);
+        if (secondFailure != nullptr) {
+            secondFunction = function;
+            Fail(call, *function, *secondFailure);
+            return false;
+        }
+    }
     ::InterlockedExchangeAdd(&memoryBalance, function->balance);
     ::SetLastError(error);
     return true;
@@ -193,10 +223,10 @@ Armed::~Armed()
     armedThread = 0;
     shortOfMemory.reset();
     if (const int left = WindowsOfThread() - windowsBefore) {
-        Journal::AddNumber(L"left windows", left);
+        Journal::AddNumber(L"LEFT BEHIND windows", left);
     }
     if (const bool after = IsInApartment(); after != comBefore) {
-        Journal::Add(after ? L"left COM initialised" : L"took COM away");
+        Journal::Add(after ? L"LEFT BEHIND COM initialised" : L"LEFT BEHIND COM taken away");
     }
 }
 

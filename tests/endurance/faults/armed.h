@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace kestraboot::tests
@@ -25,8 +26,12 @@ struct Plan {
     int call = -1; ///< which of the calls that can fail
     const char* function = nullptr;
     const Failure* failure = nullptr;
-    std::optional<int> allocations; ///< so many work
+    std::optional<int> allocations = {}; ///< so many work
     Shortage shortage = Shortage::Once;
+
+    /// So many calls after the first that fails another one does, whichever it is by then; 0: none does.
+    int secondAfter = 0;
+    unsigned secondChoice = 0; ///< which of its failures, modulo their number
 };
 
 /// Sets what the next Armed scopes of a run do; forgets what the run before did.
@@ -37,6 +42,10 @@ void BeginRun(const Plan& plan);
 
 /// Whether the run got as far as what was to fail.
 [[nodiscard]] bool PlanHappened();
+
+/// The call that failed as the second one, with the failure, such as "RegCloseKey: bad handle"; empty
+/// where the run did not get that far.
+[[nodiscard]] std::string SecondFailure();
 
 /// Functions that the table does not know, and whether the call that was to fail was another function's.
 [[nodiscard]] std::vector<const char*> UnknownFunctions();

@@ -141,8 +141,10 @@ std::vector<CallGate::Slot> FindSlots(HMODULE module)
     const auto& directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
     for (const auto* dll = At<IMAGE_IMPORT_DESCRIPTOR>(module, directory.VirtualAddress); dll->Name != 0;
          ++dll) {
-        if (std::string_view(At<char>(module, dll->Name)).starts_with("lib")) {
-            continue; // the C++ runtime: what fails there is memory alone
+        const std::string_view library(At<char>(module, dll->Name));
+        if (library.starts_with("lib") || library == "kestraboot.dll") {
+            continue; // the C++ runtime: what fails there is memory alone; the library has its own
+                      // scenes
         }
         const auto* names = At<IMAGE_THUNK_DATA64>(module, dll->OriginalFirstThunk);
         auto* addresses = At<IMAGE_THUNK_DATA64>(module, dll->FirstThunk);

@@ -28,7 +28,7 @@ struct GatedCall {
 
 /// Points each function's import slot of a module at a few instructions of its own, which ask first.
 /// Slots keep what stands in them then (the function itself, or a test's fake of it) as the original.
-/// Functions of the C++ runtime's own libraries are left alone. One at a time.
+/// Functions of the C++ runtime's own libraries and of kestraboot.dll are left alone. One at a time.
 class CallGate
 {
 public:

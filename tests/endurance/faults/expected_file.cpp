@@ -22,6 +22,17 @@ std::filesystem::path ExpectedFaults()
     return SourceFile("tests/endurance/faults/expected");
 }
 
+std::filesystem::path FileOf(const std::string& scene)
+{
+    return ExpectedFaults() / (scene + ".txt");
+}
+
+std::string Contents(const std::filesystem::path& file)
+{
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
 std::string Joined(const std::vector<std::string>& names)
 {
     std::string joined;
@@ -62,6 +73,7 @@ std::vector<std::string> Lines(const std::string& text)
     return lines;
 }
 
+constexpr std::string_view kAllocationsMark = "Takes memory so often: ";
 constexpr std::string_view kFailureMark = "  * ";
 constexpr std::string_view kLineMark = "    ";
 
@@ -114,6 +126,17 @@ Expectations Parse(const std::string& text)
     return parsed;
 }
 
+/// "RegOpenKeyExW 3: denied"; an occurrence that a file groups with others has the same name.
+std::string NameOf(const SweptCall& call, const Failure& failure)
+{
+    return std::string(call.function) + ' ' + std::to_string(call.occurrence) + ": " + failure.name;
+}
+
+int Allocations(const std::string& text)
+{
+    return text.starts_with(kAllocationsMark) ? std::stoi(text.substr(kAllocationsMark.size())) : -1;
+}
+
 /// The lines that only one of the two has, in their order.
 std::string Difference(const std::vector<std::string>& before, const std::vector<std::string>& after)
 {
@@ -141,6 +164,12 @@ std::string Difference(const std::vector<std::string>& before, const std::vector
 
 } // namespace
 
+void Outcomes::Begin(const std::string& outcome, int allocations)
+{
+    At(outcome);
+    allocationsOfUsual = allocations;
+}
+
 Outcomes::Outcome& Outcomes::At(const std::string& text)
 {
     const auto known = std::ranges::find(outcomes, text, &Outcome::text);
@@ -162,7 +191,8 @@ void Outcomes::Add(const SweptCall& call, const Failure& failure, const std::str
 std::string Outcomes::Text() const
 {
     const std::vector<std::string> usual = Lines(outcomes.front().text);
-    std::string text = "When nothing fails, and when these fail (below: what is then otherwise):\n";
+    std::string text = std::string(kAllocationsMark) + std::to_string(allocationsOfUsual) +
+                       "\nWhen nothing fails, and when these fail (below: what is then otherwise):\n";
     for (const Outcome& outcome : outcomes) {
         for (const auto& [function, occurrences] : outcome.functions) {
             for (const auto& [failures, ranges] : Ranges(occurrences)) {
@@ -179,33 +209,53 @@ std::string Outcomes::Text() const
     return text;
 }
 
-void CheckExpectedFile(const std::string& scene, const Outcomes& outcomes, bool all)
+void CheckExpectedFile(const std::string& scene, const Outcomes& outcomes,
+                       const std::vector<SweptCall>& calls)
 {
-    const std::filesystem::path path = ExpectedFaults() / (scene + ".txt");
     if (std::getenv("KESTRABOOT_REWRITE_EXPECTED") != nullptr) {
-        std::ofstream(path, std::ios::binary) << outcomes.Text();
+        std::ofstream(FileOf(scene), std::ios::binary) << outcomes.Text();
         return;
     }
-    std::ifstream in(path, std::ios::binary);
-    const Expectations expected = Parse({std::istreambuf_iterator<char>(in), {}});
-    const Expectations actual = Parse(outcomes.Text());
-    for (const auto& [name, outcome] : actual) {
+    const std::string text = Contents(FileOf(scene));
+    Expectations expected = Parse(text);
+    const std::string actual = outcomes.Text();
+    EXPECT_EQ(Allocations(text), Allocations(actual)) << scene << ": the allocations";
+    for (const auto& [name, outcome] : Parse(actual)) {
         const auto known = expected.find(name);
-        if (known == expected.end()) {
-            ADD_FAILURE() << path << " does not know: " << name << '\n' << outcome;
-        } else {
-            EXPECT_EQ(outcome, known->second) << path << ": " << (name.empty() ? "no failure" : name);
+        EXPECT_EQ(outcome, known != expected.end() ? known->second : "(nothing)")
+            << scene << ": " << (name.empty() ? "no failure" : name);
+    }
+    expected.erase("");
+    for (const SweptCall& call : calls) {
+        for (const Failure* const failure : call.failures) {
+            const std::string name = NameOf(call, *failure);
+            EXPECT_EQ(expected.erase(name), 1U) << scene << "'s file does not tell of " << name;
         }
     }
-    EXPECT_TRUE(!all || expected.size() == actual.size()) << path << " tells of calls that are not made";
+    for (const auto& [name, outcome] : expected) {
+        ADD_FAILURE() << scene << "'s file tells of a call that is not made: " << name;
+    }
+}
+
+int StatedAllocations(const std::string& scene)
+{
+    return Allocations(Contents(FileOf(scene)));
+}
+
+std::vector<std::string> ScenesWithAFile()
+{
+    std::vector<std::string> scenes;
+    for (const auto& file : std::filesystem::directory_iterator(ExpectedFaults())) {
+        scenes.push_back(file.path().stem().string());
+    }
+    return scenes;
 }
 
 bool SomeSceneSweeps(const std::string& function)
 {
     for (const auto& file : std::filesystem::directory_iterator(ExpectedFaults())) {
-        std::ifstream in(file.path(), std::ios::binary);
-        const std::string text{std::istreambuf_iterator<char>(in), {}};
-        if (text.find(std::string(kFailureMark) + function + ' ') != std::string::npos) {
+        if (Contents(file.path()).find(std::string(kFailureMark) + function + ' ') !=
+            std::string::npos) {
             return true;
         }
     }

@@ -14,8 +14,8 @@ namespace kestraboot::tests
 class Outcomes
 {
 public:
-    /// What becomes of it when nothing fails.
-    void Begin(const std::string& outcome) { At(outcome); }
+    /// What becomes of it when nothing fails, and how often it asks for memory then.
+    void Begin(const std::string& outcome, int allocations);
 
     void Add(const SweptCall& call, const Failure& failure, const std::string& outcome);
 
@@ -32,12 +32,20 @@ private:
     Outcome& At(const std::string& text);
 
     std::vector<Outcome> outcomes; ///< in the order in which they were met
+    int allocationsOfUsual = 0;
 };
 
-/// Fails the test where the scene's file of expected outcomes says otherwise of a failure, or nothing;
-/// and, where all of them were swept, where it says something of a failure that there is not. Writes the
-/// file instead where the environment variable KESTRABOOT_REWRITE_EXPECTED is set.
-void CheckExpectedFile(const std::string& scene, const Outcomes& outcomes, bool all);
+/// Fails the test where the scene's file of expected outcomes says otherwise of a failure, or of the
+/// memory that the scene takes; and where the failures that it tells of are not exactly those of
+/// `calls`, swept or not. Writes the file instead where KESTRABOOT_REWRITE_EXPECTED is set.
+void CheckExpectedFile(const std::string& scene, const Outcomes& outcomes,
+                       const std::vector<SweptCall>& calls);
+
+/// The number of allocations that stands in the scene's file; -1 where there is none.
+[[nodiscard]] int StatedAllocations(const std::string& scene);
+
+/// The names of all scenes that have a file.
+[[nodiscard]] std::vector<std::string> ScenesWithAFile();
 
 /// Whether the file of some scene tells of failures of that function.
 [[nodiscard]] bool SomeSceneSweeps(const std::string& function);

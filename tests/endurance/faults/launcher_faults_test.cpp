@@ -46,6 +46,15 @@ TEST_F(LauncherFaults, OfMakingADefault)
     });
 }
 
+TEST_F(LauncherFaults, OfTakingADefaultBack)
+{
+    SweepBoth("take_default_back", [](OpenHandler& handler) {
+        std::wstring name = L"Own";
+        std::wstring value = L"no";
+        ShowAnswer(handler.SetApplicationDefaultStatus(name, value));
+    });
+}
+
 TEST_F(LauncherFaults, OfRefusingADefault)
 {
     SweepBoth("refuse_default", [](OpenHandler& handler) {
@@ -64,8 +73,16 @@ TEST_F(LauncherFaults, OfTakingControl)
 
 TEST_F(LauncherFaults, OfTakingControlWithAFileOfTheMaker)
 {
-    machine.PutOemFile();
+    machine.PutOemFile("Stop=1");
     SweepBoth("take_control_oem", [](OpenHandler& handler) {
+        ShowAnswer(handler.TakeControl());
+    });
+}
+
+TEST_F(LauncherFaults, OfTakingControlWithAFileOfTheMakerThatStopsIt)
+{
+    machine.PutOemFile("1");
+    SweepBoth("take_control_oem_stops", [](OpenHandler& handler) {
         ShowAnswer(handler.TakeControl());
     });
 }
@@ -73,6 +90,24 @@ TEST_F(LauncherFaults, OfTakingControlWithAFileOfTheMaker)
 TEST_F(LauncherFaults, OfALaunch)
 {
     SweepBoth("launch", [this](OpenHandler& handler) {
+        std::wstring path = L"C:\\Apps\\viewer.exe";
+        handler.LaunchKestra(path, mode, type, id);
+    });
+}
+
+TEST_F(LauncherFaults, OfALaunchWithoutADevice)
+{
+    SweepBoth("launch_without_device", [this](OpenHandler& handler) {
+        std::wstring path = L"C:\\Apps\\viewer.exe";
+        std::wstring none;
+        handler.LaunchKestra(path, mode, type, none);
+    });
+}
+
+TEST_F(LauncherFaults, OfALaunchOnWindows2000)
+{
+    const WindowsVersion version(5, 0);
+    SweepBoth("launch_on_2000", [this](OpenHandler& handler) {
         std::wstring path = L"C:\\Apps\\viewer.exe";
         handler.LaunchKestra(path, mode, type, id);
     });
@@ -98,6 +133,25 @@ TEST_F(LauncherFaults, OfTheOrganisersProxy)
         std::wstring path = L"C:\\Legacy\\VelProxy.exe";
         handler.LaunchVel3Proxy(path, type, id);
     });
+}
+
+TEST_F(LauncherFaults, OfALaunchComeInPairs)
+{
+    SweepPairs(HandlerScene(machine, "launch_default",
+                            [this](OpenHandler& handler) {
+                                handler.LaunchDefaultKestra(type, id);
+                            }),
+               500);
+}
+
+TEST_F(LauncherFaults, OfTakingControlComeInPairs)
+{
+    machine.PutOemFile("Stop=1");
+    SweepPairs(HandlerScene(machine, "take_control_oem",
+                            [](OpenHandler& handler) {
+                                ShowAnswer(handler.TakeControl());
+                            }),
+               600);
 }
 
 } // namespace

@@ -45,12 +45,27 @@ int Handles(bool lookAgain)
     }
     if (made != lowestFree) {
         lowestFree = made;
-        counted = OpenHandles();
+        counted = OpenHandlesOf(::GetCurrentProcess());
     }
     return counted;
 }
 
+volatile long runningThreads = 0;
+
+/// Windows tells a program of each thread that begins and ends, but for its first one.
+void WINAPI CountThread(void*, DWORD reason, void*)
+{
+    if (reason == DLL_THREAD_ATTACH) {
+        ::InterlockedIncrement(&runningThreads);
+    } else if (reason == DLL_THREAD_DETACH) {
+        ::InterlockedDecrement(&runningThreads);
+    }
+}
+
 } // namespace
+
+extern "C" [[gnu::section(".CRT$XLF"), gnu::used]] const PIMAGE_TLS_CALLBACK kestrabootCountThread =
+    CountThread;
 
 Belongings LookAround(bool afterRun)
 {
@@ -59,6 +74,7 @@ Belongings LookAround(bool afterRun)
     Belongings found;
     ::GetCurrentDirectoryW(MAX_PATH, found.folder);
     found.handles = Handles(afterRun);
+    found.threads = runningThreads;
     found.modules = LoadedModules();
     found.memory = MemoryBalance();
     found.errorMode = mode;
@@ -66,24 +82,25 @@ Belongings LookAround(bool afterRun)
     return found;
 }
 
-std::string LeftBehind(const Belongings& before, const Belongings& after, bool keepsMemory)
+std::string LeftBehind(const Belongings& before, const Belongings& after)
 {
     std::string left;
     const auto count = [&](const char* what, long difference) {
         if (difference != 0) {
-            left += std::string(what) + ' ' + std::to_string(difference) + "; ";
+            left += kLeftBehind + std::string(what) + ' ' + std::to_string(difference) + '\n';
         }
     };
     count("handles", after.handles - before.handles);
+    count("threads", after.threads - before.threads);
     count("modules", after.modules - before.modules);
-    count("blocks of memory", keepsMemory ? 0 : after.blocks - before.blocks);
+    count("blocks of memory", after.blocks - before.blocks);
     count("system memory", after.memory - before.memory);
     if (after.errorMode != before.errorMode) {
-        left += "error mode; ";
+        left += std::string(kLeftBehind) + "another error mode\n";
         ::SetErrorMode(before.errorMode);
     }
     if (std::wcscmp(after.folder, before.folder) != 0) {
-        left += "current directory; ";
+        left += std::string(kLeftBehind) + "another current directory\n";
         ::SetCurrentDirectoryW(before.folder);
     }
     return left;

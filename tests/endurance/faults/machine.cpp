@@ -24,6 +24,11 @@ constexpr const wchar_t* kOwnPreferences =
 constexpr const wchar_t* kOtherPreferences =
     L"SOFTWARE\\Corvane\\Viewer\\Corvane Kestrafetch\\Preferences";
 
+constexpr DWORD kXpMajor = 5;
+constexpr DWORD kXpMinor = 1;
+DWORD versionMajor = kXpMajor;
+DWORD versionMinor = kXpMinor;
+
 wchar_t claimName[64];
 HANDLE claim = nullptr;
 
@@ -101,6 +106,17 @@ wchar_t* CommandLine() noexcept
     return line;
 }
 
+BOOL WINAPI AnswerVersion(OSVERSIONINFOW* version) noexcept
+{
+    version->dwPlatformId = VER_PLATFORM_WIN32_NT;
+    version->dwMajorVersion = versionMajor;
+    version->dwMinorVersion = versionMinor;
+    if (version->dwOSVersionInfoSize >= sizeof(OSVERSIONINFOEXW)) {
+        reinterpret_cast<OSVERSIONINFOEXW*>(version)->wProductType = VER_NT_WORKSTATION;
+    }
+    return TRUE;
+}
+
 void PutFlag(HKEY root, const wchar_t* key, std::uint32_t value)
 {
     PutDword(root, key, L"DefaultFlag", value);
@@ -126,7 +142,7 @@ struct Machine::Patches {
     ImportPatch close{"CloseHandle", reinterpret_cast<void*>(&Close)};
     ImportPatch print{kPrint, reinterpret_cast<void*>(&Print)};
     ImportPatch commandLine{"GetCommandLineW", reinterpret_cast<void*>(&CommandLine)};
-    ImportPatch version{"GetVersionExW", reinterpret_cast<void*>(&AnswerXp)};
+    ImportPatch version{"GetVersionExW", reinterpret_cast<void*>(&AnswerVersion)};
     ProcessPatches processes;
 };
 
@@ -199,9 +215,10 @@ void Machine::RemoveApplications() const
     RemoveKey(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\Viewer");
 }
 
-void Machine::PutOemFile() const
+void Machine::PutOemFile(const char* line) const
 {
-    files.AddFile(L"Vellumry\\7.0\\OEM\\album.ini", "[KestraProxyStopInstall]\r\nStop=1\r\n");
+    files.AddFile(L"Vellumry\\7.0\\OEM\\album.ini",
+                  std::string("[KestraProxyStopInstall]\r\n") + line + "\r\n");
 }
 
 void CloseClaim()
@@ -213,12 +230,16 @@ void CloseClaim()
     }
 }
 
-BOOL WINAPI AnswerXp(OSVERSIONINFOW* version) noexcept
+WindowsVersion::WindowsVersion(DWORD major, DWORD minor) noexcept
 {
-    version->dwPlatformId = VER_PLATFORM_WIN32_NT;
-    version->dwMajorVersion = 5;
-    version->dwMinorVersion = 1;
-    return TRUE;
+    versionMajor = major;
+    versionMinor = minor;
+}
+
+WindowsVersion::~WindowsVersion()
+{
+    versionMajor = kXpMajor;
+    versionMinor = kXpMinor;
 }
 
 } // namespace kestraboot::tests

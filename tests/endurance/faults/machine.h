@@ -34,8 +34,8 @@ public:
     /// Uninstalls both applications; the organiser stays.
     void RemoveApplications() const;
 
-    /// The file by which the maker of the machine stops the install.
-    void PutOemFile() const;
+    /// The file by which the maker of the machine stops the install, where its line begins with 1.
+    void PutOemFile(const char* line) const;
 
 private:
     TempFolder files;
@@ -48,7 +48,15 @@ private:
 /// Closes the claim that TakeControl leaves open; says in the journal whether there is one.
 void CloseClaim();
 
-/// What the library answers as its version of Windows: Windows XP.
-BOOL WINAPI AnswerXp(OSVERSIONINFOW* version) noexcept;
+/// The version of Windows that the library is told while this lives; Windows XP otherwise. Numbers as
+/// Windows gives them; 6.0 is the workstation.
+class WindowsVersion
+{
+public:
+    WindowsVersion(DWORD major, DWORD minor) noexcept;
+    WindowsVersion(const WindowsVersion&) = delete;
+    WindowsVersion& operator=(const WindowsVersion&) = delete;
+    ~WindowsVersion();
+};
 
 } // namespace kestraboot::tests

@@ -17,9 +17,11 @@ namespace kestraboot::tests
 namespace
 {
 
+constexpr const char* kTellsNothing = "a plugin loaded that tells nothing";
 constexpr const wchar_t* kPlugin = L".\\moxplugins\\nokiamanager.mox";
 
 int references = 0;
+bool isRegistered = false; ///< the callback was, in this run
 
 void TellOfAPhone(mox::ICallbackInterface* callback)
 {
@@ -88,6 +90,7 @@ public:
             Journal::Add(L"shuts the plugin down");
         } else if (operation == Operation::Register) {
             Journal::Add(L"registers");
+            isRegistered = true;
         } else if (operation == Operation::Unregister) {
             Journal::Add(L"unregisters");
         }
@@ -111,6 +114,7 @@ public:
     {
         FreePlugin();
         references = 0;
+        isRegistered = false;
     }
 
     void Run() override
@@ -122,10 +126,11 @@ public:
     void ShowResults() override
     {
         if (references != 0) {
-            Journal::AddNumber(L"LEFT references", references);
+            Journal::AddNumber(L"LEFT BEHIND references", references);
         }
         if (::GetModuleHandleW(kPlugin) != nullptr) {
-            Journal::Add(L"the plugin stays loaded");
+            Journal::Add(isRegistered ? L"LEFT BEHIND the plugin loaded"
+                                      : L"LEFT BEHIND a plugin loaded that tells nothing");
         }
     }
 
@@ -153,6 +158,28 @@ protected:
     }
     ~PluginFaults() override { std::filesystem::current_path(before); }
 
+    Scene PhoneScene()
+    {
+        Scene scene = {"plugins",
+                       [this] {
+                           return std::make_unique<PluginAct>(machine);
+                       },
+                       machine.Folder()};
+        scene.waitsForMemory = true;
+        const char* const tracker = "its tracker runs until the process ends";
+        scene.kept = {{"", "the plugin loaded", tracker},
+                      {"", "blocks of memory 5", tracker},
+                      {"GetName 2:", "blocks of memory 4", "the same, with a name that takes none"},
+                      {"allocations work", "blocks of memory 10", "of two runs, each with its tracker"}};
+        scene.kept.push_back({"GetModuleHandleW 6:", kTellsNothing, "the library to free is not found"});
+        for (const char* const call : {"GetIdentifier 2:", "GetIdentifier 3:", "GetModuleHandleW 8:",
+                                       "GetProcAddress 8:", "FxPluginMain 8:", "Query.13 3:"}) {
+            scene.kept.push_back(
+                {call, kTellsNothing, "its tracker opens no source and ends without it"});
+        }
+        return scene;
+    }
+
     std::filesystem::path before;
     Machine machine;
     ImportPatch get{"GetMessageW", reinterpret_cast<void*>(&TakeMessage)};
@@ -162,15 +189,17 @@ protected:
 
 TEST_F(PluginFaults, OfAPhoneThatIsReady)
 {
-    Scene scene = {"plugins",
-                   [this] {
-                       return std::make_unique<PluginAct>(machine);
-                   },
-                   machine.Folder()};
-    scene.waitsForMemory = true;
-    scene.keepsMemory = true; // a plugin that stays loaded keeps its tracker
+    const Scene scene = PhoneScene();
     SweepFaults(scene);
     SweepAllocations(scene);
+}
+
+TEST_F(PluginFaults, OfAPhoneThatIsReadyComeInPairs)
+{
+    Scene scene = PhoneScene();
+    scene.kept.push_back({"", kTellsNothing, "see below, of either of the two"});
+    scene.kept.push_back({"", "blocks of memory 4", "the tracker, with a name that takes none"});
+    SweepPairs(scene, 100); // the dearest
 }
 
 } // namespace

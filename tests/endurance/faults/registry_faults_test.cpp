@@ -84,11 +84,34 @@ TEST_F(RegistryFaults, OfReadingTheLocale)
     });
 }
 
-TEST_F(RegistryFaults, OfTheUninstall)
+Scene UninstallScene(Machine& machine)
 {
-    SweepBoth("uninstall", [](OpenHandler& handler) {
+    Scene scene = HandlerScene(machine, "uninstall", [](OpenHandler& handler) {
         handler.Uninstall();
     });
+    for (const char* const call : {"K32EnumProcessModules", "TerminateProcess"}) {
+        scene.kept.push_back({call, "handles 1", "the process that uninstalls ends soon after"});
+    }
+    return scene;
+}
+
+TEST_F(RegistryFaults, OfTheUninstall)
+{
+    const Scene scene = UninstallScene(machine);
+    SweepFaults(scene);
+    SweepAllocations(scene);
+}
+
+TEST_F(RegistryFaults, OfTheUninstallComeInPairs)
+{
+    Scene scene = UninstallScene(machine);
+    for (const char* const call : {"K32EnumProcessModules", "TerminateProcess"}) {
+        scene.kept.push_back({call, "handles 2", "where both failures are of these"});
+    }
+    for (const char* const call : {"GetModuleHandleW", "GetProcAddress", "LoadLibraryW"}) {
+        scene.kept.push_back({call, "handles 1", "a path that can be read in neither of two ways"});
+    }
+    SweepPairs(scene, 500);
 }
 
 TEST_F(RegistryFaults, OfTheOrganiser)

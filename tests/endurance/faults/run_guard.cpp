@@ -1,5 +1,7 @@
 #include "tests/endurance/faults/run_guard.h"
 
+#include "tests/support/watchdog.h"
+
 #include <windows.h>
 
 #include <atomic>
@@ -71,6 +73,7 @@ void WatchTheRuns()
 RunGuard::RunGuard(const std::string& what)
 {
     WatchTheRuns();
+    RestartWatchdog(); // a hang shows here within seconds
     ++guards;
     std::snprintf(current, sizeof current, "%s", what.c_str());
 }

@@ -157,7 +157,8 @@ void StillImaging::ShowReferences()
     const struct {
         const wchar_t* what;
         int* left;
-    } counts[] = {{L"LEFT TWAIN loads", &twainLoads}, {L"LEFT device lists", &deviceLists}};
+    } counts[] = {{L"LEFT BEHIND TWAIN loads", &twainLoads},
+                  {L"LEFT BEHIND device lists", &deviceLists}};
     for (const auto& count : counts) {
         if (*count.left != 0) {
             Journal::AddNumber(count.what, *count.left);
@@ -165,7 +166,7 @@ void StillImaging::ShowReferences()
         }
     }
     if (twainIsOpen) {
-        Journal::Add(L"LEFT TWAIN open");
+        Journal::Add(L"LEFT BEHIND TWAIN open");
         twainIsOpen = false;
     }
 }

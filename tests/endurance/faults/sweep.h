@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace kestraboot::tests
 {
@@ -26,6 +27,13 @@ public:
     virtual void ShowResults() {}
 };
 
+/// Something that a run leaves behind on purpose.
+struct Kept {
+    std::string call; ///< that failed, such as "RegCloseKey 3"; empty: whichever does, or none
+    std::string what; ///< as the journal says it, "windows 2"
+    std::string why;
+};
+
 struct Scene {
     std::string name;
     std::function<std::unique_ptr<Act>()> make;
@@ -37,17 +45,24 @@ struct Scene {
     /// Whether it waits until it gets what it needs, so that memory must come back.
     bool waitsForMemory = false;
 
-    /// Whether objects stay in memory on purpose, so that the heap says nothing.
-    bool keepsMemory = false;
+    /// All else that stays is a failure.
+    std::vector<Kept> kept = {};
 };
 
-/// Fails every call that the operation makes, one in a run, in every way that the call can fail. What
-/// becomes of each is compared with the file expected/<scene>.txt, and nothing may stay behind. Where
-/// the environment variable KESTRABOOT_REWRITE_EXPECTED is set, the file is written instead.
+/// Fails every call that the operation makes, one in a run, in one of the ways in which the call can
+/// fail; each day another one, or all of them where KESTRABOOT_ALL_FAULTS is set. The calls must be
+/// those of the file expected/<scene>.txt, what becomes of each failure must be what stands there, and
+/// nothing may stay behind. Where KESTRABOOT_REWRITE_EXPECTED is set, the file is written instead.
 void SweepFaults(const Scene& scene);
 
-/// Lets memory run out at every allocation: once, and from then on. Nothing may escape or stay behind,
-/// and the same object then does what it does with memory.
+/// Lets memory run out at each seventh allocation, or each one where KESTRABOOT_ALL_FAULTS is set: once,
+/// and from then on. Nothing may escape or stay behind, and the same object then does what it does with
+/// memory. The number of allocations stands in the scene's file.
 void SweepAllocations(const Scene& scene);
+
+/// Lets two calls of one run fail, so many times, chosen at random: the second one comes after the first
+/// failure, wherever that led. No run may crash, hang, let an exception out or leave anything behind,
+/// and all of them may change nothing for a run after them.
+void SweepPairs(const Scene& scene, int pairs);
 
 } // namespace kestraboot::tests

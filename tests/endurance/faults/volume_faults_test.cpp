@@ -22,6 +22,7 @@ constexpr int kLooks = 3;
 
 bool cardIsIn = false;
 bool cardComes = false;
+bool isMakersDisk = false; ///< E: is a fixed disk with the file system of the camera's maker
 int looks = 0;
 int openListings = 0;
 bool inPictureFolder = false;
@@ -34,14 +35,14 @@ DWORD ListDrives() noexcept
 
 UINT DriveKind(const wchar_t* root) noexcept
 {
-    return root[0] == L'E' ? DRIVE_REMOVABLE : DRIVE_FIXED;
+    return root[0] == L'E' && !isMakersDisk ? DRIVE_REMOVABLE : DRIVE_FIXED;
 }
 
 BOOL ReadVolume(const wchar_t* root, wchar_t*, DWORD, DWORD*, DWORD*, DWORD*, wchar_t* fileSystem,
                 DWORD capacity) noexcept
 {
     if (fileSystem != nullptr) {
-        std::wcsncpy(fileSystem, L"FAT", capacity);
+        std::wcsncpy(fileSystem, isMakersDisk ? L"KODAK1.0" : L"FAT", capacity);
     }
     return root[0] == L'E' ? cardIsIn : TRUE;
 }
@@ -147,7 +148,7 @@ public:
     void ShowResults() override
     {
         if (openListings != 0) {
-            Journal::AddNumber(L"left listings", openListings);
+            Journal::AddNumber(L"LEFT BEHIND listings", openListings);
         }
         machine.ShowStored();
     }
@@ -178,6 +179,28 @@ public:
 class VolumeFaults : public testing::Test
 {
 protected:
+    VolumeFaults() { isMakersDisk = false; }
+
+    Scene CardScene(const char* name)
+    {
+        Scene scene = {name,
+                       [this] {
+                           return std::make_unique<CardAct>(machine);
+                       },
+                       machine.Folder()};
+        scene.kept = {{"", "windows 2", "those of the tracker, which runs until the process ends"}};
+        return scene;
+    }
+
+    static void SweepStart(const char* name)
+    {
+        const Scene scene = {name, [] {
+                                 return std::make_unique<StartAct>();
+                             }};
+        SweepFaults(scene);
+        SweepAllocations(scene);
+    }
+
     Machine machine;
     DrivePatches patches;
     Trackers trackers;
@@ -186,22 +209,45 @@ protected:
 
 TEST_F(VolumeFaults, OfACardThatArrives)
 {
-    const Scene scene = {"volume",
-                         [this] {
-                             return std::make_unique<CardAct>(machine);
-                         },
-                         machine.Folder()};
+    const Scene scene = CardScene("volume");
     SweepFaults(scene);
     SweepAllocations(scene);
 }
 
-TEST_F(VolumeFaults, OfTheStartOfTheService)
+TEST_F(VolumeFaults, OfACardThatArrivesComeInPairs)
 {
-    const Scene scene = {"start_service", [] {
-                             return std::make_unique<StartAct>();
-                         }};
+    SweepPairs(CardScene("volume"), 300);
+}
+
+TEST_F(VolumeFaults, OfADiskWithTheFileSystemOfTheMaker)
+{
+    isMakersDisk = true;
+    const Scene scene = CardScene("makers_disk");
     SweepFaults(scene);
     SweepAllocations(scene);
+}
+
+TEST_F(VolumeFaults, OfTheStartOfTheServiceOnWindowsXp)
+{
+    SweepStart("start_on_xp");
+}
+
+TEST_F(VolumeFaults, OfTheStartOfTheServiceOnWindows2000)
+{
+    const WindowsVersion version(5, 0);
+    SweepStart("start_on_2000");
+}
+
+TEST_F(VolumeFaults, OfTheStartOfTheServiceOnWindowsVista)
+{
+    const WindowsVersion version(6, 0);
+    SweepStart("start_on_vista");
+}
+
+TEST_F(VolumeFaults, OfTheStartOfTheServiceOnLaterWindows)
+{
+    const WindowsVersion version(6, 1);
+    SweepStart("start_on_later");
 }
 
 } // namespace

@@ -185,11 +185,11 @@ IWiaEventCallback* WiaCamera::Callback() noexcept
 void WiaCamera::ShowReferences()
 {
     if (references != 0) {
-        Journal::AddNumber(L"LEFT references", references);
+        Journal::AddNumber(L"LEFT BEHIND references", references);
         references = 0;
     }
     if (texts != 0) {
-        Journal::AddNumber(L"LEFT texts of properties", texts);
+        Journal::AddNumber(L"LEFT BEHIND texts of properties", texts);
         texts = 0;
     }
 }

@@ -1,5 +1,7 @@
 #include "tests/system/imaging/host_process.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <chrono>
 #include <dbt.h>
@@ -11,6 +13,8 @@ namespace
 {
 
 constexpr std::chrono::seconds kLongestWait(30);
+constexpr DWORD kLongestWaitMilliseconds = 30'000;
+constexpr UINT kHangs = 97; // told already
 
 HANDLE MakePipe(const std::wstring& name, DWORD direction)
 {
@@ -75,9 +79,14 @@ HostProcess::~HostProcess()
 void HostProcess::End()
 {
     ::CloseHandle(input); // ends it
-    if (::WaitForSingleObject(process.hProcess, 10'000) != WAIT_OBJECT_0) {
-        ::TerminateProcess(process.hProcess, 1);
+    if (::WaitForSingleObject(process.hProcess, timeToEnd) != WAIT_OBJECT_0) {
+        ADD_FAILURE() << "the host hangs: it does not end when it is told to";
+        ::TerminateProcess(process.hProcess, kHangs);
+        ::WaitForSingleObject(process.hProcess, timeToEnd);
     }
+    DWORD code = kHangs;
+    ::GetExitCodeProcess(process.hProcess, &code);
+    EXPECT_TRUE(code == 0 || code == kHangs) << "the host ended by itself, or badly: code " << code;
     // A reader that still waits for a host to connect is set free.
     const HANDLE instead =
         ::CreateFileW((pipe + L"-out").c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
@@ -113,21 +122,50 @@ void HostProcess::Forget()
     const std::lock_guard lock(mutex);
     lines.clear();
     counts.clear();
+    questions = 0;
+}
+
+bool HostProcess::HasTrackerWindow()
+{
+    if (trackerWindow == nullptr) {
+        WindowSearch search = {process.dwProcessId, nullptr};
+        ::EnumWindows(LookAt, reinterpret_cast<LPARAM>(&search));
+        trackerWindow = search.found;
+    }
+    return trackerWindow != nullptr;
+}
+
+bool HostProcess::AwaitTrackerWindow()
+{
+    // The window comes after the line that says whether devices will be detected.
+    for (const ULONGLONG end = ::GetTickCount64() + kLongestWaitMilliseconds; !HasTrackerWindow();
+         ::Sleep(5)) {
+        if (::GetTickCount64() > end) {
+            return false;
+        }
+    }
+    return true;
 }
 
 bool HostProcess::NotifyDeviceChange()
 {
-    // The window comes after the line that says whether devices will be detected.
-    for (int tries = 0; trackerWindow == nullptr && tries < 200; ++tries) {
-        WindowSearch search = {process.dwProcessId, nullptr};
-        ::EnumWindows(LookAt, reinterpret_cast<LPARAM>(&search));
-        trackerWindow = search.found;
-        if (trackerWindow == nullptr) {
-            ::Sleep(10);
-        }
-    }
-    return trackerWindow != nullptr &&
+    return AwaitTrackerWindow() &&
            ::PostMessageW(trackerWindow, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0) != FALSE;
+}
+
+bool HostProcess::ServeDeviceChange()
+{
+    DWORD_PTR answer = 0;
+    return AwaitTrackerWindow() &&
+           ::SendMessageTimeoutW(trackerWindow, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0, SMTO_NORMAL,
+                                 kLongestWaitMilliseconds, &answer) != 0 &&
+           CatchUp();
+}
+
+bool HostProcess::CatchUp()
+{
+    DWORD written = 0;
+    return ::WriteFile(input, "?", 1, &written, nullptr) != FALSE && WaitForCount("here ", ++questions);
 }
 
 void HostProcess::ReadLines()

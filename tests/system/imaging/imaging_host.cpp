@@ -1,6 +1,7 @@
 // A host process for the system tests: loads the shipped kestraboot.dll, starts the service, and tells
 // on its standard output, a UTF-8 line each, what reaches it: "trace LINE" and "event KIND|IDENTIFIER";
-// at first "threads N" and "ready". Ends when its standard input does.
+// at first "threads N" and "ready". Tells
+// "here" for each character that comes in, and ends when no more can come.
 #include "kestraboot/device_connect.h"
 #include "tests/support/import_patch.h"
 
@@ -62,9 +63,11 @@ int wmain(int argc, wchar_t** argv)
     StartDeviceConnectService();
     Tell("threads", std::to_wstring(threads.Calls()));
     Tell("ready", L"");
-    char ignored = 0;
+    char question = 0;
     DWORD got = 0;
-    static_cast<void>(::ReadFile(input, &ignored, 1, &got, nullptr));
+    while (::ReadFile(input, &question, 1, &got, nullptr) && got != 0) {
+        Tell("here", L"");
+    }
     // Ends the tracker threads with the process, under the patches.
     ::TerminateProcess(::GetCurrentProcess(), 0);
     return 0;

@@ -9,16 +9,24 @@ namespace kestraboot::tests
 namespace
 {
 
-// COM opens and drops a few connections as it likes; one handle an operation would be hundreds.
-constexpr long kHandlesOfNoise = 10;
-// A tenth of a KB an operation, over 10,000 of them.
-constexpr long long kBytesOfNoise = 1 << 20;
+// COM opens and drops a few connections as it likes, and the heap grows by pieces of 64 KB.
+constexpr long kHandlesOfNoise = 4;
+constexpr long long kBytesOfNoise = 256 * 1024;
 
-bool HoldsNoMore(const ResourceUse& after, const ResourceUse& before)
+/// The names of what grew by more than noise; empty when nothing did.
+std::string Grown(const ResourceUse& after, const ResourceUse& before)
 {
-    return after.handles - before.handles < kHandlesOfNoise && after.windows <= before.windows &&
-           after.gdiObjects <= before.gdiObjects && after.userObjects <= before.userObjects &&
-           after.privateBytes - before.privateBytes < kBytesOfNoise;
+    std::string grown;
+    const auto name = [&](bool more, const char* what) {
+        grown += more ? std::string(grown.empty() ? "" : ", ") + what : "";
+    };
+    name(after.handles - before.handles > kHandlesOfNoise, "handles");
+    name(after.threads > before.threads, "threads");
+    name(after.windows > before.windows, "windows");
+    name(after.gdiObjects > before.gdiObjects, "GDI objects");
+    name(after.userObjects > before.userObjects, "USER objects");
+    name(after.privateBytes - before.privateBytes > kBytesOfNoise, "memory");
+    return grown;
 }
 
 } // namespace
@@ -27,17 +35,19 @@ testing::AssertionResult LeavesNothingBehind(HANDLE process, const std::string& 
                                              const std::function<void()>& operation)
 {
     constexpr int kTurns = 4;
+    std::string grown;
     ResourceUse before = ResourceUseOf(process);
     for (int turn = 0; turn < kTurns; ++turn) {
         operation();
         const ResourceUse after = ResourceUseOf(process);
         std::cout << what << ": " << before << " -> " << after << "\n";
-        if (HoldsNoMore(after, before)) {
+        grown = Grown(after, before);
+        if (grown.empty()) {
             return testing::AssertionSuccess();
         }
         before = after;
     }
-    return testing::AssertionFailure() << what << " leave something behind each time";
+    return testing::AssertionFailure() << what << " leave behind each time: " << grown;
 }
 
 } // namespace kestraboot::tests

@@ -3,6 +3,7 @@
 #include "tests/support/handle_count.h"
 
 #include <stdexcept>
+#include <tlhelp32.h>
 
 namespace kestraboot::tests
 {
@@ -40,12 +41,29 @@ BOOL CALLBACK CountWindow(HWND window, LPARAM counted)
     return TRUE;
 }
 
+long CountThreads(DWORD processId)
+{
+    const HANDLE snapshot = ::CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    THREADENTRY32 entry = {};
+    entry.dwSize = sizeof entry;
+    long count = 0;
+    for (BOOL more = ::Thread32First(snapshot, &entry); more; more = ::Thread32Next(snapshot, &entry)) {
+        count += entry.th32OwnerProcessID == processId ? 1 : 0;
+    }
+    ::CloseHandle(snapshot);
+    if (count == 0) {
+        throw std::runtime_error("the system does not tell the threads of a process");
+    }
+    return count;
+}
+
 } // namespace
 
 ResourceUse ResourceUseOf(HANDLE process)
 {
     ResourceUse use;
     use.handles = OpenHandlesOf(process);
+    use.threads = CountThreads(::GetProcessId(process));
     WindowCount windows = {::GetProcessId(process), 0};
     ::EnumWindows(CountWindow, reinterpret_cast<LPARAM>(&windows));
     use.windows = windows.count;
@@ -57,9 +75,9 @@ ResourceUse ResourceUseOf(HANDLE process)
 
 std::ostream& operator<<(std::ostream& out, const ResourceUse& use)
 {
-    return out << use.handles << " handles, " << use.windows << " windows, " << use.gdiObjects
-               << " GDI objects, " << use.userObjects << " USER objects, " << use.privateBytes / 1024
-               << " KB private";
+    return out << use.handles << " handles, " << use.threads << " threads, " << use.windows
+               << " windows, " << use.gdiObjects << " GDI objects, " << use.userObjects
+               << " USER objects, " << use.privateBytes / 1024 << " KB private";
 }
 
 } // namespace kestraboot::tests

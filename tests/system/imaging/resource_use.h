@@ -10,6 +10,7 @@ namespace kestraboot::tests
 /// What a process holds at one moment.
 struct ResourceUse {
     long handles = 0;
+    long threads = 0;
     long windows = 0;     ///< top-level ones
     long gdiObjects = 0;  ///< as Windows counts them; Wine answers 0
     long userObjects = 0; ///< the same

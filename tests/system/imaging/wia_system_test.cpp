@@ -83,6 +83,7 @@ TEST_F(WiaSystem, SaysWhenTheServiceRefusesAndStaysAlive)
     List({"refuse-registration"});
     HostProcess host(L"imaging_host_6_0.exe");
     EXPECT_TRUE(host.WaitFor(kNotDetected));
+    ASSERT_TRUE(host.CatchUp());
     EXPECT_THAT(host.Lines("event"), IsEmpty());
 }
 
@@ -163,6 +164,7 @@ TEST_F(WiaSystem, On2000AWiaDeviceThatConnectsIsNotHeardOf)
     ASSERT_TRUE(TellServiceToFire(L"C"));
     EXPECT_TRUE(vista.WaitFor("event camera|C"));
     EXPECT_EQ(AskServiceForCount(simulators::ServiceObjects::Registrations), registrations);
+    ASSERT_TRUE(windows2000.CatchUp());
     EXPECT_THAT(windows2000.Lines("trace <***DeviceConnect***><WiaTracker>"), IsEmpty());
     EXPECT_THAT(windows2000.Lines("event"), IsEmpty());
 }

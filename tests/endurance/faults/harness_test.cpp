@@ -1,0 +1,185 @@
+// The sweep itself: what it is there to see, done on purpose in a scene of its own.
+#include "tests/endurance/faults/armed.h"
+#include "tests/endurance/faults/handler_scene.h"
+
+#include <gtest/gtest-spi.h>
+#include <gtest/gtest.h>
+
+#include <objbase.h>
+
+#include <cstdlib>
+#include <memory>
+
+namespace kestraboot::tests
+{
+namespace
+{
+
+void ReadTheCommandLine(OpenHandler& handler)
+{
+    std::vector<std::wstring> words;
+    handler.ParseCommandLineParameter(words);
+    for (const std::wstring& word : words) {
+        Journal::Add(L"word", word.c_str());
+    }
+}
+
+HANDLE letGo = nullptr;
+
+DWORD WINAPI Linger(void*)
+{
+    return ::WaitForSingleObject(letGo, 60'000);
+}
+
+class Sweep : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (std::getenv("KESTRABOOT_REWRITE_EXPECTED") != nullptr) {
+            GTEST_SKIP() << "would write the file of another scene";
+        }
+    }
+
+    /// The messages of the failures that the check makes of the scene "command_line" with that operation
+    /// in the place of its own.
+    std::string Says(const HandlerOperation& operation, void (*check)(const Scene&) = SweepFaults)
+    {
+        testing::TestPartResultArray failures;
+        {
+            const testing::ScopedFakeTestPartResultReporter reporter(
+                testing::ScopedFakeTestPartResultReporter::INTERCEPT_ALL_THREADS, &failures);
+            check(HandlerScene(machine, "command_line", operation));
+        }
+        std::string messages;
+        for (int i = 0; i < failures.size(); ++i) {
+            messages += std::string(failures.GetTestPartResult(i).message()) + '\n';
+        }
+        return messages;
+    }
+
+    /// What it says of an operation that leaves something behind.
+    std::string SaysOf(const std::function<void()>& leave)
+    {
+        return Says([&](OpenHandler& handler) {
+            ReadTheCommandLine(handler);
+            leave();
+        });
+    }
+
+    Machine machine;
+    CallGate gate{ModuleUnderTest(), LetCallGoOn};
+};
+
+#define EXPECT_SAYS(said, text) EXPECT_NE((said).find(text), std::string::npos) << (said)
+
+TEST_F(Sweep, SaysNothingOfWhatIsRight)
+{
+    EXPECT_EQ(Says(ReadTheCommandLine), "");
+    EXPECT_EQ(Says(ReadTheCommandLine, SweepAllocations), "");
+}
+
+TEST_F(Sweep, NamesAHandleOfAnyKind)
+{
+    const std::string leaves = "command_line, when nothing fails, leaves behind: handles 1";
+    EXPECT_SAYS(SaysOf([] {
+                    HKEY key = nullptr;
+                    ::RegOpenKeyExW(HKEY_CURRENT_USER, L"SOFTWARE", 0, KEY_READ, &key);
+                }),
+                leaves);
+    EXPECT_SAYS(SaysOf([] {
+                    static_cast<void>(::CreateEventW(nullptr, FALSE, FALSE, nullptr));
+                }),
+                leaves);
+}
+
+TEST_F(Sweep, NamesAThread)
+{
+    letGo = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    EXPECT_SAYS(SaysOf([] {
+                    ::CloseHandle(::CreateThread(nullptr, 65'536, Linger, nullptr, 0, nullptr));
+                }),
+                "leaves behind: threads 1");
+    ::SetEvent(letGo);
+}
+
+TEST_F(Sweep, NamesAWindow)
+{
+    EXPECT_SAYS(SaysOf([] {
+                    ::CreateWindowExW(0, L"STATIC", L"left", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
+                                      nullptr, nullptr);
+                }),
+                "leaves behind: windows ");
+}
+
+TEST_F(Sweep, NamesMemoryTheErrorModeTheFolderAndCom)
+{
+    std::vector<std::unique_ptr<int>> kept;
+    kept.reserve(1'000);
+    EXPECT_SAYS(SaysOf([&] {
+                    kept.push_back(std::make_unique<int>(1));
+                }),
+                "leaves behind: blocks of memory 1");
+    EXPECT_SAYS(SaysOf([] {
+                    ::SetErrorMode(SEM_NOGPFAULTERRORBOX);
+                }),
+                "leaves behind: another error mode");
+    EXPECT_SAYS(SaysOf([] {
+                    ::CoInitialize(nullptr);
+                }),
+                "leaves behind: COM initialised");
+}
+
+TEST_F(Sweep, NamesAnOutcomeThatIsNotTheFiles)
+{
+    EXPECT_SAYS(Says([](OpenHandler& handler) {
+                    ReadTheCommandLine(handler);
+                    Journal::Add(L"does more");
+                }),
+                "command_line: no failure");
+}
+
+TEST_F(Sweep, NamesACallThatIsMadeNoMore)
+{
+    const std::string said = Says([](OpenHandler&) {});
+    EXPECT_SAYS(said,
+                "command_line's file tells of a call that is not made: CommandLineToArgvW 1: no memory");
+    EXPECT_SAYS(said, "command_line: the allocations");
+}
+
+TEST_F(Sweep, NamesACallThatIsNew)
+{
+    EXPECT_SAYS(Says([](OpenHandler& handler) {
+                    ReadTheCommandLine(handler);
+                    ReadTheCommandLine(handler);
+                }),
+                "command_line's file does not tell of CommandLineToArgvW 2: no memory");
+}
+
+TEST_F(Sweep, NamesShortagesThatAreFewerThanStated)
+{
+    EXPECT_SAYS(Says([](OpenHandler&) {}, SweepAllocations), "command_line takes memory ");
+}
+
+TEST_F(Sweep, NamesAPairThatEscapes)
+{
+    testing::TestPartResultArray failures;
+    {
+        const testing::ScopedFakeTestPartResultReporter reporter(
+            testing::ScopedFakeTestPartResultReporter::INTERCEPT_ALL_THREADS, &failures);
+        SweepPairs(HandlerScene(machine, "organiser",
+                                [](OpenHandler& handler) {
+                                    appInfo_tag organiser;
+                                    if (!handler.GetVel3Info(organiser)) {
+                                        throw std::runtime_error("does not serve");
+                                    }
+                                    handler.StopVel3AutoLaunch();
+                                }),
+                   200);
+    }
+    ASSERT_GT(failures.size(), 0);
+    EXPECT_SAYS(std::string(failures.GetTestPartResult(0).message()), "THROWS ANOTHER EXCEPTION");
+}
+
+} // namespace
+} // namespace kestraboot::tests

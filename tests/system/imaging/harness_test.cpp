@@ -1,0 +1,107 @@
+// The checks themselves: what they are there to see, done on purpose.
+#include "tests/system/imaging/host_process.h"
+#include "tests/system/imaging/leak_check.h"
+
+#include <gtest/gtest-spi.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace kestraboot::tests
+{
+namespace
+{
+
+using SuspendProcess = LONG(WINAPI*)(HANDLE);
+
+TEST(AHost, ThatHangsFailsTheTest)
+{
+    auto host = std::make_unique<HostProcess>(L"imaging_host_6_1.exe");
+    const auto suspend = reinterpret_cast<SuspendProcess>(
+        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"ntdll.dll"), "NtSuspendProcess")));
+    ASSERT_EQ(suspend(host->Handle()), 0);
+    host->GiveToEnd(500);
+    EXPECT_NONFATAL_FAILURE(host.reset(), "the host hangs");
+}
+
+TEST(AHost, ThatEndsBadlyFailsTheTest)
+{
+    auto host = std::make_unique<HostProcess>(L"imaging_host_6_1.exe");
+    ::TerminateProcess(host->Handle(), 3);
+    EXPECT_NONFATAL_FAILURE(host.reset(), "the host ended by itself, or badly: code 3");
+}
+
+constexpr int kLookUps = 100; // as few as any test of leaks makes
+
+std::string Leaks(const std::function<void()>& lookUp)
+{
+    return LeavesNothingBehind(::GetCurrentProcess(), "they",
+                               [&] {
+                                   for (int i = 0; i < kLookUps; ++i) {
+                                       lookUp();
+                                   }
+                               })
+        .message();
+}
+
+TEST(ALeak, IsNotSeenWhereThereIsNone)
+{
+    EXPECT_EQ(Leaks([] {}), "");
+}
+
+TEST(ALeak, OfOneHandleInTenLookUpsIsNamed)
+{
+    int count = 0;
+    EXPECT_EQ(Leaks([&] {
+                  if (++count % 10 == 0) {
+                      static_cast<void>(::CreateEventW(nullptr, FALSE, FALSE, nullptr));
+                  }
+              }),
+              "they leave behind each time: handles");
+}
+
+TEST(ALeak, OfTenKilobytesALookUpIsNamed)
+{
+    std::vector<std::vector<char>> kept;
+    EXPECT_EQ(Leaks([&] {
+                  kept.emplace_back(10'240, 'x');
+              }),
+              "they leave behind each time: memory");
+}
+
+TEST(ALeak, OfAWindowIsNamed)
+{
+    std::vector<HWND> kept;
+    int count = 0;
+    EXPECT_NE(Leaks([&] {
+                  if (++count % kLookUps == 0) {
+                      kept.push_back(::CreateWindowExW(0, L"STATIC", L"left", WS_POPUP, 0, 0, 0, 0,
+                                                       nullptr, nullptr, nullptr, nullptr));
+                  }
+              }).find("windows"),
+              std::string::npos);
+    for (const HWND window : kept) {
+        ::DestroyWindow(window);
+    }
+}
+
+TEST(ALeak, OfAThreadIsNamed)
+{
+    static const HANDLE letGo = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    int count = 0;
+    EXPECT_NE(Leaks([&] {
+                  if (++count % kLookUps == 0) {
+                      ::CloseHandle(::CreateThread(
+                          nullptr, 65'536,
+                          [](void*) -> DWORD {
+                              return ::WaitForSingleObject(letGo, 60'000);
+                          },
+                          nullptr, 0, nullptr));
+                  }
+              }).find("threads"),
+              std::string::npos);
+    ::SetEvent(letGo);
+}
+
+} // namespace
+} // namespace kestraboot::tests
