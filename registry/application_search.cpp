@@ -23,7 +23,8 @@ std::vector<appInfo_tag> CollectApplicationKeys()
         RegistryKey parent = std::move(pending.front());
         pending.pop_front();
 
-        // The first name that cannot be had ends this key, be it the last one or one too long.
+        // The first name that cannot be read ends this key, whether it is past the last one or too
+        // long.
         for (std::uint32_t index = 0; const wchar_t* const name = parent.EnumSubkey(index); ++index) {
             const std::wstring childPath = parent.Path() + L'\\' + name;
             if (std::wcscmp(name, kApplicationKeyName) == 0) {
