@@ -39,7 +39,7 @@ bool IsSupported(const wchar_t* fileName, const ExtensionSet& extensions) noexce
     return extension != nullptr && extensions.Contains(extension);
 }
 
-/// In one piece of memory: how many operator+ takes differs from library to library.
+/// Allocates once. The number of allocations of operator+ differs from library to library.
 std::wstring PathIn(std::wstring_view folder, std::wstring_view name)
 {
     std::wstring path;
@@ -54,7 +54,7 @@ Listing ListFolder(const SearchEntry& current, const ExtensionSet& extensions,
     WIN32_FIND_DATAW entry = {};
     const UniqueFindHandle listing(::FindFirstFileW(PathIn(current.folder, L"*").c_str(), &entry));
     if (!listing) {
-        static_cast<void>(::FindClose(listing.get())); // refused, and kept: the owner leaves it alone
+        static_cast<void>(::FindClose(listing.get())); // fails; the owner closes no invalid handle
         return Listing::CannotList;
     }
     do {
@@ -62,7 +62,7 @@ Listing ListFolder(const SearchEntry& current, const ExtensionSet& extensions,
             continue;
         }
         if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
-            // Queued and traced even where it lies too deep to be listed.
+            // Queued and traced even if it is too deep to be listed.
             std::wstring folder = PathIn(current.folder, entry.cFileName);
             TraceEntry(current.level, L"FOLDER", folder.c_str());
             pending.push_back({std::move(folder), current.level + 1});
