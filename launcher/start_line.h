@@ -9,17 +9,17 @@
 namespace kestraboot
 {
 
-/// The command line of a program that is started, composed once: its arguments lie in one text, each
-/// ended by a zero, until they are joined by blanks. Nothing is escaped.
+/// The command line of a started program, composed once. Its arguments are in one text, each
+/// terminated by a zero, until Join puts blanks between them. Nothing is escaped.
 class StartLine
 {
 public:
     static constexpr std::size_t kMostArguments = 6;
 
-    /// Takes memory for so many characters at once; it may become longer.
+    /// Allocates so many characters at once; the line may become longer.
     explicit StartLine(std::size_t characters) { text.reserve(characters); }
 
-    /// One more argument, made of these pieces. No more than kMostArguments.
+    /// Adds one argument, made of these pieces. At most kMostArguments.
     void Add(std::initializer_list<std::wstring_view> pieces);
 
     /// Valid until the next Add, and until Join.
@@ -28,7 +28,7 @@ public:
         return text.c_str() + begins[index];
     }
 
-    /// The whole line. There are no single arguments any more.
+    /// The whole line. After this call there are no single arguments.
     [[nodiscard]] const wchar_t* Join() noexcept;
 
 private:
@@ -37,7 +37,8 @@ private:
     std::size_t count = 0;
 };
 
-/// What goes before and behind a text to put it between double quotes: nothing where it begins with one.
+/// The text before and after a text that puts it between double quotes: empty if it begins with
+/// one.
 [[nodiscard]] std::wstring_view QuoteFor(std::wstring_view value) noexcept;
 
 } // namespace kestraboot
