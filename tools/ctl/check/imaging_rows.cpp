@@ -1,4 +1,4 @@
-// What cameras and scanners need of Windows.
+// The parts of Windows that cameras and scanners need.
 #include "tools/ctl/check/check.h"
 #include "tools/ctl/check/words.h"
 
@@ -38,7 +38,7 @@ Row WiaRow(const ImagingParts& imaging, bool watched)
                     (imaging.serviceRuns ? L" runs" : L" does not run, and starts when it is asked"));
 }
 
-/// Why a 64-bit program cannot load it; empty where it can.
+/// The reason why a 64-bit program cannot load it; empty if it can.
 std::wstring WhyNotLoaded(const SystemPart& part, const wchar_t* name)
 {
     if (!part.path) {
