@@ -16,10 +16,10 @@ void OnDeviceConnected(std::wstring& deviceKind, std::wstring& deviceId)
     if (ending.load()) {
         return;
     }
-    // This call's own, so nothing is shared with the main thread.
+    // Owned by this call, so that nothing is shared with the main thread.
     CKestraBootCommandHandler handler;
-    // Not asked before: GetKestraLaunchStatus. It is the switch of the application that this program
-    // belongs to, and the default may be any other's.
+    // GetKestraLaunchStatus is not called here: it is the switch of the application that this
+    // program belongs to, and the default may be another application.
     handler.LaunchDefaultKestra(deviceKind, deviceId);
 }
 

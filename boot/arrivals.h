@@ -1,4 +1,4 @@
-// What the program does with a device that arrives.
+// Handles a device that arrives.
 #pragma once
 
 #include <string>
@@ -7,6 +7,6 @@
 /// tracker's thread, one call at a time.
 void OnDeviceConnected(std::wstring& deviceKind, std::wstring& deviceId);
 
-/// From here on a report starts nothing. One that is past this check is not waited for: it ends with the
-/// process, which is to follow at once.
+/// From here on a report starts nothing. A report that has passed this check is not waited for: it
+/// ends with the process, which the caller must end at once.
 void StartNothingMore() noexcept;

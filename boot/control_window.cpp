@@ -25,8 +25,7 @@ LRESULT CALLBACK ControlProcedure(HWND window, UINT message, WPARAM wParam, LPAR
         return Quit();
     case WM_ENDSESSION:
         return wParam != 0 ? Quit() : 0;
-    default: // of WM_QUERYENDSESSION too: "yes", at once. Another program may say no, so nothing ends
-             // yet
+    default: // also answers WM_QUERYENDSESSION: "yes", at once; the session may still go on
         return ::DefWindowProcW(window, message, wParam, lParam);
     }
 }

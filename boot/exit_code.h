@@ -1,10 +1,10 @@
-// What kestraboot.exe answers to whoever started it.
+// The exit codes of kestraboot.exe.
 #pragma once
 
 enum class ExitCode : int {
-    Done = 0,               ///< served and was asked to quit, or did what its arguments say
-    CannotServe = 1,        ///< something that the program needs could not be had
-    Usage = 2,              ///< arguments that it does not act on
+    Done = 0,               ///< served and was asked to quit, or carried out its arguments
+    CannotServe = 1,        ///< a resource that the program needs is not available
+    Usage = 2,              ///< arguments that it does not accept
     NotInControl = 3,       ///< another instance is in control, or the OEM file stops the install
     UnknownApplication = 4, ///< "-default" with a name that no compatible application has
 };

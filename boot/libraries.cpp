@@ -10,7 +10,7 @@ namespace
 constexpr std::size_t kLongestPath =
     32768; // characters that Windows has a path for, terminator included
 
-/// The path is whole, however long: cut, it would name another folder.
+/// The whole path, however long: a cut path would name another folder.
 std::wstring OwnFolder()
 {
     std::wstring path(kLongestPath, L'\0');
@@ -31,9 +31,9 @@ std::wstring SystemFolder()
 
 void SearchNoLibraryInCurrentFolder()
 {
-    // Takes the place of the current folder in the search. Windows' own is searched in any case, so it
-    // adds none, here or for a program that is started from here. No folder at all, "", does the same on
-    // Windows; Wine 8 takes that for the current one.
+    // Replaces the current folder in the search. Windows' own folder is searched in any case, so
+    // the call adds no folder, neither here nor for a program that this one starts. On Windows an
+    // empty text, "", does the same; Wine 8 takes it for the current folder.
     ::SetDllDirectoryW(SystemFolder().c_str());
 }
 

@@ -1,5 +1,5 @@
-// kestraboot.exe, the reference host: takes control at log-on and starts the default application for
-// each device that the library reports. It stands on the exported interface alone.
+// kestraboot.exe, the reference host: takes control at log-on and starts the default application
+// for each device that the library reports. It uses the exported interface alone.
 #include "boot/console.h"
 #include "boot/exit_code.h"
 #include "boot/libraries.h"
@@ -23,7 +23,7 @@ struct LocalMemoryDeleter {
     void operator()(wchar_t** memory) const noexcept { ::LocalFree(static_cast<void*>(memory)); }
 };
 
-/// The first word after the program, as the library reads it; nothing where there is none.
+/// The first word after the program's name, as the library reads it; nothing if there is none.
 std::wstring FirstWord()
 {
     int count = 0;
@@ -65,7 +65,7 @@ ExitCode Run()
     }
     const bool isDefault = IsOneOf(first, {L"-default"});
     if (isDefault) {
-        JoinParentConsole(); // the library says what is wrong with it, from here on
+        JoinParentConsole(); // from here on the library prints what is wrong with the words
     }
     CKestraBootCommandHandler handler;
     std::vector<std::wstring> words;
@@ -80,7 +80,7 @@ ExitCode Run()
         return SetDefault(handler, words[1], words[2]);
     }
     if (IsOneOf(words[0], {L"-uninstall"})) {
-        LeaveConsole(); // the next application's boot program is started from here, and stays
+        LeaveConsole(); // this process starts the next application's boot program, which stays
         handler.Uninstall();
         return ExitCode::Done;
     }

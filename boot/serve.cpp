@@ -1,16 +1,16 @@
-// The order of a start, and why:
+// The order of a start, and the reasons:
 //
-// 1. The applications are loaded. Without any, the order is maintained and nothing else: devices are the
-//    legacy organiser's again, the auto-run entry goes, the process ends. Control that was taken first
-//    would have silenced the organiser, for nobody.
-// 2. Control is taken. A second instance ends here, and one that the OEM file stops; neither has written
-//    anything, but for what loading writes: a user's "Preferences" key, with 0, for each application
-//    that the user has not seen before. It hides the machine's default flag from the next look on, so
-//    that flag has counted for nobody when the first device arrives.
-// 3. The order is maintained, so that the first start writes the auto-run entry, and the one after a
-//    hand-over points it at a boot program that is there.
-// 4. The control window is made: whoever wants this program to end finds it from here on.
-// 5. The callback is registered, then the trackers are started: what arrives without one is dropped.
+// 1. Load the applications. If there is none, maintain the order and stop: the legacy organiser
+//    gets the devices again, the auto-run entry goes, the process ends. Taking control first would
+//    have stopped the organiser although nobody serves.
+// 2. Take control. A second instance ends here, and so does one that the OEM file stops. Neither
+//    has written anything, except for the "Preferences" key, with 0, that loading creates for each
+//    application that is new to this user. From the next loading on that key hides the machine's
+//    default flag, so the flag has no effect any more when the first device arrives.
+// 3. Maintain the order, so that the first start writes the auto-run entry, and the start after a
+//    hand-over sets it to a boot program that exists.
+// 4. Make the control window. From here on other processes can find this one and ask it to quit.
+// 5. Register the callback, then start the trackers: an arrival without a callback is dropped.
 #include "boot/serve.h"
 
 #include "boot/arrivals.h"
@@ -27,10 +27,11 @@
 namespace
 {
 
-/// Ends the process under the trackers, without a word to any library. ExitProcess would end their
-/// threads wherever they are and then run every library's last code: that waits for ever for what such a
-/// thread held, of the loader, the heap or a plugin, and a log-off with it. A plugin's static objects
-/// are not destroyed; no plugin may count on that, since Windows ends processes in this way too.
+/// Ends the process while trackers run, without a call into any library. ExitProcess would end
+/// their threads wherever they are and then run every library's exit code. That code can wait forever
+/// for a lock of the loader, the heap or a plugin that such a thread held, and the log-off waits
+/// with it. A plugin's static objects are not destroyed; no plugin may rely on that, because
+/// Windows ends processes in this way too.
 [[noreturn]] void EndAtOnce(ExitCode code) noexcept
 {
     ::TerminateProcess(::GetCurrentProcess(), static_cast<UINT>(code));
@@ -47,11 +48,11 @@ bool IsAnyApplicationInstalled(CKestraBootCommandHandler& handler)
     return !all.empty();
 }
 
-/// Returns when the program cannot serve.
+/// Returns only if the program cannot serve.
 void ServeInControl(CKestraBootCommandHandler& handler)
 {
-    // Once more: taking control works with 259 characters of a path, and a longer one, cut, names a
-    // folder above this program's.
+    // A second time: taking control works with 259 characters of a path, and a longer path, cut,
+    // names a folder above this program's.
     if (!WorkInOwnFolder()) {
         ::OutputDebugStringW(
             L"<KestraBoot><!!! The boot program's folder cannot be made the current one. "
@@ -62,8 +63,8 @@ void ServeInControl(CKestraBootCommandHandler& handler)
         ReportFailure(L"<KestraBoot><!!! The boot program cannot start: no window can be made.>");
         return;
     }
-    // A tracker's window does not answer while a drive does not: Windows is not to ask the user, who has
-    // never seen this program, what to do about it at log-off.
+    // A tracker's window does not answer while a drive does not. At log-off, Windows must not ask
+    // the user about a program that the user has never seen.
     constexpr DWORD kUsualLevel = 0x280;
     ::SetProcessShutdownParameters(kUsualLevel, SHUTDOWN_NORETRY);
     RegisterDeviceConnectCallback(OnDeviceConnected);
@@ -77,7 +78,8 @@ void ServeInControl(CKestraBootCommandHandler& handler)
 ExitCode Serve()
 {
     LeaveConsole();
-    // So that it does not matter from where the program was started; told below, where it counts.
+    // So that the folder in which the program was started does not matter. A failure is reported
+    // below.
     static_cast<void>(WorkInOwnFolder());
     CKestraBootCommandHandler handler;
     if (!IsAnyApplicationInstalled(handler)) {
@@ -92,6 +94,6 @@ ExitCode Serve()
         handler.StartVel3AutoLaunch();
         throw;
     }
-    handler.StartVel3AutoLaunch(); // taking control took the devices from the organiser
+    handler.StartVel3AutoLaunch(); // TakeControl has stopped the organiser
     return ExitCode::CannotServe;
 }

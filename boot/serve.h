@@ -3,7 +3,8 @@
 
 #include "boot/exit_code.h"
 
-/// Takes control and serves until asked to quit. Returns when there is nothing to serve, or no way to;
-/// once it has served it ends the process. Throws std::bad_alloc, and std::runtime_error where no folder
-/// can be worked in; any other failure has been told.
+/// Takes control and serves until asked to quit. Returns if there is nothing to serve or the
+/// program cannot serve; after it has served it ends the process. Throws std::bad_alloc, and
+/// std::runtime_error if no folder can be made the current one. Any other failure has been
+/// reported.
 [[nodiscard]] ExitCode Serve();

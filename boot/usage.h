@@ -1,4 +1,4 @@
-// What the program says of itself.
+// The program's own texts.
 #pragma once
 
 void AnswerUsage() noexcept;

@@ -18,8 +18,9 @@ struct ComPointerTraits {
 template <typename Interface>
 using UniqueComPointer = UniqueResource<ComPointerTraits<Interface>>;
 
-/// Keeps the calling thread in a single-threaded COM apartment while it lives. What CoInitialize answers
-/// is not looked at: where the thread is in another apartment already, the calls that follow say what
+/// Keeps the calling thread in a single-threaded COM apartment while it lives. The result of
+/// CoInitialize is ignored: if the thread is in another apartment already, the results of the calls
+/// that follow show what works.
 /// works.
 class ComApartmentScope
 {

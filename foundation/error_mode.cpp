@@ -5,8 +5,8 @@ namespace kestraboot
 namespace
 {
 
-/// The scopes of the whole process, counted for each flag. Numbers, no list of scopes: a thread that the
-/// end of the process took away leaves nothing here that points into its stack.
+/// The scopes of the whole process, counted for each flag. They are numbers, not a list of scopes:
+/// if the end of the process takes a thread away, nothing here points into its stack.
 class ActiveModes
 {
 public:
@@ -30,7 +30,7 @@ public:
 private:
     static constexpr unsigned kFlags = 16; // winbase.h: the highest is SEM_NOOPENFILEERRORBOX, 0x8000
 
-    /// Held for SetErrorMode and nothing else.
+    /// Held during SetErrorMode alone.
     class Turn
     {
     public:
@@ -70,7 +70,7 @@ private:
     UINT before = 0;
 };
 
-// Ready before any constructor runs: the drives are looked at while the library loads.
+// Initialised before any constructor runs, because the drives are scanned while the library loads.
 constinit ActiveModes active;
 
 } // namespace

@@ -7,7 +7,7 @@
 namespace kestraboot
 {
 
-/// Owns one resource of the kind that `Traits` describes: its type, its invalid value, how it is closed.
+/// Owns one resource. `Traits` defines its type, its invalid value and how to close it.
 template <typename Traits>
 class UniqueResource
 {
@@ -29,7 +29,7 @@ public:
     [[nodiscard]] Resource get() const noexcept { return resource; }
     [[nodiscard]] explicit operator bool() const noexcept { return resource != Traits::Invalid(); }
 
-    /// Gives the resource away: the caller closes it, or leaves it open on purpose.
+    /// Releases ownership: the caller closes the resource, or leaves it open and states the reason.
     [[nodiscard]] Resource release() noexcept { return std::exchange(resource, Traits::Invalid()); }
 
     void reset(Resource other = Traits::Invalid()) noexcept

@@ -1,4 +1,4 @@
-// What is known about the legacy organiser without asking the machine.
+// The legacy organiser's fixed texts, which need no look-up on the machine.
 #pragma once
 
 #include <string_view>
@@ -8,7 +8,7 @@ namespace kestraboot
 
 inline constexpr std::wstring_view kOrganiserName = L"Corvane Vellumry 3.0";
 
-/// Ends without an object: the place that shows it adds one.
+/// Has no object: the program that shows the text adds one.
 inline constexpr std::wstring_view kOrganiserDescription = L"Organize and edit pictures using";
 
 inline constexpr std::wstring_view kOrganiserImageExtensions =

@@ -16,9 +16,9 @@ Function Find(HMODULE library, const char* name) noexcept
     return reinterpret_cast<Function>(reinterpret_cast<void*>(entry));
 }
 
-/// What Windows tells of the modules of a process. Looked up at run time: kernel32 has the functions
-/// from Windows 7 on, and the library must load on Vista too, where psapi.dll has them, under older
-/// names.
+/// Windows' functions for the modules of a process. They are looked up at run time: kernel32 has
+/// them from Windows 7 on, and the library must load on Vista too, where psapi.dll has them under
+/// older names.
 class ModuleQueries
 {
 public:

@@ -13,9 +13,10 @@ namespace kestraboot
 
 /// One registry key: the only way to the registry in this system.
 ///
-/// No operation throws for a registry failure: results say it (null, false, -1), and Status() keeps the
-/// Win32 code of the last call. With no key open an operation answers its failure result without asking
-/// the registry. Memory exhaustion is the one exception. Not for use by two threads at once.
+/// No operation throws for a registry failure: the result shows it (null, false, -1), and Status()
+/// holds the Win32 code of the last call. If no key is open, an operation returns its failure
+/// result without a call of the registry. Only exhausted memory throws. Not for use by two threads
+/// at once.
 class RegistryKey
 {
 public:
@@ -32,8 +33,8 @@ public:
     /// Closes the key and frees the buffers; also right after a failed open, and more than once.
     void Close() noexcept;
 
-    /// Creates or opens a subkey and, where `data` is not null, writes it as a string value. The caller
-    /// owns the answered key; it is null on failure.
+    /// Creates or opens a subkey and, if `data` is not null, writes it as a string value. The
+    /// caller owns the returned key; it is null on failure.
     [[nodiscard]] UniqueRegistryHandle
     CreateSubkeyWithString(const std::wstring& subkey, const wchar_t* valueName, const wchar_t* data);
 
@@ -41,13 +42,13 @@ public:
     /// on any other failure. Valid until the next call of EnumSubkey or Close.
     [[nodiscard]] const wchar_t* EnumSubkey(std::uint32_t index);
 
-    /// The value, or -1 when it is missing or is not four bytes. A stored 0xFFFFFFFF looks missing.
+    /// The value, or -1 if it is missing or is not four bytes. A stored 0xFFFFFFFF looks missing.
     [[nodiscard]] std::int32_t QueryDword(const wchar_t* valueName);
 
-    /// The bytes of a value, of whatever type, as text; null when it is missing, or empty on an object
-    /// that has read no text yet. A terminating zero follows the stored bytes whether or not they hold
-    /// one, and an odd last byte is the low half of a character. Valid until the next QueryString or
-    /// Close.
+    /// The bytes of a value of any type, as text. Null if the value is missing, or if it is empty
+    /// and this object has read no text yet. A terminating zero follows the stored bytes whether or
+    /// not they contain one, and an odd last byte is the low half of a character. Valid until the
+    /// next QueryString or Close.
     [[nodiscard]] const wchar_t* QueryString(const wchar_t* valueName);
 
     [[nodiscard]] bool DeleteValue(const wchar_t* valueName);

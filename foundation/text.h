@@ -1,4 +1,4 @@
-// The little that is done to text in more than one place.
+// Text operations that more than one file needs.
 #pragma once
 
 #include <cstddef>
@@ -19,8 +19,8 @@ void CopyToField(wchar_t (&field)[Capacity], std::wstring_view text) noexcept
     std::wmemset(field + copied, L'\0', Capacity - copied);
 }
 
-/// The order of the C runtime's _wcsicmp, which is asked only where a character is not ASCII: it costs
-/// ten times as much as reading a short file name.
+/// The order of the C runtime's _wcsicmp, which is called only if a character is not ASCII: a call
+/// costs ten times as much as reading a short file name.
 [[nodiscard]] int CompareIgnoringCase(const wchar_t* left, const wchar_t* right) noexcept;
 
 /// Whole strings, as the C runtime's _wcsicmp compares them.
@@ -30,7 +30,7 @@ void CopyToField(wchar_t (&field)[Capacity], std::wstring_view text) noexcept
 /// library to library.
 [[nodiscard]] std::wstring JoinPath(std::wstring_view path, std::wstring_view below);
 
-/// `text` as it stands when it begins with a double quote, otherwise between double quotes.
+/// `text` unchanged if it begins with a double quote, otherwise between double quotes.
 [[nodiscard]] std::wstring QuoteUnlessQuoted(const std::wstring& text);
 
 } // namespace kestraboot

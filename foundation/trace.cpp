@@ -31,7 +31,7 @@ void PrintConsole(const wchar_t* format, ...) noexcept
 {
     std::va_list arguments;
     va_start(arguments, format);
-    // Standard output may be closed: a program started at log-on has no console to tell.
+    // Standard output may be closed: a program that is started at log-on has no console.
     if (std::vfwprintf(stdout, format, arguments) >= 0) {
         std::fflush(stdout);
     }

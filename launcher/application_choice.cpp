@@ -1,4 +1,4 @@
-// Which application is started for an arrived device, and in which mode.
+// Selects the application for an arrived device, and the mode of its start.
 #include "foundation/process_identity.h"
 #include "kestraboot/command_handler.h"
 #include "registry/own_application.h"
@@ -10,7 +10,7 @@ void CKestraBootCommandHandler::LaunchDefaultKestra(std::wstring& deviceType, st
     std::wstring direct = L"direct";
     std::wstring select = L"select";
 
-    // Of both queries only the number of records counts.
+    // Only the number of records of both queries counts.
     MaintainOrder();
     std::vector<appInfo_tag> defaults;
     static_cast<void>(GetDefaultApplicationInfo(defaults));
@@ -18,7 +18,7 @@ void CKestraBootCommandHandler::LaunchDefaultKestra(std::wstring& deviceType, st
         LaunchKestra(defaults.front().CmdLine, direct, deviceType, deviceId);
         return;
     }
-    // Several defaults are none.
+    // Several defaults count as none.
     std::vector<appInfo_tag> all;
     static_cast<void>(GetAllApplicationInfo(all));
     if (all.empty()) {
@@ -26,7 +26,7 @@ void CKestraBootCommandHandler::LaunchDefaultKestra(std::wstring& deviceType, st
                              L"should be avoided.>");
         return;
     }
-    appInfo_tag organiser; // an installed legacy organiser is a second application to choose from
+    appInfo_tag organiser; // an installed legacy organiser counts as a second application
     const bool onlyOne = all.size() == 1 && !GetVel3Info(organiser);
     LaunchKestra(all.front().CmdLine, onlyOne ? direct : select, deviceType, deviceId);
 }

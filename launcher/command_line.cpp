@@ -62,7 +62,7 @@ bool CKestraBootCommandHandler::SetApplicationDefaultStatus(std::wstring& appNam
         return false;
     }
     if (EqualIgnoringCase(value, L"yes")) {
-        // The list itself, not a copy that memory may run out for: it would leave a second default.
+        // The list itself: a copy could fail for lack of memory, and a second default would remain.
         for (appInfo_tag& application : applications) {
             application.DefaultFlag = 0;
             WriteDefaultFlag(PreferencesPath(application.KeyPath), 0);

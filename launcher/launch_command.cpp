@@ -19,8 +19,8 @@ bool InConsoleSession() noexcept
     return IsProcessInActiveConsoleSession(::GetCurrentProcessId());
 }
 
-/// With a device, both workstation releases that switch users ask for the console session; without one,
-/// Windows XP alone.
+/// With a device, both workstation releases that switch users require the console session; without
+/// one, Windows XP alone.
 bool MayLaunch(bool withDevice) noexcept
 {
     const WindowsVersionClass version = GetWindowsVersionClass();
@@ -29,7 +29,8 @@ bool MayLaunch(bool withDevice) noexcept
     return !gated || InConsoleSession();
 }
 
-/// A start without waiting. Whether it worked is not looked at; its handle is closed at once.
+/// Ends a start without waiting: whether it worked is not checked, and its handle is closed at
+/// once.
 void Forget(std::intptr_t started) noexcept
 {
     if (started != -1) {
@@ -47,7 +48,7 @@ void Start(const wchar_t* appPath, const StartLine& line, bool withDevice) noexc
         Forget(::_wspawnlp(_P_NOWAIT, appPath, line.Argument(0), line.Argument(1), line.Argument(2),
                            line.Argument(3), line.Argument(4), line.Argument(5), kEnd));
     } else {
-        // Without an identifier the type of the device is left out too, on purpose.
+        // Without an identifier the type is left out too: the line then names no device.
         Forget(::_wspawnlp(_P_NOWAIT, appPath, line.Argument(0), line.Argument(1), line.Argument(2),
                            line.Argument(3), kEnd));
     }

@@ -9,9 +9,9 @@
 namespace kestraboot
 {
 
-/// The command line of a program that is started, composed once: its arguments lie in one text, each
-/// ended by a zero, until they are joined by blanks. Nothing is escaped. Memory is taken only for a line
-/// that is longer than usual.
+/// The command line of a started program, composed once. Its arguments are in one text, each
+/// terminated by a zero, until Join puts blanks between them. Nothing is escaped. Memory is allocated
+/// only for a line that is longer than usual.
 class StartLine
 {
 public:
@@ -22,7 +22,7 @@ public:
     StartLine(const StartLine&) = delete; // it points into itself
     StartLine& operator=(const StartLine&) = delete;
 
-    /// One more argument, made of these pieces. No more than kMostArguments. Throws std::bad_alloc.
+    /// Adds one argument, made of these pieces. At most kMostArguments. Throws std::bad_alloc.
     void Add(std::initializer_list<std::wstring_view> pieces);
 
     /// Valid until the next Add, and until Join.
@@ -31,7 +31,7 @@ public:
         return text + begins[index];
     }
 
-    /// The whole line. There are no single arguments any more.
+    /// The whole line. After this call there are no single arguments.
     [[nodiscard]] const wchar_t* Join() noexcept;
 
 private:
@@ -46,7 +46,8 @@ private:
     std::size_t count = 0;
 };
 
-/// What goes before and behind a text to put it between double quotes: nothing where it begins with one.
+/// The text before and after a text that puts it between double quotes: empty if it begins with
+/// one.
 [[nodiscard]] std::wstring_view QuoteFor(std::wstring_view value) noexcept;
 
 } // namespace kestraboot

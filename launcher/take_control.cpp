@@ -15,7 +15,7 @@ constexpr const wchar_t* kClaimName = L"Corvane Kestrafetch Boot";
 constexpr const wchar_t* kOemFile = L".\\OEM\\album.ini";
 constexpr DWORD kProfileCapacity = 261; // characters of the one buffer for the OEM file
 
-/// Failures are silent: the steps after it then work in the folder that was current before.
+/// Failures are not reported: the next steps then work in the folder that was current before.
 void WorkInExecutableFolder()
 {
     ProcessInfo self;
@@ -28,8 +28,8 @@ void WorkInExecutableFolder()
     }
 }
 
-/// Whether the maker of the machine forbids the install: the first line of the section begins with the
-/// number 1. A line "Stop=1" begins with no number and forbids nothing.
+/// Whether the maker of the machine prevents the install: the first line of the section begins with
+/// the number 1. A line "Stop=1" begins with no number and prevents nothing.
 bool OemFileStopsInstall()
 {
     if (!::PathFileExistsW(kOemFile)) {
@@ -39,7 +39,7 @@ bool OemFileStopsInstall()
     ::OutputDebugStringW(L"<KestraProxy:OEM><OEM initialization file found.>");
 
     wchar_t profile[kProfileCapacity] = {};
-    // The names of the sections; nothing is made of them.
+    // Reads the names of the sections; the result is not used.
     static_cast<void>(
         ::GetPrivateProfileStringW(nullptr, nullptr, nullptr, profile, kProfileCapacity, kOemFile));
     const DWORD length =

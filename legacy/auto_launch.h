@@ -4,8 +4,8 @@
 namespace kestraboot
 {
 
-/// Both start the program detached and do not wait. Nothing happens, and nothing is traced, when the
-/// organiser is not installed or its program cannot be started.
+/// Both start the program detached and do not wait. If the organiser is not installed, or its
+/// program cannot be started, they do nothing and write no trace line.
 void StartOrganiserAutoLaunch();
 void StopOrganiserAutoLaunch();
 

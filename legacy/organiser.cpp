@@ -29,7 +29,7 @@ std::wstring ReadAutoPlayAction()
 bool ReadOrganiserInfo(appInfo_tag& record)
 {
     RegistryKey installation = RegistryKey::OpenLocalMachine(kInstallationKey, KEY_READ);
-    // A key without its default value tells no folder: as good as not installed.
+    // A key without its default value names no folder, so the organiser counts as not installed.
     const wchar_t* const defaultValue = installation.QueryString(nullptr);
     if (defaultValue == nullptr) {
         return false;

@@ -19,7 +19,7 @@ const wchar_t* TypeMark(const std::wstring& deviceType) noexcept
     if (EqualIgnoringCase(deviceType, L"scanner")) {
         return L"S|";
     }
-    return L"C|"; // cameras, and on purpose everything that is not known
+    return L"C|"; // cameras and every unknown kind: there is no other mark
 }
 
 } // namespace
@@ -28,7 +28,7 @@ void LaunchOrganiserProxy(const std::wstring& proxyPath, const std::wstring& dev
                           const std::wstring& deviceId)
 {
     const std::wstring deviceParameter = std::wstring(L"\"") + TypeMark(deviceType) + deviceId + L'"';
-    if (deviceParameter.empty()) { // guards the composition above, which never is
+    if (deviceParameter.empty()) { // guards the line above, whose result is never empty
         ::OutputDebugStringW(L"<KestraBoot><!!! Unable to launch Vel 3.0.>");
         return;
     }

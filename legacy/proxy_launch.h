@@ -5,7 +5,7 @@
 namespace kestraboot
 {
 
-/// Hands one device to the organiser's proxy, with the command line
+/// Passes one device to the organiser's proxy, with the command line
 ///   "<proxyPath>" -d "<V|, S| or C|><deviceId>"
 /// A kind other than "volume" and "scanner", in any letter case, is sent as a camera.
 void LaunchOrganiserProxy(const std::wstring& proxyPath, const std::wstring& deviceType,

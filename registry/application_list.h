@@ -7,8 +7,8 @@
 namespace kestraboot
 {
 
-/// A handler's own list, for the library's own operations. They walk it instead of a copy from the
-/// exported queries: those answer false when memory runs out, which reads like an empty list.
+/// A handler's own list, for the library's own operations. They use it instead of a copy from the
+/// exported queries: those return false if memory runs out, which would read like an empty list.
 class ApplicationList : private CKestraBootInformationHandler
 {
 public:

@@ -53,8 +53,9 @@ std::vector<formatInfo_tag> ReadFileFormats(const std::wstring& formatsPath)
 
 void CreateUserPreferences(const std::wstring& prefsPath)
 {
-    // Takes off every leading character that occurs in the root's path, not the path itself. A product
-    // whose name begins with such letters loses them too and so never gets its key; kept on purpose.
+    // Removes every leading character that occurs in the root's path, not the path itself. A
+    // product whose name begins with such letters loses them too, and never gets its key. This is
+    // documented behaviour (application_info.h): it decides whose DefaultFlag counts.
     const std::size_t rest = prefsPath.find_first_not_of(std::wstring(kCorvaneRoot) + L'\\');
     if (rest == std::wstring::npos) {
         return;
@@ -80,7 +81,7 @@ std::uint32_t ReadDefaultFlag(const std::wstring& prefsPath)
             return flag != -1 ? static_cast<std::uint32_t>(flag) : 0;
         }
         if (user.Status() != ERROR_FILE_NOT_FOUND) {
-            return 0; // a key that is there hides the machine's value, and is not to be written over
+            return 0; // a key that exists hides the machine's value, and must not be overwritten
         }
     }
     CreateUserPreferences(prefsPath);

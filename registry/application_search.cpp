@@ -35,7 +35,8 @@ std::vector<appInfo_tag> CollectApplicationKeys()
         OpenKey parent = std::move(pending.front());
         pending.pop_front();
 
-        // The first name that cannot be had ends this key, be it the last one or one too long.
+        // The first name that cannot be read ends this key, whether it is past the last one or too
+        // long.
         for (std::uint32_t index = 0; const wchar_t* const name = parent.key.EnumSubkey(index);
              ++index) {
             std::wstring childPath = JoinPath(parent.path, name);

@@ -8,7 +8,7 @@ namespace kestraboot
 {
 
 /// Every application key below the machine-wide root, read into a record: keys nearer to the root
-/// first, within one parent in the registry's order. Nothing below an application key is searched.
+/// first, below one parent in the registry's order. Keys below an application key are not searched.
 [[nodiscard]] std::vector<appInfo_tag> CollectApplicationKeys();
 
 } // namespace kestraboot

@@ -1,4 +1,4 @@
-// What an application's proxy asks for itself: may it launch, and in which language does it speak.
+// An application's proxy asks about itself: may it launch, and which language does it use.
 #include "foundation/registry_key.h"
 #include "kestraboot/information_handler.h"
 #include "registry/own_application.h"
@@ -13,11 +13,11 @@ namespace
 
 constexpr const wchar_t* kLaunchStatus = L"kestralaunchstatus";
 
-/// The key of the running application above its "Corvane Kestrafetch" key; the same path under both
+/// The key above the running application's "Corvane Kestrafetch" key; its path is the same in both
 /// hives.
 std::optional<std::wstring> FindOwnKey(CKestraBootInformationHandler& handler)
 {
-    appInfo_tag own; // stays empty when the running program is no application's proxy
+    appInfo_tag own; // stays empty if the running program is no application's proxy
     static_cast<void>(FindOwnApplication(handler, own));
     const std::size_t end = own.KeyPath.find(std::wstring(L"\\") + kApplicationKeyName);
     if (end == std::wstring::npos) {
@@ -40,7 +40,8 @@ bool CKestraBootInformationHandler::GetKestraLaunchStatus()
     }
     const std::int32_t launchStatus = key.QueryDword(kLaunchStatus);
     if (launchStatus == -1) {
-        // Refused, since the key is open for reading only: asking never creates the value. Kept.
+        // Windows refuses this, because the key is open for reading only: a query never creates the
+        // value.
         key.SetDword(kLaunchStatus, 1);
         return true;
     }

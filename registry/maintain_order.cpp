@@ -21,6 +21,6 @@ void CKestraBootInformationHandler::MaintainOrder()
     ProcessInfo self;
     GetCurrentProcessInfo(self);
     const appInfo_tag* const own = FindByProxyPath(applications, self.executablePath);
-    // A registry that cannot be written leaves the entry as it was.
+    // If the registry cannot be written, the entry is unchanged.
     static_cast<void>(SetRunValue(own != nullptr ? own->ProxyPath : applications.front().ProxyPath));
 }

@@ -21,7 +21,7 @@ struct SnapshotTraits {
     static void Close(Resource snapshot) noexcept { ::CloseHandle(snapshot); }
 };
 
-/// True when the process was another instance, which is ended then.
+/// True if the process was another instance, which is then terminated.
 bool StopIfOtherInstance(DWORD processId, DWORD ownProcessId, const std::wstring& executablePath)
 {
     UniqueKernelHandle process(::OpenProcess(PROCESS_ALL_ACCESS, FALSE, processId));
@@ -30,18 +30,18 @@ bool StopIfOtherInstance(DWORD processId, DWORD ownProcessId, const std::wstring
     }
     std::wstring path;
     if (!ReadExecutablePath(process.get(), path)) {
-        // Left open on purpose: the process that uninstalls ends soon, and its handles with it.
+        // Left open: the process that uninstalls ends soon, and its handles with it.
         static_cast<void>(process.release());
         return false;
     }
-    // An executable whose own path could not be read has no other instances.
+    // If an executable's own path cannot be read, it has no other instances.
     if (processId == ownProcessId || executablePath.empty() ||
         !EqualIgnoringCase(path, executablePath)) {
         return false;
     }
     ::EnumWindows(CloseBootWindowsProc, 0);
     ::Sleep(kMillisecondsToQuit);
-    // Left open on purpose, as above: the identifier cannot be given to a new process meanwhile.
+    // Left open, so that Windows cannot give the identifier to a new process meanwhile.
     ::TerminateProcess(process.release(), 0);
     return true;
 }

@@ -7,13 +7,13 @@
 namespace kestraboot
 {
 
-/// Asks every other process whose main executable is `executablePath` (without regard to case) to quit
-/// and ends it two seconds later, one after another. True when there was one. Processes that cannot be
-/// opened or looked into are passed over.
+/// Asks every other process whose main executable is `executablePath` (in any case) to quit and
+/// terminates it 2 s later, one after another. True if there was one. Processes that cannot be
+/// opened or queried are skipped.
 [[nodiscard]] bool StopOtherInstances(DWORD ownProcessId, const std::wstring& executablePath);
 
-/// EnumWindows callback: sends WM_QUIT to the first window titled as a boot executable's and stops the
-/// enumeration there. `unused` is not used.
+/// EnumWindows callback: sends WM_QUIT to the first window that has a boot executable's title, and
+/// stops the enumeration there. `unused` is ignored.
 BOOL CALLBACK CloseBootWindowsProc(HWND window, LPARAM unused) noexcept;
 
 } // namespace kestraboot

@@ -34,7 +34,7 @@ bool DeleteRunValue()
     if (!run.IsOpen()) {
         return false;
     }
-    static_cast<void>(run.DeleteValue(kRunValue)); // it may well be missing
+    static_cast<void>(run.DeleteValue(kRunValue)); // a missing value is no error
     return true;
 }
 

@@ -36,7 +36,7 @@ void GetSupportedFormats(CKestraBootInformationHandler& handler, std::vector<for
         }
     }
     if (!onlyDefaults) {
-        // An organiser that is not installed leaves its record empty, and so adds nothing.
+        // An organiser that is not installed leaves its record empty and so adds nothing.
         appInfo_tag organiser;
         static_cast<void>(handler.GetVel3Info(organiser));
         AppendLookedFor(organiser, out);

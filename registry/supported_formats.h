@@ -7,9 +7,9 @@
 namespace kestraboot
 {
 
-/// Appends the media file kinds that an arriving volume is searched for: the image and video kinds of
-/// the default applications or, when there is none, of all applications and the legacy organiser.
-/// `handler` must have been loaded. Duplicates are kept. Throws std::bad_alloc.
+/// Appends the file kinds for which an arriving volume is scanned: the image and video kinds of the
+/// default applications or, if there is no default, of all applications and the legacy organiser.
+/// `handler` must be loaded. Duplicates stay. Throws std::bad_alloc.
 void GetSupportedFormats(CKestraBootInformationHandler& handler, std::vector<formatInfo_tag>& out);
 
 } // namespace kestraboot

@@ -1,4 +1,4 @@
-// The hand-over when the running proxy's application is removed.
+// The hand-over if the running proxy's application is removed.
 #include "foundation/handles.h"
 #include "foundation/process_identity.h"
 #include "foundation/text.h"
@@ -21,7 +21,7 @@ void StartProxy(const appInfo_tag& application)
     const std::wstring argument = QuoteUnlessQuoted(application.ProxyPath);
     const std::intptr_t started = ::_wspawnlp(_P_NOWAIT, application.ProxyPath.c_str(), argument.c_str(),
                                               static_cast<const wchar_t*>(nullptr));
-    // Whether it started is not looked at; its handle is closed at once.
+    // Whether it started is not checked; its handle is closed at once.
     const UniqueKernelHandle process(started != -1 ? reinterpret_cast<HANDLE>(started) : nullptr);
 
     TraceBuffer line = {};

@@ -5,8 +5,8 @@
 namespace kestraboot
 {
 
-/// Whether a process runs in the session that is attached to the physical console. False when this
-/// cannot be found out.
+/// Whether a process runs in the session that is attached to the physical console. False if this
+/// cannot be determined.
 [[nodiscard]] bool IsProcessInActiveConsoleSession(std::uint32_t processId) noexcept;
 
 } // namespace kestraboot

@@ -6,7 +6,7 @@
 namespace kestraboot
 {
 
-/// The kind of device as a device plugin codes it; what the host sees is the word.
+/// The kind of device as a device plugin codes it; the host gets the word.
 enum class DeviceKind : std::uint32_t {
     Unknown = 0,
     Camera = 1,

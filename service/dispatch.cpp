@@ -12,7 +12,7 @@ namespace
 
 CRITICAL_SECTION dispatchLock;
 
-// A plain store and load, made well-defined: the latest value counts, whichever thread stored it.
+// A plain store and load without a data race: the latest value counts, whichever thread stored it.
 std::atomic<DeviceConnectCallback> registeredCallback = nullptr;
 
 class DispatchLockScope
@@ -47,7 +47,7 @@ void NotifyDeviceConnect(std::wstring& kind, std::wstring& deviceId) noexcept
             callback(kind, deviceId);
         }
     } catch (...) {
-        // The host's affair: the tracker that reports carries on.
+        // The host's own failure: the tracker that reports continues.
     }
 }
 

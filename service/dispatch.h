@@ -1,4 +1,4 @@
-// The one road from every tracker to the host's callback.
+// The one path from every tracker to the host's callback.
 #pragma once
 
 #include <string>
@@ -6,12 +6,13 @@
 namespace kestraboot
 {
 
-/// Makes the lock that serialises all reports. Once, before the first report; it is never deleted.
+/// Creates the lock that serialises all reports. Call it once, before the first report; the lock is
+/// never deleted.
 void InitializeDispatch() noexcept;
 
-/// Hands one arrival to the registered callback, on the calling thread, one call at a time in the
-/// process; dropped when none is registered. The strings belong to the caller. What the callback throws
-/// ends here, after the lock was left.
+/// Passes one arrival to the registered callback, on the calling thread, one call at a time in the
+/// process; drops it if none is registered. The caller owns the strings. Catches everything that
+/// the callback throws, after the lock is released.
 void NotifyDeviceConnect(std::wstring& kind, std::wstring& deviceId) noexcept;
 
 } // namespace kestraboot

@@ -17,7 +17,7 @@ bool SniffMediaContent(const std::wstring& rootPath) noexcept
         wchar_t root[kFieldCapacity];
         CopyToField(root, rootPath);
 
-        // A handler of this thread's own: the host's is not to be shared with it.
+        // This thread needs a handler of its own, because handlers take no lock.
         CKestraBootInformationHandler handler;
         const int depth = ReadSniffDepth(handler);
         if (depth == 0) {
@@ -28,7 +28,7 @@ bool SniffMediaContent(const std::wstring& rootPath) noexcept
         GetSupportedFormats(handler, formats);
         return FindSupportedFile(root, static_cast<unsigned>(depth), ExtensionSet(formats));
     } catch (...) {
-        return false; // memory ran out in the middle of the search: nothing was found
+        return false; // memory ran out during the scan: nothing was found
     }
 }
 

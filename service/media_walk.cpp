@@ -89,7 +89,7 @@ Listing ListFolder(const SearchEntry& current, const ExtensionSet& extensions,
     WIN32_FIND_DATAW entry = {};
     const UniqueFindHandle listing(::FindFirstFileW(JoinPath(current.folder, L"*").c_str(), &entry));
     if (!listing) {
-        static_cast<void>(::FindClose(listing.get())); // refused, and kept: the owner leaves it alone
+        static_cast<void>(::FindClose(listing.get())); // fails; the owner closes no invalid handle
         return Listing::CannotList;
     }
     FileLine fileLine(current.level);
@@ -99,7 +99,7 @@ Listing ListFolder(const SearchEntry& current, const ExtensionSet& extensions,
             continue;
         }
         if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
-            // Queued and traced even where it lies too deep to be listed.
+            // Queued and traced even if it is too deep to be listed.
             std::wstring folder = JoinPath(current.folder, name);
             TraceFolder(current.level, folder.c_str());
             pending.push_back({std::move(folder), current.level + 1});

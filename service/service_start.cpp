@@ -16,8 +16,8 @@ namespace
 
 void StartTracker(LPTHREAD_START_ROUTINE entry) noexcept
 {
-    // The handle stays open on purpose: trackers run until the process ends, and nothing waits for one.
-    // A tracker whose thread cannot be had reports nothing.
+    // The handle stays open: trackers run until the process ends, and nothing waits for one. A
+    // tracker whose thread cannot be created reports nothing.
     static_cast<void>(::CreateThread(nullptr, 0, entry, nullptr, 0, nullptr));
 }
 

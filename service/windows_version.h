@@ -3,8 +3,8 @@
 namespace kestraboot
 {
 
-/// The releases of Windows that the system treats in a way of their own. Everything else, newer
-/// releases included, is Other.
+/// The releases of Windows for which the system has rules of their own. Every other release, newer
+/// ones included, is Other.
 enum class WindowsVersionClass : unsigned {
     Other = 0,
     Xp = 1,          ///< 5.1
@@ -12,8 +12,8 @@ enum class WindowsVersionClass : unsigned {
     Vista = 3,       ///< 6.0, workstation
 };
 
-/// Other as well when the version cannot be had. A host without a manifest is told 6.2 from Windows 8
-/// on.
+/// Other also if the version cannot be read. Windows 8 and later report 6.2 to a host without a
+/// manifest.
 [[nodiscard]] WindowsVersionClass GetWindowsVersionClass() noexcept;
 
 } // namespace kestraboot

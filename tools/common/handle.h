@@ -6,7 +6,7 @@
 namespace kestraboot::tools
 {
 
-/// Owns a handle of the kernel's; null where there is none.
+/// Owns a kernel handle; null if there is none.
 class Handle
 {
 public:

@@ -1,5 +1,5 @@
-// Standard output: a console, where text goes as UTF-16 and in colour, or whatever it was redirected to,
-// where it goes as UTF-8.
+// Standard output: a console, which gets UTF-16 in colour, or the target of a redirection, which
+// gets UTF-8.
 #pragma once
 
 #include "tools/common/styled_text.h"
@@ -13,10 +13,10 @@ namespace kestraboot::tools
 class StandardOutput
 {
 public:
-    /// Without `colour` a console shows everything in its own.
+    /// Without `colour` a console shows everything in its own colour.
     explicit StandardOutput(bool colour);
 
-    /// Whole at once: what another program writes does not come between. False when it cannot be
+    /// In one write, so that no output of another program comes between. False if it cannot be
     /// written.
     [[nodiscard]] bool Write(const StyledText& text) const;
 
@@ -31,7 +31,7 @@ private:
     WORD ownColours = 0;
 };
 
-/// Writes all of it; false when that cannot be done.
+/// Writes all of it; false if that fails.
 [[nodiscard]] bool WriteBytes(HANDLE to, std::string_view bytes);
 
 } // namespace kestraboot::tools

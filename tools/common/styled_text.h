@@ -1,4 +1,4 @@
-// Text with the parts marked that a console shows in colour.
+// Text with marks for the parts that a console shows in colour.
 #pragma once
 
 #include <string>

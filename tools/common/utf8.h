@@ -1,4 +1,4 @@
-// UTF-16, as Windows hands it out, to UTF-8, as files and JSON hold it.
+// Converts UTF-16, which Windows uses, to UTF-8, which files and JSON use.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 namespace kestraboot::tools
 {
 
-/// A surrogate that stands alone becomes U+FFFD: the result is always valid.
+/// A surrogate without its pair becomes U+FFFD: the result is always valid.
 [[nodiscard]] std::string ToUtf8(std::wstring_view text);
 
 } // namespace kestraboot::tools

@@ -1,4 +1,4 @@
-// What Windows' error numbers say.
+// The texts of Windows' error numbers.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 namespace kestraboot::tools
 {
 
-/// "Access denied. (error 5)", in UTF-8; "error 5" where Windows has no text for it.
+/// "Access denied. (error 5)", in UTF-8; "error 5" if Windows has no text for it.
 [[nodiscard]] std::string WindowsErrorText(unsigned long error);
 
 } // namespace kestraboot::tools

@@ -1,4 +1,4 @@
-// The keys by which applications register, as they stand in the registry: also those that the library
+// The registered applications' keys, as they are in the registry, including those that the library
 // leaves out.
 #pragma once
 
@@ -14,7 +14,7 @@ struct ApplicationKey {
     std::wstring path; ///< below HKEY_LOCAL_MACHINE
     bool nameInOtherCase = false;
     bool belowAnother = false;   ///< below another application's key
-    bool behindLongName = false; ///< the search of the keys beside it ends before it
+    bool behindLongName = false; ///< a name ends the library's search of its parent before it
     std::optional<std::wstring> name;
     std::optional<std::wstring> proxyPath;
     std::optional<std::wstring> commandPath;
@@ -22,14 +22,14 @@ struct ApplicationKey {
     bool commandExists = false;
     std::optional<std::uint32_t> autoLaunchOfUser;
     std::optional<std::uint32_t> autoLaunchOfMachine;
-    bool userHasPreferences = false;         ///< a key of this user's own hides the machine's default
-    std::optional<std::uint32_t> sniffDepth; ///< that the library takes; it takes 4 where there is none
+    bool userHasPreferences = false;         ///< a key of this user hides the machine's default
+    std::optional<std::uint32_t> sniffDepth; ///< that the library uses; 4 if there is none
 };
 
 /// In the order in which the library searches.
 [[nodiscard]] std::vector<ApplicationKey> FindApplicationKeys();
 
-/// What 32-bit installers wrote, which 64-bit programs do not see.
+/// The keys that 32-bit installers wrote; 64-bit programs do not see them.
 [[nodiscard]] std::vector<ApplicationKey> FindApplicationKeysOf32Bit();
 
 } // namespace kestraboot::tools

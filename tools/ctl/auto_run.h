@@ -1,4 +1,4 @@
-// Whom the machine's auto-run entry names, and what an arrival starts.
+// The application that the auto-run entry names, and the application that an arrival starts.
 #pragma once
 
 #include "tools/ctl/report.h"
@@ -13,12 +13,12 @@ namespace kestraboot::tools
 /// The program of the entry, without the quotes around it.
 [[nodiscard]] std::wstring AutoRunProgram(std::wstring_view entry);
 
-/// The first application whose proxy that is; null where there is none. Case does not matter.
+/// The first application with that proxy, in any case; null if there is none.
 [[nodiscard]] const ListedApplication* OwnerOfProxy(const std::vector<ListedApplication>& applications,
                                                     const std::wstring& program);
 
-/// One default is started for the device; without one, the only application is, or the first of several,
-/// in which the user selects. The organiser counts as another one.
+/// If there is exactly one default, it is started for the device. Otherwise the only application
+/// is, or the first of several, in which the user selects. The organiser counts as a further one.
 [[nodiscard]] std::optional<NextLaunch> WhatAnArrivalStarts(const std::vector<appInfo_tag>& all,
                                                             const std::vector<appInfo_tag>& defaults,
                                                             bool organiserInstalled);

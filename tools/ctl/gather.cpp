@@ -56,7 +56,7 @@ void AddAutoRun(Report& report)
 Report Gather()
 {
     RegistryCopy copy;
-    // Before the library's loading adds to the copy.
+    // First, because the library's loading adds to the copy.
     const std::vector<ApplicationKey> keys = FindApplicationKeys();
     const LibraryView view = AskLibrary();
     Report report;

@@ -5,8 +5,8 @@
 namespace kestraboot::tools
 {
 
-/// Makes the report on a copy of the keys; the registry is the same afterwards. Throws std::exception
-/// where that cannot be done.
+/// Makes the report on a copy of the keys; the registry is unchanged afterwards. Throws
+/// std::exception if that fails.
 [[nodiscard]] Report Gather();
 
 } // namespace kestraboot::tools

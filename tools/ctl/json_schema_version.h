@@ -4,7 +4,7 @@ namespace kestraboot::tools
 {
 
 /// The "schema" of each JSON object, which docs/kestractl.schema.json describes. It changes when a
-/// member goes or means something else, not when one is added.
+/// member is removed or changes its meaning, not when one is added.
 inline constexpr int kJsonSchema = 1;
 
 } // namespace kestraboot::tools

@@ -37,7 +37,7 @@ std::vector<Reason> WhyLeftOut(const ApplicationKey& key)
     AddFile(reasons, L"CmdLine", key.commandPath, key.commandExists, "no-application-value",
             "no-application-file");
     AddFile(reasons, L"ProxyPath", key.proxyPath, key.proxyExists, "no-proxy-value", "no-proxy-file");
-    // The user's value decides where there is one.
+    // The user's value decides if there is one.
     if (key.autoLaunchOfUser.value_or(key.autoLaunchOfMachine.value_or(0)) == 1) {
         reasons.push_back(
             {"kept-out", std::wstring(L"\"AutoLaunchOnDeviceConnect\" is 1 ") +

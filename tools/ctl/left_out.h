@@ -1,4 +1,4 @@
-// Why the library leaves a registered application out.
+// The reasons why the library leaves a registered application out.
 #pragma once
 
 #include "tools/ctl/application_keys.h"
@@ -14,7 +14,7 @@ struct Reason {
     std::wstring text;
 };
 
-/// All that is wrong, not only the first thing; empty where nothing is.
+/// All reasons, not only the first; empty if there is none.
 [[nodiscard]] std::vector<Reason> WhyLeftOut(const ApplicationKey& key);
 
 } // namespace kestraboot::tools

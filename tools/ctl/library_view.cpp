@@ -38,8 +38,8 @@ void PutText(const std::wstring& keyPath, const wchar_t* name, const std::wstrin
     }
 }
 
-/// Whether the library can tell a proxy anything but what it tells where nothing is stored. Most
-/// applications store nothing, and to ask takes as long as all the rest.
+/// Whether the library can answer a proxy anything other than its answer for missing values. Most
+/// applications store nothing, and asking takes as long as everything else.
 bool IsAnythingStored(const appInfo_tag& info)
 {
     const std::wstring product = info.KeyPath.substr(0, info.KeyPath.find(L"\\Corvane Kestrafetch"));
@@ -47,7 +47,7 @@ bool IsAnythingStored(const appInfo_tag& info)
            RegistryKey(HKEY_CURRENT_USER, product).Find(L"kestralaunchstatus");
 }
 
-/// Where the list were empty, the questions below would end the process.
+/// If the list were empty, the questions below would end the process.
 bool IsListed(CKestraBootInformationHandler& handler)
 {
     handler.LoadInformation();
@@ -64,7 +64,7 @@ LibraryView AskLibrary()
     CKestraBootInformationHandler handler;
     handler.LoadInformation();
     Require(handler.GetAllApplicationInfo(view.all));
-    // Asked of the same handler: the next loading may find other flags.
+    // From the same handler, because the next loading may find other flags.
     Require(handler.GetDefaultApplicationInfo(view.defaults));
     appInfo_tag organiser;
     if (handler.GetVel3Info(organiser)) {
@@ -83,7 +83,7 @@ void AskAsEachProxy(RegistryCopy& copy, std::vector<ListedApplication>& applicat
     }
     for (std::size_t i = 0; i < applications.size(); ++i) {
         ListedApplication& application = applications[i];
-        // A proxy that several applications share is told what the first of them says.
+        // A proxy that several applications share gets the answer for the first of them.
         const ListedApplication* const owner = OwnerOfProxy(applications, application.info.ProxyPath);
         if (owner != &application) {
             application.mayLaunch = owner->mayLaunch;
@@ -97,7 +97,7 @@ void AskAsEachProxy(RegistryCopy& copy, std::vector<ListedApplication>& applicat
         CKestraBootInformationHandler handler;
         copy.ShowOnly(application.info.KeyPath);
         PutText(application.info.KeyPath, L"ProxyPath", program);
-        PutText(application.info.KeyPath, L"CmdLine", program); // stays there while it is asked
+        PutText(application.info.KeyPath, L"CmdLine", program); // remains there during the question
         if (!IsListed(handler)) {
             throw std::runtime_error("the copy of the keys lists no application");
         }

@@ -1,5 +1,5 @@
-// What the library sees, asked through its exported interface. To be asked on a copy of the registry's
-// keys only: the library writes.
+// The library's view, asked through its exported interface. Ask it on a copy of the registry's keys
+// only, because the library writes.
 #pragma once
 
 #include "tools/ctl/registry_copy.h"
@@ -17,13 +17,13 @@ struct LibraryView {
     std::optional<appInfo_tag> organiser;
 };
 
-/// Loads once, as for an arrival; the next loading may find other defaults, since one can make user's
-/// keys.
+/// Loads once, as for an arrival. The next loading may find other defaults, because a loading can
+/// create user's keys.
 [[nodiscard]] LibraryView AskLibrary();
 
-/// Asks for the launch status and the locale as the proxy of each application does, and fills them in.
-/// The library answers for the running program: the copy is changed to make this program the proxy of
-/// one application after the other. Nothing can be learnt from the copy afterwards.
+/// Asks for the launch status and the locale as the proxy of each application does, and fills them
+/// in. The library answers for the running program, so this changes the copy to make this program
+/// the proxy of one application after another. The copy is of no use afterwards.
 void AskAsEachProxy(RegistryCopy& copy, std::vector<ListedApplication>& applications);
 
 } // namespace kestraboot::tools

@@ -1,4 +1,4 @@
-// kestractl: shows what the library sees, and why nothing happens. Changes nothing on the machine.
+// kestractl: shows the library's view, and why nothing happens. Changes nothing on the machine.
 #include "tools/common/build.h"
 #include "tools/common/exit_code.h"
 #include "tools/common/standard_output.h"
@@ -46,7 +46,7 @@ bool WantsNoColour(const CtlOptions& options)
 
 ExitCode Show(const CtlOptions& options)
 {
-    ::SetConsoleCtrlHandler(nullptr, TRUE); // it takes a moment, and then removes the copy of the keys
+    ::SetConsoleCtrlHandler(nullptr, TRUE); // Ctrl+C must not leave the copy of the keys behind
     const Shown shown = options.check ? MakeCheck(options.json) : MakeReport(options.json);
     const StandardOutput output(!WantsNoColour(options));
     if (!output.Write(shown.text)) {

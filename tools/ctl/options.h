@@ -1,4 +1,4 @@
-// The words after kestractl.
+// The command line of kestractl.
 #pragma once
 
 #include <string>
@@ -13,7 +13,7 @@ struct CtlOptions {
     bool noColour = false;
     bool help = false;
     bool version = false;
-    std::string notUnderstood; ///< the first word that is not; empty where all are
+    std::string notUnderstood; ///< the first word that is not understood; empty if all are
 };
 
 /// `words` is UTF-8, without the program's name.

@@ -14,7 +14,7 @@ namespace
 
 constexpr const wchar_t* kParent = L"Software";
 constexpr const wchar_t* kSoftware = L"SOFTWARE";
-constexpr const wchar_t* kApplicationTail = L"\\Corvane Kestrafetch"; // what the library cuts off
+constexpr const wchar_t* kApplicationTail = L"\\Corvane Kestrafetch"; // which the library removes
 constexpr const wchar_t* kNamePrefix = L"kestractl copy ";
 
 void Require(LONG status, const char* what)
@@ -41,7 +41,7 @@ void Put(const RegistryKey& to, const RegistryKey::Value& value)
             "copy a value of the registry");
 }
 
-/// Keys that may not be read are left out, as the library passes them over.
+/// Keys that may not be read are left out, as the library skips them.
 void CopyTree(const RegistryKey& from, const RegistryKey& to)
 {
     for (const RegistryKey::Value& value : from.Values()) {
@@ -72,7 +72,7 @@ void CopyRunValue(const RegistryKey& to)
     }
 }
 
-/// Whether that process runs, and is not this one.
+/// Whether that process runs and is not this one.
 bool IsOfAnother(DWORD processId) noexcept
 {
     if (processId == ::GetCurrentProcessId()) {
@@ -85,7 +85,7 @@ bool IsOfAnother(DWORD processId) noexcept
     return ::WaitForSingleObject(process.Get(), 0) == WAIT_TIMEOUT;
 }
 
-/// Of processes that were ended in the middle.
+/// Removes the copies of processes that were terminated before they could.
 void RemoveLeftCopies(const RegistryKey& parent)
 {
     const std::wstring prefix = kNamePrefix;

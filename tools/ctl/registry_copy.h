@@ -1,10 +1,10 @@
-// A copy of the keys that the library reads, put in the place of HKEY_LOCAL_MACHINE and
-// HKEY_CURRENT_USER for this process. The library writes when it loads: it creates per-user keys and
-// keeps the auto-run entry. It does so in the copy, and the machine stays as it is.
+// A copy of the keys that the library reads, in place of HKEY_LOCAL_MACHINE and HKEY_CURRENT_USER
+// for this process. The library writes when it loads: it creates per-user keys and sets the
+// auto-run entry. It does so in the copy, and the machine is unchanged.
 //
-// The copy lies below HKEY_CURRENT_USER\Software, in a key of this process's own, until it ends. What a
-// process leaves that was ended in the middle the next copy removes. Its keys are not volatile, since
-// those take none of the keys that the library makes.
+// The copy is below HKEY_CURRENT_USER\Software, in a key of this process's own, until the process
+// ends. If a process is terminated before it removes its copy, the next copy removes it. The keys
+// are not volatile, because volatile keys cannot contain the keys that the library creates.
 #pragma once
 
 #include "tools/ctl/registry_key.h"
@@ -17,14 +17,14 @@ namespace kestraboot::tools
 class RegistryCopy
 {
 public:
-    /// Throws std::runtime_error, with nothing left behind, where the copy cannot be made.
+    /// Throws std::runtime_error, with nothing left behind, if the copy cannot be made.
     RegistryCopy();
     RegistryCopy(const RegistryCopy&) = delete;
     RegistryCopy& operator=(const RegistryCopy&) = delete;
     ~RegistryCopy();
 
-    /// From here on the machine's part of the copy holds one application's key, without values, and the
-    /// values of the product's key above it. A search then finds that one alone, however many there are.
+    /// From here on the machine's part of the copy has one application's key, without values, and
+    /// the values of the product's key above it. A search then finds that application alone.
     void ShowOnly(const std::wstring& applicationKey);
 
 private:
@@ -36,7 +36,7 @@ private:
     RegistryKey home; ///< holds the copies
     RegistryKey machine;
     RegistryKey user;
-    RegistryKey only; ///< takes the machine's place when one application alone is shown
+    RegistryKey only; ///< replaces the machine's part when one application alone is shown
 };
 
 } // namespace kestraboot::tools

@@ -10,7 +10,7 @@
 namespace kestraboot::tools
 {
 
-/// An open key; reading from one that did not open finds nothing.
+/// An open key. Reading from a key that did not open finds nothing.
 class RegistryKey
 {
 public:

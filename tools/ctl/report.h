@@ -1,4 +1,4 @@
-// All that kestractl shows.
+// Everything that kestractl shows.
 #pragma once
 
 #include "kestraboot/application_info.h"
@@ -14,19 +14,19 @@ namespace kestraboot::tools
 /// An application in the library's list.
 struct ListedApplication {
     appInfo_tag info;
-    bool mayLaunch = true; ///< the launch status that its proxy is told
-    std::wstring locale;   ///< that its proxy is told
+    bool mayLaunch = true; ///< the launch status that its proxy gets
+    std::wstring locale;   ///< that its proxy gets
     bool localeStored = false;
-    ApplicationKey key; ///< as it stood before the library loaded
+    ApplicationKey key; ///< as it was before the library loaded
 };
 
-/// One that is registered, but not in the list.
+/// An application that is registered but not listed.
 struct LeftOutApplication {
     ApplicationKey key;
     std::vector<Reason> reasons;
 };
 
-/// What an arrival starts with the registry as it is.
+/// The application that an arrival starts with the present registry.
 struct NextLaunch {
     std::wstring application; ///< its name
     std::wstring mode;
@@ -38,8 +38,8 @@ struct Report {
     std::vector<ListedApplication> applications; ///< in the library's order
     std::vector<std::wstring> defaults;          ///< names, in the same order
     std::vector<LeftOutApplication> leftOut;
-    // Nothing is started without one. For a user without preferences the library makes them when it
-    // loads, and they hide the default that the machine names: the second loading can find another one.
+    // Nothing is started if there is none. For a user without preferences the library creates them
+    // when it loads, and they hide the machine's default: the second loading can find another one.
     std::optional<NextLaunch> next;       ///< by the first loading: for a camera, scanner or phone
     std::optional<NextLaunch> nextOfCard; ///< by the second one: the search of a card loads too
 

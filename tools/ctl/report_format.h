@@ -1,4 +1,4 @@
-// How the report is shown.
+// Shows the report.
 #pragma once
 
 #include "tools/common/styled_text.h"

@@ -19,12 +19,12 @@ namespace kestraboot::tools
 namespace
 {
 
-constexpr std::size_t kMostQueued = 4'096; // lines; as many again may be on their way
-// Lines that come fast are shown together: to wake a thread for each costs more than to show it.
+constexpr std::size_t kMostQueued = 4'096; // lines; as many again may be in transit
+// Lines that come fast are shown together: waking a thread for each costs more than showing it.
 constexpr DWORD kGather = 10; // milliseconds
 constexpr std::chrono::milliseconds kLook = std::chrono::milliseconds(250);
 
-/// Makes of the lines what the reader's thread had no time for.
+/// Decodes the lines, which would delay the reader's thread.
 class Finisher
 {
 public:
@@ -43,7 +43,7 @@ public:
     }
 
 private:
-    /// Asked once a minute: time zones change on whole minutes.
+    /// Queried once a minute: time zones change on whole minutes.
     int OffsetAt(std::int64_t utcMilliseconds)
     {
         if (utcMilliseconds / kMillisecondsPerMinute != minute) {
@@ -58,7 +58,7 @@ private:
     int offset = 0;
 };
 
-/// Until no more lines come: the reader stops when it is told to, or by itself.
+/// Until no more lines come: the reader stops on request, or by itself.
 ExitCode ShowLines(LineQueue& queue, Viewer& viewer, std::uint64_t seconds, HANDLE stop)
 {
     Finisher finisher;

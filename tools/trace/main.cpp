@@ -1,4 +1,4 @@
-// kestratrace: shows the debug lines of this session as they come, or as they were recorded.
+// kestratrace: shows the debug lines of this session as they come, or those of a recording.
 #include "tools/common/build.h"
 #include "tools/common/exit_code.h"
 #include "tools/trace/live.h"
@@ -18,7 +18,7 @@ int wmain(int count, wchar_t** words);
 namespace
 {
 
-/// As no-color.org has it: set, and not empty.
+/// As no-color.org defines it: set, and not empty.
 bool ColourIsUnwanted() noexcept
 {
     wchar_t first[2] = {};

@@ -2,7 +2,7 @@
 
 #include "tools/common/utf8.h"
 
-#define CLI11_HAS_FILESYSTEM 0 // nothing here looks at files
+#define CLI11_HAS_FILESYSTEM 0 // this file opens no files
 #include <CLI/CLI.hpp>
 
 #include <windows.h>
@@ -15,7 +15,7 @@ namespace
 {
 
 constexpr std::uint64_t kSmallestFile = 4'096;
-constexpr std::uint64_t kMostSeconds = 999'999'999; // some thirty years
+constexpr std::uint64_t kMostSeconds = 999'999'999; // about 30 years
 constexpr unsigned kMostKept = 999;
 constexpr std::size_t kOptionColumn = 24;
 
@@ -50,7 +50,7 @@ std::string CheckTag(const std::string& tag)
     return IsTag(tag) ? std::string() : "there is no tag " + tag + "; there are " + TagList("");
 }
 
-/// The word behind an option may be the next option.
+/// Refuses a value that is the next option.
 std::string CheckValue(const std::string& value)
 {
     return value.empty() || value.starts_with("--") ? "needs a value" : std::string();
@@ -65,14 +65,14 @@ std::wstring ToPath(const std::string& utf8)
     return path;
 }
 
-/// The words of the options that are text, before they are what they mean.
+/// The values of the options that are text, before they are converted.
 struct Texts {
     std::string file;
     std::vector<std::string> from;
 };
 
-/// The order of the field: examples, usage, what each option does. The library's own remarks on types
-/// and on which option needs which are in the usage.
+/// Shows examples, the usage, then each option, as is usual. The library's own remarks on types and
+/// on which option needs which are in the usage.
 class Help : public CLI::Formatter
 {
 public:

@@ -19,13 +19,13 @@ namespace kestraboot::tools
 namespace
 {
 
-/// One recording on its way to the viewer.
+/// Passes one recording to the viewer.
 class ReadBack
 {
 public:
     ReadBack(const std::wstring& path, Viewer& shown) : name(ToUtf8(path)), viewer(shown), file(path) {}
 
-    /// False when it cannot be read; standard error has said so.
+    /// False if it cannot be read; standard error has the reason.
     bool Show(const Stop& stop)
     {
         if (!file.IsOpen()) {

@@ -7,7 +7,7 @@
 namespace kestraboot::tools
 {
 
-/// Shows recordings, one behind the other, as if their lines came now.
+/// Shows recordings, one after another, as if their lines came now.
 [[nodiscard]] ExitCode ShowRecordings(const TraceOptions& options, const Stop& stop);
 
 } // namespace kestraboot::tools

@@ -1,4 +1,4 @@
-// Ctrl+C, a closed console, a log-off: what ends kestratrace before its time.
+// The events that stop kestratrace early: Ctrl+C, a closed console, a log-off.
 #pragma once
 
 #include "tools/common/handle.h"
@@ -6,9 +6,9 @@
 namespace kestraboot::tools
 {
 
-/// One in a process. While it lives, these set an event and end nothing by themselves. Windows ends the
-/// process when the console's handler returns, so that waits for the end of this object, for four
-/// seconds at most.
+/// One in a process. While it lives, these events set an event and do not end the process. Windows
+/// ends the process when the console's handler returns, so the handler waits for the end of this
+/// object, for 4 s at most.
 class Stop
 {
 public:
@@ -17,7 +17,7 @@ public:
     Stop& operator=(const Stop&) = delete;
     ~Stop();
 
-    /// False when it cannot be had; the system's last error says why.
+    /// False if it is not available; the system's last error is the reason.
     [[nodiscard]] bool Ready() const noexcept { return ready; }
 
     [[nodiscard]] HANDLE Event() const noexcept;

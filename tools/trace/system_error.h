@@ -5,8 +5,8 @@
 namespace kestraboot::tools
 {
 
-/// "kestratrace: cannot WHAT: The system cannot find the path specified. (error 3)" on standard error,
-/// of the last error that Windows told this thread.
+/// Writes "kestratrace: cannot WHAT: The system cannot find the path specified. (error 3)" to
+/// standard error, for this thread's last error.
 void TellSystemError(const std::string& what);
 
 } // namespace kestraboot::tools

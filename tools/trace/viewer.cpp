@@ -38,7 +38,7 @@ bool Viewer::OpenFile()
 void Viewer::Take(const SeenLine& seen)
 {
     if (options.arrivals) {
-        Tick(seen.time.upMilliseconds); // by the time of the line, so that a recording gives the same
+        Tick(seen.time.upMilliseconds); // the line's time: a recording gives the same verdicts
         verdicts.Take(seen);
         return;
     }

@@ -20,22 +20,22 @@ class Viewer
 public:
     explicit Viewer(const TraceOptions& asked);
 
-    /// The one that is asked for. False when it cannot be had; standard error has said so.
+    /// Opens the requested file. False if it cannot be opened; standard error has the reason.
     [[nodiscard]] bool OpenFile();
 
     void Take(const SeenLine& line);
     void TakeLost(const TimeStamp& time, std::uint64_t lines);
 
-    /// To be called now and then while no line comes.
+    /// Call it now and then while no line comes.
     void Tick(std::int64_t upMilliseconds);
 
-    /// What was taken so far is shown and written, where it was not yet.
+    /// Shows and writes everything that was taken so far and is still pending.
     void Flush();
 
-    /// No more lines will come. Failed when one could not be written.
+    /// No more lines will come. Failed if one could not be written.
     [[nodiscard]] ExitCode End();
 
-    /// False when what it shows reaches neither standard output nor a file any more.
+    /// False if its output reaches neither standard output nor a file any more.
     [[nodiscard]] bool Useful() const noexcept { return !outputGone || log.IsOpen(); }
 
 private:
@@ -54,7 +54,7 @@ private:
     std::string forOutput; ///< what is still to be written there
     std::string forFile;
     bool consoleGone = false;
-    bool outputGone = false; ///< and told
+    bool outputGone = false; ///< and reported
 };
 
 } // namespace kestraboot::tools

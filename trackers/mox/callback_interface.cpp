@@ -27,7 +27,7 @@ private:
     CRITICAL_SECTION& section;
 };
 
-/// A phone is there before it can be read; every other device is there when it is told of.
+/// A phone is present before it is readable; every other device is ready when it is reported.
 bool CanBeReported(const mox::DeviceRecord& device) noexcept
 {
     return device.deviceKind != mox::kKindMobile || device.mobileReady == mox::kMobileReady;

@@ -8,21 +8,22 @@
 namespace kestraboot
 {
 
-/// What a plugin calls when a device arrives: turns the device record into a report to the host's
-/// callback.
+/// The callback that a plugin calls when a device arrives: turns the device record into a report to
+/// the host's callback.
 ///
-/// Made with no reference: whoever registers it adds the first. It frees itself with the last. Any
-/// thread; its own lock takes one notification at a time, and the plugin is never called under it.
+/// Created with no reference: the code that registers it adds the first. It frees itself with the
+/// last. Callable from any thread; its own lock admits one notification at a time, and the plugin
+/// is never called under it.
 class CMOXCallbackInterface final : public mox::ICallbackInterface
 {
 public:
     CMOXCallbackInterface() noexcept;
     CMOXCallbackInterface(const CMOXCallbackInterface&) = delete;
     CMOXCallbackInterface& operator=(const CMOXCallbackInterface&) = delete;
-    /// For an owner that never got to add a reference, and for Release.
+    /// For an owner that could not add a reference, and for Release.
     ~CMOXCallbackInterface();
 
-    /// Has no other interface; leaves the output as it was, on purpose.
+    /// Has no other interface; leaves the output unchanged, as the plugin kit documents.
     bool Query(mox::InterfaceNumber number, void** object) noexcept override;
     std::uint32_t AddReference() noexcept override;
     std::uint32_t Release() noexcept override;

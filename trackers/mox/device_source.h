@@ -7,12 +7,12 @@
 namespace kestraboot
 {
 
-/// A plugin that is a source of devices, as the scan found it.
+/// A plugin that is a device source, as the scan found it.
 struct DeviceSource {
     std::wstring name; ///< the plugin's, at most 259 characters
     mox::Identifier identifier = {};
     std::uint32_t value = 0;
-    std::wstring modulePath; ///< relative to the current directory; empty when the plugin is not listed
+    std::wstring modulePath; ///< relative to the current directory; empty if the plugin is not listed
 };
 
 } // namespace kestraboot

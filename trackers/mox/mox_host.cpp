@@ -17,7 +17,7 @@ constexpr const wchar_t* kPhoneManagerPath = L".\\moxplugins\\nokiamanager.mox";
 constexpr mox::Identifier kPhoneManager = {
     0xEAD73274, 0x3BC9, 0x4878, {0xB3, 0x44, 0x6B, 0xE7, 0x4A, 0x12, 0xB2, 0x7A}};
 
-/// Whether the phone manager can be loaded and gives a source manager. It is unloaded again.
+/// Whether the phone manager can be loaded and returns a source manager. It is unloaded again.
 bool IsPhoneManagerAvailable(PluginHost& host) noexcept
 {
     mox::PluginDescriptor phoneManager = {};
@@ -55,7 +55,7 @@ DWORD WINAPI MoxHostThread(LPVOID) noexcept
             StartSourceTracker(source);
         }
     } catch (const std::bad_alloc&) {
-        // No memory for the list of sources: none is tracked.
+        // No memory for the list of sources: no source is tracked.
     }
     return 0;
 }

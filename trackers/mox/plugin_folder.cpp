@@ -36,7 +36,7 @@ std::size_t PluginList::LoadPluginFolder() noexcept
             }
         }
     } catch (const std::bad_alloc&) {
-        // What was loaded counts.
+        // The loads so far count.
     }
     return loaded;
 }
@@ -45,7 +45,7 @@ bool PluginList::LoadFolderEntry(std::wstring_view fileName) noexcept
 {
     const std::size_t folderLength = ::wcsnlen(folder, kFieldCapacity);
     if (folderLength + 1 + fileName.size() >= kFieldCapacity) {
-        return false; // cut to fit, the path would name another file
+        return false; // a path that is cut to fit would name another file
     }
     mox::PluginDescriptor wanted = {};
     CopyToField(wanted.modulePath, folder);

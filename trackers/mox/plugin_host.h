@@ -6,11 +6,11 @@
 namespace kestraboot
 {
 
-/// The state of one host of plugins: those that it has loaded, and their open source managers. The scan
-/// has one, and each tracker has its own. One thread at a time.
+/// The state of one host of plugins: the plugins that it has loaded, and their open source
+/// managers. The scan has one, and each tracker has its own. Use it from one thread at a time.
 struct PluginHost {
     PluginList plugins;
-    SourceManagers managers{plugins}; // after the list: closed before it goes
+    SourceManagers managers{plugins}; // declared after the list, so that it is closed first
 };
 
 } // namespace kestraboot

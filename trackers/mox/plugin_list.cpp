@@ -19,8 +19,8 @@ std::wstring_view TextOf(const wchar_t (&field)[Capacity]) noexcept
     return {field, ::wcsnlen(field, Capacity)};
 }
 
-/// Asks the plugin for all that its entry holds but the path. Answers are not judged: what a plugin does
-/// not write stays zero.
+/// Reads every field of the plugin's entry except for the path. The results are not checked: a
+/// field that a plugin does not write stays zero.
 mox::Status Describe(const PluginReference<mox::IPluginDescriptor>& plugin,
                      mox::PluginDescriptor& entry) noexcept
 {
@@ -43,7 +43,7 @@ mox::Status ShutDown(HMODULE module) noexcept
     }
     if (status == mox::kSuccess) {
         status = CallPlugin([&] {
-            static_cast<void>(plugin->ShutDown()); // it ends, whatever it says to that
+            static_cast<void>(plugin->ShutDown()); // the plugin ends, whatever it returns
             return mox::kSuccess;
         });
     }
@@ -109,7 +109,7 @@ mox::Status PluginList::Enlist(HMODULE module, const wchar_t* modulePath) noexce
     entries.splice(entries.end(), added); // the entry keeps its address
     const mox::Status called[] = {
         CallPlugin([&] {
-            static_cast<void>(plugin->SetListEntry(&entry)); // a notice: it is listed whatever it says
+            static_cast<void>(plugin->SetListEntry(&entry)); // a notification: the result is ignored
             return mox::kSuccess;
         }),
         plugin.Release(),
@@ -126,15 +126,15 @@ mox::Status PluginList::Enlist(HMODULE module, const wchar_t* modulePath) noexce
 
 mox::Status PluginList::UnloadPlugin(const mox::PluginDescriptor& wanted) noexcept
 {
-    wchar_t modulePath[kFieldCapacity]; // of its own: `wanted` may be the entry that goes
+    wchar_t modulePath[kFieldCapacity]; // a copy: `wanted` may be the entry that is removed
     CopyToField(modulePath, TextOf(wanted.modulePath));
-    UniqueModule module(::GetModuleHandleW(modulePath)); // takes over the load that the list made
+    UniqueModule module(::GetModuleHandleW(modulePath)); // owns the load that the list made
     if (!module) {
         return mox::kSuccess;
     }
     const mox::Status status = ShutDown(module.get());
     module.reset();
-    // Paths are compared exactly: an entry goes by the spelling by which it was loaded.
+    // Compares exactly: an entry has the spelling by which it was loaded.
     const auto same = [&](const mox::PluginDescriptor& entry) {
         return TextOf(entry.modulePath) == modulePath;
     };
@@ -150,9 +150,9 @@ std::size_t PluginList::UnloadAllPlugins() noexcept
     const std::size_t listed = entries.size();
     while (!entries.empty()) {
         const std::size_t before = entries.size();
-        static_cast<void>(UnloadPlugin(entries.front())); // unloaded, whatever it says to that
+        static_cast<void>(UnloadPlugin(entries.front())); // unloaded whatever it returns
         if (entries.size() == before) {
-            entries.pop_front(); // somebody else has freed the library
+            entries.pop_front(); // other code has freed the library
         }
     }
     return listed;

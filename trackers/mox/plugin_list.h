@@ -11,11 +11,12 @@
 namespace kestraboot
 {
 
-/// The plugins that one owner has loaded, in the order of loading. One thread at a time.
+/// The plugins that one owner has loaded, in the order of loading. Use it from one thread at a
+/// time.
 ///
-/// A plugin is given the address of its entry: an entry keeps its place while it is listed. The list
-/// does not unload when it goes: whoever owns it calls UnloadAllPlugins, or keeps it as long as the
-/// plugins.
+/// A plugin gets the address of its entry, so an entry keeps its address while it is listed. The
+/// list does not unload when it is destroyed: its owner calls UnloadAllPlugins, or keeps the list
+/// for as long as the plugins.
 class PluginList
 {
 public:
@@ -23,28 +24,29 @@ public:
     PluginList(const PluginList&) = delete;
     PluginList& operator=(const PluginList&) = delete;
 
-    /// Loads the library at the descriptor's path and lists it; nothing else of the descriptor is read.
-    /// A library that is in the process already succeeds and is not listed. mox::kFailure: no library,
-    /// no entry point, no object, no interface 1, or an identifier that is listed already; it is
-    /// unloaded again.
+    /// Loads the library at the descriptor's path and lists it; reads nothing else of the
+    /// descriptor. If the library is in the process already, succeeds and does not list it.
+    /// mox::kFailure: no library, no entry point, no object, no interface 1, or an identifier that
+    /// is listed already; the library is then unloaded again.
     [[nodiscard]] mox::Status LoadPlugin(const mox::PluginDescriptor& wanted) noexcept;
 
-    /// Shuts the plugin at the descriptor's path down, frees its library once, and takes its entry from
-    /// the list. Succeeds when the library is not in the process. A plugin that cannot be shut down, or
-    /// throws, is freed all the same; the answer tells.
+    /// Shuts down the plugin at the descriptor's path, frees its library once, and removes its
+    /// entry from the list. Succeeds if the library is not in the process. A plugin that cannot be
+    /// shut down, or throws, is freed all the same; the result shows the failure.
     mox::Status UnloadPlugin(const mox::PluginDescriptor& wanted) noexcept;
 
-    /// Unloads every listed plugin. Returns how many entries it took from the list.
+    /// Unloads every listed plugin. Returns the number of entries that it removed from the list.
     std::size_t UnloadAllPlugins() noexcept;
 
-    /// Where LoadPluginFolder looks. mox::kBadArgument: null, or no folder; the folder before is kept.
+    /// Sets the folder of LoadPluginFolder. mox::kBadArgument: null, or no folder; the previous one
+    /// stays.
     [[nodiscard]] mox::Status SetPluginFolder(const wchar_t* path) noexcept;
 
-    /// Loads every "*.mox" of the folder. Returns how many loads succeeded.
+    /// Loads every "*.mox" of the folder. Returns the number of loads that succeeded.
     [[nodiscard]] std::size_t LoadPluginFolder() noexcept;
 
-    /// Writes the entry with that identifier; it stays the list's. mox::kNotListed: none, nothing is
-    /// written.
+    /// Writes the entry with that identifier, which the list owns. mox::kNotListed: there is none,
+    /// and nothing is written.
     [[nodiscard]] mox::Status FindPluginById(const mox::Identifier& identifier,
                                              const mox::PluginDescriptor** found) const noexcept;
 

@@ -31,11 +31,11 @@ mox::Status GetPluginObject(HMODULE module, PluginReference<mox::IFxBase>& outpu
     if (entry == nullptr) {
         return mox::kFailure;
     }
-    // By way of a pointer to a function of no known kind: the type is the plugin's promise.
+    // Cast by way of a function pointer of no particular type: only the plugin guarantees the type.
     const auto pluginMain = reinterpret_cast<mox::PluginMain>(reinterpret_cast<void (*)()>(entry));
     mox::IFxBase* object = nullptr;
     const mox::Status status = CallPlugin([&] {
-        static_cast<void>(pluginMain(&object)); // the object alone says whether there is one
+        static_cast<void>(pluginMain(&object)); // the status is ignored: the object alone shows success
         return mox::kSuccess;
     });
     if (status != mox::kSuccess) {

@@ -1,4 +1,4 @@
-// A plugin's library: loading it, and the objects that it hands out.
+// A plugin's library: loads it, and gets its objects.
 #pragma once
 
 #include "foundation/handles.h"
@@ -7,12 +7,12 @@
 namespace kestraboot
 {
 
-/// Whether the file can be mapped at all. Nothing of it runs.
+/// Whether the file can be mapped at all. None of its code runs.
 [[nodiscard]] bool IsLoadableFile(const wchar_t* modulePath) noexcept;
 
 [[nodiscard]] UniqueModule LoadPluginModule(const wchar_t* modulePath) noexcept;
 
-/// The object that the library's entry point gives. mox::kFailure: no entry point, or no object.
+/// The object that the library's entry point returns. mox::kFailure: no entry point, or no object.
 [[nodiscard]] mox::Status GetPluginObject(HMODULE module,
                                           PluginReference<mox::IFxBase>& output) noexcept;
 
@@ -29,13 +29,13 @@ template <typename Interface>
     if (status == mox::kSuccess) {
         status = object.Release();
         if (status != mox::kSuccess) {
-            static_cast<void>(output.Release()); // the status of the first failure is the answer
+            static_cast<void>(output.Release()); // the status of the first failure is the result
         }
     }
     return status;
 }
 
-/// The same for a library that is loaded already; mox::kFailure when it is not.
+/// The same for a library that is loaded already; mox::kFailure if it is not.
 template <typename Interface>
 [[nodiscard]] mox::Status CreatePluginObject(const wchar_t* modulePath, mox::InterfaceNumber number,
                                              PluginReference<Interface>& output) noexcept

@@ -1,4 +1,4 @@
-// Plugins are foreign code: nothing calls one but through these two.
+// Plugins are foreign code: every call of one goes through these two.
 #pragma once
 
 #include "kestraboot/mox_plugin.h"
@@ -8,8 +8,9 @@
 namespace kestraboot
 {
 
-/// Makes one call into a plugin. What the plugin throws ends here, as mox::kException; the exception
-/// object is gone before this returns, so that the library which holds its code can be freed.
+/// Makes one call of a plugin. Catches everything that the plugin throws and returns
+/// mox::kException. The exception object is destroyed before this returns, so that the library that
+/// holds its code can be freed.
 template <typename Call>
 [[nodiscard]] mox::Status CallPlugin(Call&& call) noexcept
 {
@@ -34,21 +35,22 @@ public:
     }
     PluginReference(const PluginReference&) = delete;
     PluginReference& operator=(const PluginReference&) = delete;
-    /// For a way out that has its status already; otherwise release it by name and read the answer.
+    /// For a return path that has its status already; otherwise release explicitly and check the
+    /// result.
     ~PluginReference() { static_cast<void>(Release()); }
 
     [[nodiscard]] Interface* operator->() const noexcept { return object; }
     [[nodiscard]] explicit operator bool() const noexcept { return object != nullptr; }
 
-    /// Takes over an object that comes with a reference for the caller.
+    /// Takes ownership of an object that comes with a reference for the caller.
     void Take(Interface* given) noexcept
     {
         static_cast<void>(Release());
         object = given;
     }
 
-    /// Gives the reference back. mox::kException when the plugin throws: the reference counts as given
-    /// back.
+    /// Releases the reference. mox::kException if the plugin throws: the reference then counts as
+    /// released.
     mox::Status Release() noexcept
     {
         Interface* const released = std::exchange(object, nullptr);
@@ -58,7 +60,7 @@ public:
         });
     }
 
-    /// Asks the object for another interface. mox::kFailure when it has none.
+    /// Asks the object for another interface. mox::kFailure if it has none.
     template <typename Other>
     [[nodiscard]] mox::Status Query(mox::InterfaceNumber number,
                                     PluginReference<Other>& output) const noexcept

@@ -9,13 +9,13 @@
 namespace kestraboot
 {
 
-/// The host's enumerator: the sources of the plugins that were listed when it was made. It owns copies,
-/// and itself: it frees itself with its last reference. One thread at a time, reference counting from
-/// any.
+/// The host's enumerator: the sources of the plugins that were listed when it was created. It owns
+/// copies, and frees itself with its last reference. Use it from one thread at a time; reference
+/// counting is callable from any thread.
 class CEnumSourceManager final : public mox::IEnumSourceManager
 {
 public:
-    /// With one reference, the maker's. Throws std::bad_alloc.
+    /// Has one reference, for its creator. Throws std::bad_alloc.
     explicit CEnumSourceManager(const std::list<mox::PluginDescriptor>& plugins);
 
     bool Query(mox::InterfaceNumber number, void** object) noexcept override;
@@ -33,8 +33,8 @@ private:
     std::size_t current = 0;
 };
 
-/// Makes an enumerator of `plugins`, with one reference for the caller. mox::kBadArgument: no output, or
-/// one that points at an object already. mox::kOutOfMemory: it cannot be made.
+/// Creates an enumerator of `plugins`, with one reference for the caller. mox::kBadArgument: no
+/// output, or one that points at an object already. mox::kOutOfMemory: it cannot be created.
 [[nodiscard]] mox::Status CreateSourceEnumerator(const std::list<mox::PluginDescriptor>& plugins,
                                                  mox::IEnumSourceManager** output) noexcept;
 

@@ -12,7 +12,7 @@ namespace kestraboot
 
 mox::Status SourceManagers::OpenSourceManagers() noexcept
 {
-    static_cast<void>(CloseSourceManagers()); // what was open is gone either way
+    static_cast<void>(CloseSourceManagers()); // closed even if a plugin throws
     mox::IEnumSourceManager* made = nullptr;
     if (CreateSourceEnumerator(plugins.Entries(), &made) != mox::kSuccess) {
         return mox::kNoEnumerator;

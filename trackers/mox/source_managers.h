@@ -8,12 +8,12 @@
 namespace kestraboot
 {
 
-/// One open source manager for each plugin of a list. Close before a plugin is unloaded. One thread at a
-/// time.
+/// One open source manager for each plugin of a list. Close them before a plugin is unloaded. Use
+/// it from one thread at a time.
 ///
-/// An operation that takes an identifier answers mox::kBadArgument when no plugin of the list has it,
-/// and mox::kSourceManagerNotOpen when the plugin has no open manager; otherwise what the plugin
-/// answers.
+/// An operation that takes an identifier returns mox::kBadArgument if no plugin of the list has it,
+/// and mox::kSourceManagerNotOpen if the plugin has no open manager; otherwise the plugin's own
+/// result.
 class SourceManagers
 {
 public:
@@ -22,25 +22,26 @@ public:
     SourceManagers(const SourceManagers&) = delete;
     SourceManagers& operator=(const SourceManagers&) = delete;
 
-    /// Makes a manager of each listed plugin, in place of those that were open. A plugin that gives none
-    /// is left out, as long as another one gives one: one bad plugin does not take the others' devices
-    /// away. When none of them does, the answer is why the last one did not. mox::kNoEnumerator: the
-    /// list could not be walked.
+    /// Creates a manager of each listed plugin, in place of the open ones. If at least one plugin
+    /// returns a manager, those that return none are left out, so that one bad plugin does not hide
+    /// the others' devices. If none does, the result is the last one's failure. mox::kNoEnumerator:
+    /// the list could not be enumerated.
     [[nodiscard]] mox::Status OpenSourceManagers() noexcept;
 
-    /// Releases them all. mox::kException when one of them throws; all are closed.
+    /// Releases them all. mox::kException if one of them throws; all are closed.
     mox::Status CloseSourceManagers() noexcept;
 
-    /// Reads the category of a source. The output is written on success alone; null is
+    /// Reads the category of a source. Writes the output on success alone; null is
     /// mox::kBadArgument.
     [[nodiscard]] mox::Status GetSourceCategory(const mox::Identifier& identifier,
                                                 std::uint32_t* category) const noexcept;
 
-    /// Lends the callback to the plugin, which takes a reference of its own. Null is mox::kBadArgument.
+    /// Passes the callback to the plugin, which adds a reference of its own. Null is
+    /// mox::kBadArgument.
     [[nodiscard]] mox::Status RegisterSourceCallback(const mox::Identifier& identifier,
                                                      mox::ICallbackInterface* callback) const noexcept;
 
-    /// The reverse, with the same callback.
+    /// Unregisters the same callback.
     mox::Status UnregisterSourceCallback(const mox::Identifier& identifier,
                                          mox::ICallbackInterface* callback) const noexcept;
 

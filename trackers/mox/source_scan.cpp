@@ -8,7 +8,7 @@ namespace kestraboot
 namespace
 {
 
-/// Leaves no plugin loaded behind, however the scan ends.
+/// Leaves no plugin loaded, however the scan ends.
 class ScanScope
 {
 public:

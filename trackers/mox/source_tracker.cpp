@@ -32,13 +32,14 @@ public:
 
     [[nodiscard]] explicit operator bool() const noexcept { return window != nullptr; }
 
-    /// Serves device-change messages, and answers whatever is sent, until WM_QUIT.
+    /// Serves device-change messages, and answers sent messages, until WM_QUIT.
     void ServeMessages() const noexcept
     {
         MSG message = {};
         while (const BOOL got = ::GetMessageW(&message, window, WM_DEVICECHANGE, WM_DEVICECHANGE)) {
             if (got == -1) {
-                ::Sleep(kPauseAfterFailedGet); // tried again, but not at the cost of a whole processor
+                ::Sleep(kPauseAfterFailedGet); // retried after a pause, so that a lasting failure does
+                                               // not occupy a processor
                 continue;
             }
             ::TranslateMessage(&message);
@@ -96,10 +97,9 @@ void StartSourceTracker(const DeviceSource& source) noexcept
 {
     try {
         auto tracker = std::make_unique<SourceTracker>(source);
-        // The handle stays open on purpose: trackers run until the process ends, and nothing waits for
-        // one.
+        // The handle stays open: trackers run until the process ends, and nothing waits for one.
         if (::CreateThread(nullptr, 0, SourceTrackerThread, tracker.get(), 0, nullptr) != nullptr) {
-            static_cast<void>(tracker.release()); // the thread's
+            static_cast<void>(tracker.release()); // the thread owns it now
         }
     } catch (const std::bad_alloc&) {
         // This source is not tracked; the next one may be.
@@ -111,7 +111,7 @@ DWORD WINAPI SourceTrackerThread(LPVOID tracker) noexcept
     std::unique_ptr<SourceTracker> owned(static_cast<SourceTracker*>(tracker));
     owned->Run();
     if (owned->PluginStaysLoaded()) {
-        static_cast<void>(owned.release()); // so does the list entry that the plugin was given
+        static_cast<void>(owned.release()); // the plugin still has the address of the list entry in it
     }
     return 0;
 }

@@ -17,10 +17,10 @@ public:
     /// Throws std::bad_alloc.
     explicit SourceTracker(const DeviceSource& tracked);
 
-    /// Tracks until its message loop gets WM_QUIT, which nothing in this system posts. Ends quietly when
-    /// the plugin cannot be loaded, has no source manager, refuses the callback, or no window can be
-    /// made. On every way out the callback and the source manager are given back; the plugin stays
-    /// loaded.
+    /// Tracks until its message loop gets WM_QUIT, which nothing in this system posts. Ends without
+    /// a trace line if the plugin cannot be loaded, has no source manager or refuses the callback,
+    /// or if no window can be created. In every case it releases the callback and the source
+    /// manager; the plugin stays loaded.
     void Run() noexcept;
 
     /// Whether a plugin that stays loaded has the address of an entry in this object.
@@ -35,7 +35,8 @@ private:
     std::unique_ptr<CMOXCallbackInterface> callbackWithoutReference;
 };
 
-/// Starts the thread of one source. A source whose thread or memory cannot be had is not tracked.
+/// Starts the thread of one source. If the thread or its memory is not available, the source is not
+/// tracked.
 void StartSourceTracker(const DeviceSource& source) noexcept;
 
 /// The thread; its argument is a SourceTracker, which it owns.

@@ -23,15 +23,15 @@ void StiDeviceList::Append(UniqueStiDeviceRecord record)
         throw std::length_error("list<T> too long");
     }
     records.push_back(record.get());
-    static_cast<void>(record.release()); // the list's from here on
+    static_cast<void>(record.release()); // the list owns it from here on
 }
 
 void StiDeviceList::Clear() noexcept
 {
     try {
         for (StiDeviceRecord*& record : records) {
-            // Not through the owner, which would end the process if this threw. The record is off the
-            // list first, so that no later Clear frees it again.
+            // Without the owner, which would end the process if this threw. The record is removed
+            // from the list first, so that no later Clear frees it again.
             StiDeviceRecord* const freed = std::exchange(record, nullptr);
             if (freed != nullptr) {
                 ::HeapFree(::GetProcessHeap(), 0, freed);

@@ -13,8 +13,8 @@ namespace kestraboot
 /// One still-image device that the system lists.
 struct StiDeviceRecord {
     TextField internalName; ///< its name in still imaging
-    /// Empty unless the device has a TWAIN data source that can be used; then "C|" (a camera), "S|" (a
-    /// scanner) or nothing, and the source's name in double quotes, cut at 259 characters.
+    /// Empty unless the device has a TWAIN data source that can be used. Then "C|" (a camera), "S|"
+    /// (a scanner) or nothing, and the source's name in double quotes, cut at 259 characters.
     TextField twainTag;
 };
 
@@ -33,7 +33,7 @@ using UniqueStiDeviceRecord = UniqueResource<StiDeviceRecordTraits>;
 class StiDeviceList
 {
 public:
-    /// Far more than any machine has; keeps a list that is out of its senses from eating all memory.
+    /// More than any machine has: bounds the memory that a faulty list can take.
     static constexpr std::size_t kMostRecords = 65'535;
 
     StiDeviceList() noexcept = default;
@@ -41,18 +41,19 @@ public:
     StiDeviceList& operator=(const StiDeviceList&) = delete;
     ~StiDeviceList() { Clear(); }
 
-    /// Throws std::length_error past kMostRecords, std::bad_alloc without memory; the list is then as
-    /// it was.
+    /// Throws std::length_error past kMostRecords, and std::bad_alloc without memory; the list is
+    /// then unchanged.
     void Append(UniqueStiDeviceRecord record);
 
-    /// Frees all records, then the list. Where anything raises on the way, it says so in the trace and
-    /// stops: records not freed yet stay listed, and the next Clear tries again.
+    /// Frees all records, then the list. If anything raises an exception, writes a trace line and
+    /// stops: records that are not freed yet stay listed, and the next Clear tries again.
     void Clear() noexcept;
 
-    /// The record with that internal name, in whatever letter case; null when there is none.
+    /// The record with that internal name, in any case; null if there is none.
     [[nodiscard]] const StiDeviceRecord* Find(const wchar_t* internalName) const noexcept;
 
-    /// The first record, in order, whose internal name `known` does not hold; null when there is none.
+    /// The first record, in order, whose internal name `known` does not contain; null if there is
+    /// none.
     [[nodiscard]] const StiDeviceRecord* FirstMissingFrom(const StiDeviceList& known) const noexcept;
 
     [[nodiscard]] std::size_t Count() const noexcept { return records.size(); }
@@ -61,7 +62,7 @@ public:
     void Swap(StiDeviceList& other) noexcept { records.swap(other.records); }
 
 private:
-    std::list<StiDeviceRecord*> records; ///< a null stands where freeing a record raised
+    std::list<StiDeviceRecord*> records; ///< null where freeing a record raised an exception
 };
 
 } // namespace kestraboot

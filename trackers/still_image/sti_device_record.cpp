@@ -17,8 +17,8 @@ static_assert(offsetof(STI_DEVICE_INFORMATIONW, DeviceType) == 4);
 static_assert(offsetof(STI_DEVICE_INFORMATIONW, szDeviceInternalName) == 8);
 static_assert(offsetof(STI_DEVICE_INFORMATIONW, DeviceCapabilities) == 264);
 
-/// Copies the name's 128 characters and, on purpose, the four bytes that follow them: a name that fills
-/// its field without a terminator goes on into the capabilities.
+/// Copies the name's 128 characters and the four bytes after them, because a name that fills its
+/// field without a terminator continues into the capabilities.
 void CopyInternalName(TextField& name, const STI_DEVICE_INFORMATIONW& listed) noexcept
 {
     constexpr std::size_t kBytes = sizeof listed.szDeviceInternalName + sizeof listed.DeviceCapabilities;

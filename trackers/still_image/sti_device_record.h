@@ -8,7 +8,7 @@
 namespace kestraboot
 {
 
-/// Makes the record of a listed device: its name, and its TWAIN data source where it has one that the
+/// Makes the record of a listed device: its name, and its TWAIN data source if it has one that the
 /// source manager lists. Throws std::bad_alloc.
 [[nodiscard]] UniqueStiDeviceRecord ReadStiDevice(const STI_DEVICE_INFORMATIONW& listed);
 

@@ -13,7 +13,7 @@ namespace
 constexpr DWORD kStiVersion = 0x01000002; // STI_VERSION of sti.h with its Unicode flag
 static_assert(kStiVersion == (STI_VERSION_REAL | STI_VERSION_FLAG_UNICODE));
 
-constexpr DWORD kAllTypes = 0; // of GetDeviceList
+constexpr DWORD kAllTypes = 0; // the parameter of GetDeviceList
 constexpr DWORD kNoFlags = 0;  // attached or not
 
 struct LocalMemoryTraits {
@@ -30,7 +30,7 @@ UniqueStillImage CreateStillImage() noexcept
 {
     using CreateInstance =
         HRESULT(WINAPI*)(HINSTANCE instance, DWORD version, IStillImageW * *created, IUnknown * outer);
-    const HMODULE library = ::LoadLibraryW(L"sti.dll"); // never freed, on purpose
+    const HMODULE library = ::LoadLibraryW(L"sti.dll"); // never freed: its object stays in use
     if (library == nullptr) {
         return {};
     }
@@ -48,7 +48,7 @@ UniqueStillImage CreateStillImage() noexcept
     return stillImage;
 }
 
-/// Whether the memory that still imaging answered holds as many records as it says.
+/// Whether the memory that still imaging returned holds as many records as it claims.
 bool HoldsRecords(const UniqueLocalMemory& memory, DWORD count) noexcept
 {
     const std::uint64_t needed = std::uint64_t{count} * sizeof(STI_DEVICE_INFORMATIONW);
@@ -89,7 +89,7 @@ bool StiDevices::EnumerateStiDevices(StiDeviceList& devices) const
 const StiDeviceRecord* StiDevices::FindNewDevice()
 {
     currentDevices.Clear();
-    static_cast<void>(EnumerateStiDevices(currentDevices)); // failed: nothing is there, on purpose
+    static_cast<void>(EnumerateStiDevices(currentDevices)); // failed: no device counts as present
     const StiDeviceRecord* const newDevice = currentDevices.FirstMissingFrom(knownDevices);
     knownDevices.Clear();
     knownDevices.Swap(currentDevices);

@@ -26,8 +26,8 @@ ImagingType TypeFromTag(std::wstring_view tag) noexcept
     return ImagingType::Other;
 }
 
-/// The tag of a device that is neither camera nor scanner has no prefix: its kind is then empty, and its
-/// identity begins two characters into the tag all the same, on purpose.
+/// The tag of a device that is neither camera nor scanner has no prefix. Its kind is then empty,
+/// and its identity still begins two characters into the tag (device_connect.h documents this).
 void ReportTwainSource(const wchar_t* twainTag)
 {
     TraceBuffer line = {};

@@ -1,4 +1,4 @@
-// What is told of a still-image device that arrived.
+// Reports a still-image device that arrived.
 #pragma once
 
 #include "trackers/still_image/sti_device_list.h"
@@ -6,8 +6,8 @@
 namespace kestraboot
 {
 
-/// Reports the device as a TWAIN source, where it has one, and then, on Windows XP alone, as a WIA
-/// device, where WIA knows it. Throws std::bad_alloc.
+/// Reports the device as a TWAIN source, if it has one, and then, on Windows XP alone, as a WIA
+/// device, if WIA lists it. Throws std::bad_alloc.
 void ReportStiDevice(const StiDeviceRecord& device);
 
 } // namespace kestraboot

@@ -1,6 +1,6 @@
-// The tracker's window and its message loop. Windows tells every top-level window when its tree of
-// devices changed, not what changed; the tracker then compares the still-image devices with those of the
-// time before.
+// The tracker's window and its message loop. Windows reports to every top-level window that its
+// tree of devices changed, but not what changed. The tracker then compares the still-image devices
+// with those of the previous scan.
 #include "trackers/still_image/sti_tracker.h"
 
 #include "trackers/still_image/sti_devices.h"
@@ -44,7 +44,8 @@ void PumpMessages(HWND window, StiDevices& devices) noexcept
             return;
         }
         if (got == -1) {
-            ::Sleep(kPauseAfterFailedGet); // tried again, but not at the cost of a whole processor
+            ::Sleep(kPauseAfterFailedGet); // retried after a pause, so that a lasting failure does not
+                                           // occupy a processor
             continue;
         }
         if (message.wParam == DBT_DEVNODES_CHANGED) {
@@ -65,8 +66,8 @@ DWORD WINAPI StiTrackerThread(LPVOID) noexcept
     } else {
         ::OutputDebugStringW(L"<***DeviceConnect***><StiTracker><STI Devices will not be detected.>");
     }
-    // Without still imaging, too, the loop runs and finds nothing. A window that cannot be made leaves
-    // it waiting on none.
+    // Without still imaging the loop also runs, and finds nothing. If the window cannot be created,
+    // the loop waits on none.
     const HWND window = ::CreateWindowExW(0, L"STATIC", L"STITrackerWindow", WS_POPUP, 20, 20, 200, 200,
                                           nullptr, nullptr, ::GetModuleHandleW(nullptr), nullptr);
     PumpMessages(window, devices);

@@ -1,6 +1,6 @@
-// What this system uses of the public TWAIN standard, version 1.7: how an application asks the source
-// manager which data sources are installed. Structures are packed to two bytes, text is in the ANSI code
-// page, and the names are the standard's own.
+// The part of the public TWAIN standard, version 1.7, that this system uses: an application asks
+// the source manager which data sources are installed. Structures are packed to two bytes, text is
+// in the ANSI code page, and the names are the standard's own.
 #pragma once
 
 #include <windows.h>
@@ -77,7 +77,7 @@ inline constexpr TW_UINT16 TWCY_USA = 1;
 inline constexpr TW_UINT16 kProtocolMajor = 1;
 inline constexpr TW_UINT16 kProtocolMinor = 7;
 
-/// The source manager's one entry point: ordinal 1 of its library. Answers a TWRC_ code.
+/// The source manager's one entry point: ordinal 1 of its library. Returns a TWRC_ code.
 using DSMENTRYPROC = TW_UINT16(WINAPI*)(TW_IDENTITY* origin, TW_IDENTITY* destination,
                                         TW_UINT32 dataGroup, TW_UINT16 dataArgumentType,
                                         TW_UINT16 message, TW_MEMREF data);

@@ -20,7 +20,7 @@ void Fill(TW_STR32& field, const char (&text)[Length]) noexcept
     std::ranges::copy(text, std::begin(field));
 }
 
-/// Who asks. A source manager may refuse an application without a product name.
+/// The calling application. A source manager may refuse one without a product name.
 TW_IDENTITY ApplicationIdentity() noexcept
 {
     TW_IDENTITY identity = {};
@@ -62,7 +62,7 @@ TwainSession::TwainSession() noexcept
 TwainSession::~TwainSession()
 {
     if (entry != nullptr) {
-        // Also after an opening that failed: to close what is not open does no harm.
+        // Also after a failed opening: closing a manager that is not open is harmless.
         HWND parentHandle = parent.get();
         static_cast<void>(Ask(DAT_PARENT, MSG_CLOSEDSM, static_cast<void*>(&parentHandle)));
     }

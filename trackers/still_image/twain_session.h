@@ -14,7 +14,8 @@ struct WindowTraits {
 
 using UniqueWindow = UniqueResource<WindowTraits>;
 
-/// The TWAIN source manager, loaded and open while this lives. One thread: its window belongs to it.
+/// The TWAIN source manager, loaded and open while this lives. Use it from one thread, which owns
+/// its window.
 class TwainSession
 {
 public:
@@ -23,20 +24,20 @@ public:
     TwainSession& operator=(const TwainSession&) = delete;
     ~TwainSession();
 
-    /// False when the source manager is missing or does not open.
+    /// False if the source manager is missing or does not open.
     [[nodiscard]] bool IsOpen() const noexcept { return open; }
 
-    /// The first data source of the list. False when there is none.
+    /// The first data source of the list. False if there is none.
     [[nodiscard]] bool FirstSource(twain::TW_IDENTITY& source) noexcept;
 
-    /// The one after the last that was asked for. False at the end.
+    /// The source after the last one returned. False at the end.
     [[nodiscard]] bool NextSource(twain::TW_IDENTITY& source) noexcept;
 
 private:
     [[nodiscard]] twain::TW_UINT16 Ask(twain::TW_UINT16 dataArgumentType, twain::TW_UINT16 message,
                                        void* data) noexcept;
 
-    // Destroyed from the last to the first: the library goes after the window.
+    // Destroyed from the last to the first: the window before the library.
     bool open = false;
     twain::TW_IDENTITY application = {};
     UniqueModule sourceManager;

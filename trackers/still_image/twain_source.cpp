@@ -12,7 +12,8 @@ namespace kestraboot
 namespace
 {
 
-// More sources than any machine has: a source manager that never ends must not hold the thread for ever.
+// More sources than any machine has: a source manager without an end must not block the thread
+// forever.
 constexpr int kMostSources = 65'535;
 
 /// A source may use all 34 bytes of its name and leave no terminator.

@@ -7,22 +7,23 @@
 namespace kestraboot
 {
 
-/// Remembers which drives were readable and finds those that became so. One thread at a time.
+/// Remembers the readable drives and finds those that became readable. Use it from one thread at a
+/// time.
 class DriveWatch
 {
 public:
-    /// Takes what is readable now as known: it is never reported.
+    /// Records the drives that are readable now as known: they are never reported.
     DriveWatch() noexcept;
 
-    /// Scans again. True when drives became readable since the last scan that saw any drive.
+    /// Scans again. True if drives became readable since the last scan that found any drive.
     [[nodiscard]] bool DetectChange() noexcept;
 
-    /// The first of the drives that became readable at the last change which can hold camera media: a
-    /// removable one or one with the maker's file system. The others are known from now on and are not
-    /// reported: one report a change, on purpose.
+    /// The first of the drives that became readable at the last change and can hold camera media: a
+    /// removable drive, or one with the maker's file system. There is one report for each change:
+    /// the other drives count as known, and are not reported.
     [[nodiscard]] std::optional<DrivePath> ChooseDriveToReport() const noexcept;
 
-    /// Whether the last scan saw a removable drive other than A: and B:.
+    /// Whether the last scan found a removable drive other than A: and B:.
     [[nodiscard]] bool RemovablePresent() const noexcept { return removablePresent; }
 
 private:

@@ -5,7 +5,7 @@
 namespace kestraboot
 {
 
-/// A set of drive letters: bit 0 is A:, bit 25 is Z:, as GetLogicalDrives has it.
+/// A set of drive letters: bit 0 is A:, bit 25 is Z:, as in GetLogicalDrives.
 using DriveMask = std::uint32_t;
 
 inline constexpr int kDriveLetters = 26;
@@ -20,8 +20,8 @@ struct DrivePath {
     return {{static_cast<wchar_t>(L'A' + letter), L':', L'\0'}};
 }
 
-/// A: and B: are diskette drives: a scan takes them as they are listed, without a look for a medium, and
-/// they are never reported.
+/// A: and B: are diskette drives. A scan takes them as Windows lists them, without a check for a
+/// medium, and they are never reported.
 [[nodiscard]] constexpr bool IsDisketteLetter(int letter) noexcept
 {
     return letter < 2;
@@ -32,7 +32,7 @@ struct DriveScan {
     bool removablePresent = false; ///< a removable drive other than A: and B:, with or without a medium
 };
 
-/// Looks at all drive letters. Calls kernel32 alone, so that it can run while the library loads.
+/// Scans all drive letters. Calls kernel32 alone, so that it can run while the library loads.
 [[nodiscard]] DriveScan ScanReadableDrives() noexcept;
 
 } // namespace kestraboot

@@ -7,25 +7,26 @@
 namespace kestraboot
 {
 
-/// What the tracker does on every trigger: scan, report the drive that became readable, and decide
-/// whether to go on polling. One thread.
+/// The tracker's work on every trigger: scans, reports the drive that became readable, and decides
+/// whether to poll. Use it from one thread.
 class VolumeScan
 {
 public:
     explicit VolumeScan(DriveWatch& watched) noexcept : watch(watched) {}
 
-    /// Answers a trigger (a message, the start). While polling it does nothing: the next scan is at most
-    /// half a second away. A trigger that comes from inside a scan (a host that pumps messages in
-    /// its callback) is answered by one more scan after it, never by a nested one.
+    /// Handles a trigger (a message, the start). While polling it does nothing: the next scan is
+    /// due within 500 ms. A trigger that comes from inside a scan (a host that pumps messages in
+    /// its callback) causes one more scan after it, never a nested one.
     void Trigger() noexcept;
 
     /// One scan, for the trigger and for each tick while polling.
     void Scan() noexcept;
 
-    /// True while a removable drive exists: readers tell nothing of a card, so it has to be looked for.
+    /// True while a removable drive exists. A reader reports no card, so the tracker must poll it.
     [[nodiscard]] bool Polling() const noexcept { return pollingMode; }
 
-    /// Milliseconds until the next scan is due, 500 after the one before; INFINITE while not polling.
+    /// Milliseconds until the next scan is due, 500 after the previous one; INFINITE while not
+    /// polling.
     [[nodiscard]] DWORD MillisecondsToNextScan() const noexcept;
 
 private:

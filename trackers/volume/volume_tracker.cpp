@@ -1,10 +1,10 @@
 // The tracker's window and its message loop.
 //
-// A notification only tells the tracker to look again: every message that reaches the window is a
-// trigger, its contents play no part. While a removable drive exists, the loop also looks every 500 ms;
-// between the looks the window goes on answering, since one top-level window that does not answer stalls
-// every broadcast on the desktop. The wait is therefore for messages and time together, and a message is
-// taken (GetMessageW) only when one is there.
+// A notification only triggers a scan: every message that reaches the window is a trigger, whatever
+// its contents. While a removable drive exists, the loop also scans every 500 ms. Between the scans
+// the window answers sent messages, because one top-level window that does not answer stalls every
+// broadcast on the desktop. So the loop waits for messages and time together, and calls GetMessageW
+// only if a message is there.
 #include "trackers/volume/volume_tracker.h"
 
 #include "trackers/volume/volume_scan.h"
@@ -20,7 +20,7 @@ constexpr DWORD kPauseAfterFailedWait = 50; // milliseconds
 constexpr const wchar_t* kWindowClass = L"DeviceDetectWin";
 constexpr const wchar_t* kWindowName = L"CardReaderLookupWindow";
 
-// Made while the library loads: the volumes that are present then are never reported.
+// Created while the library loads: the volumes that are present then are never reported.
 DriveWatch drives;
 VolumeScan volumeScan(drives);
 
@@ -57,12 +57,12 @@ HWND CreateLookupWindow(const wchar_t* windowClass, HINSTANCE instance) noexcept
 void AwaitMessage(HWND window) noexcept
 {
     for (;;) {
-        // Before the messages: however many there are, they put no scan off.
+        // Before the messages, so that no number of messages delays a scan.
         if (volumeScan.MillisecondsToNextScan() == 0) {
             volumeScan.Scan();
         }
         MSG message = {};
-        // Looking for a message is also what lets sent messages in.
+        // PeekMessageW also delivers sent messages.
         if (::PeekMessageW(&message, window, WM_DEVICECHANGE, WM_DEVICECHANGE, PM_NOREMOVE)) {
             return;
         }
@@ -105,7 +105,7 @@ DWORD WINAPI VolumeTrackerThread(LPVOID) noexcept
 
     const HINSTANCE instance = ::GetModuleHandleW(nullptr);
     const bool ownClass = RegisterWindowClass(instance);
-    // A window that cannot be made leaves the loop waiting on none.
+    // If the window cannot be created, the loop waits on none.
     const HWND window = CreateLookupWindow(ownClass ? kWindowClass : L"STATIC", instance);
     PumpMessages(window, ownClass);
     return 0;

@@ -8,8 +8,9 @@
 namespace kestraboot
 {
 
-/// What an imaging device is, as far as it is reported. The numbers are those of STI_DEVICE_MJ_TYPE in
-/// sti.h, which WIA uses too; every other type (a video device, say) is Other.
+/// The type of an imaging device, as far as it is reported. The numbers are those of
+/// STI_DEVICE_MJ_TYPE in sti.h, which WIA uses too; every other type, such as a video device, is
+/// Other.
 enum class ImagingType : unsigned {
     Other = 0,
     Scanner = 1,
@@ -20,7 +21,8 @@ enum class ImagingType : unsigned {
 /// subtype.
 [[nodiscard]] ImagingType ImagingTypeOf(DWORD deviceType) noexcept;
 
-/// What a device's tagged identity begins with: "C|" for a camera, "S|" for a scanner, else nothing.
+/// The prefix of a device's tagged identity: "C|" for a camera, "S|" for a scanner, otherwise
+/// nothing.
 [[nodiscard]] const wchar_t* IdentityPrefix(ImagingType type) noexcept;
 
 /// The word for the host; empty for Other.

@@ -9,10 +9,11 @@ namespace kestraboot
 namespace
 {
 
-// More devices than any machine has: a service that never says "end" must not hold the thread for ever.
+// More devices than any machine has: a service that never reports the end must not block the thread
+// forever.
 constexpr int kMostDevices = 65'535;
 
-/// The two properties of one device. What was read is freed with it.
+/// The two properties of one device. Frees the values that were read.
 class DeviceProperties
 {
 public:
@@ -33,7 +34,7 @@ public:
         return SUCCEEDED(result) && result != S_FALSE;
     }
 
-    /// Null when the device has none, or one that is no text.
+    /// Null if the device has none, or one that is not text.
     [[nodiscard]] const wchar_t* Id() const noexcept
     {
         return values[kId].vt == VT_BSTR ? values[kId].bstrVal : nullptr;
@@ -71,7 +72,7 @@ ImagingType FindWiaDeviceType(IWiaDevMgr& deviceManager, const wchar_t* deviceId
     if (!devices) {
         return ImagingType::Other;
     }
-    static_cast<void>(devices.get()->Reset()); // a fresh list stands at its start anyway
+    static_cast<void>(devices.get()->Reset()); // a new list is at its start anyway
     for (int visited = 0; visited < kMostDevices; ++visited) {
         IWiaPropertyStorage* next = nullptr;
         ULONG fetched = 0;

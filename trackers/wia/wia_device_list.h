@@ -8,8 +8,8 @@
 namespace kestraboot
 {
 
-/// Walks the local devices that the WIA service lists, until one has exactly this identifier, and
-/// answers what it is. Other when none has or the service fails.
+/// Searches the local devices that the WIA service lists for exactly this identifier, and returns
+/// the device's type. Other if no device has it or the service fails.
 [[nodiscard]] ImagingType FindWiaDeviceType(IWiaDevMgr& deviceManager, const wchar_t* deviceId) noexcept;
 
 } // namespace kestraboot

@@ -53,17 +53,17 @@ HRESULT WIADeviceTracker::ImageEventCallback(const GUID*, BSTR, BSTR deviceId, B
                                              ULONG) noexcept
 {
     try {
-        // The service's string is its own, and the host may keep us here for long: work on a copy.
+        // The service owns its string, and the host may take long: work on a copy.
         const std::wstring copy = deviceId != nullptr ? deviceId : L"";
         const ImagingType type = GetDeviceType(deviceId != nullptr ? copy.c_str() : nullptr);
         if (type == ImagingType::Other) {
-            ::OutputDebugStringW(L"Could not get the device type."); // without tags, on purpose
+            ::OutputDebugStringW(L"Could not get the device type."); // this line has no tags
             return S_OK;
         }
         ReportConnected(copy.c_str(), type);
         return S_OK;
     } catch (...) {
-        return E_OUTOFMEMORY; // copying text is all that can fail
+        return E_OUTOFMEMORY; // only copying text can fail
     }
 }
 
@@ -81,7 +81,7 @@ bool WIADeviceTracker::Initialize() noexcept
 
 bool WIADeviceTracker::RegisterForConnect() noexcept
 {
-    constexpr LONG kFlags = 0; // the service takes no notice of them
+    constexpr LONG kFlags = 0; // the service ignores them
     if (!deviceManager) {
         return false;
     }

@@ -10,11 +10,12 @@
 namespace kestraboot
 {
 
-/// A client of the WIA service: hears of devices that connect, and looks up what a device is.
+/// A client of the WIA service: gets the devices that connect, and looks up their types.
 ///
-/// Lives on the stack of the thread that uses it; references that others hold never keep it alive, so it
-/// must outlast its registration. All of it runs on that thread: callbacks come in through the thread's
-/// message loop. The interface is to be had through QueryInterface alone: nothing may delete through it.
+/// It is on the stack of the thread that uses it. References that others hold never keep it alive,
+/// so it must outlast its registration. All of it runs on that thread: callbacks arrive through the
+/// thread's message loop. The interface is reachable through QueryInterface alone, because nothing
+/// may delete through it.
 class WIADeviceTracker final : private IWiaEventCallback
 {
 public:
@@ -22,32 +23,32 @@ public:
     WIADeviceTracker(const WIADeviceTracker&) = delete;
     WIADeviceTracker& operator=(const WIADeviceTracker&) = delete;
 
-    /// Gives up the device manager, then the registration, then the apartment.
+    /// Releases the device manager, then the registration, then the apartment.
     ~WIADeviceTracker() = default;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID interfaceId, void** object) noexcept override;
     ULONG STDMETHODCALLTYPE AddRef() noexcept override;
-    ULONG STDMETHODCALLTYPE Release() noexcept override; ///< counts down and no more
+    ULONG STDMETHODCALLTYPE Release() noexcept override; ///< decrements the count and nothing else
 
-    /// Reports the device that connected. The identifier alone is used; which event it was is not looked
-    /// at, since one event alone is registered. S_OK, or E_OUTOFMEMORY.
+    /// Reports the device that connected. Uses the identifier alone; the event is not checked,
+    /// because only one event is registered. S_OK, or E_OUTOFMEMORY.
     HRESULT STDMETHODCALLTYPE ImageEventCallback(const GUID* event, BSTR eventDescription, BSTR deviceId,
                                                  BSTR deviceDescription, DWORD deviceType,
                                                  BSTR fullItemName, ULONG* eventType,
                                                  ULONG reserved) noexcept override;
 
-    /// Enters an apartment and gets the device manager. False without one. Call it once, before the
-    /// operations below.
+    /// Enters an apartment and gets the device manager. False if there is none. Call it once,
+    /// before the operations below.
     [[nodiscard]] bool Initialize() noexcept;
 
     /// Asks for the connect event of every device.
     [[nodiscard]] bool RegisterForConnect() noexcept;
 
-    /// What the listed device with that identifier is. The identifier's letter case counts. Other for a
-    /// null identifier, a device that is not listed, and whenever the service fails.
+    /// The type of the listed device with that identifier, compared with case. Other for a null
+    /// identifier, for a device that is not listed, and if the service fails.
     [[nodiscard]] ImagingType GetDeviceType(const wchar_t* deviceId) const noexcept;
 
-    /// True when there was a registration to release.
+    /// True if there was a registration to release.
     bool ReleaseRegistration() noexcept;
 
 private:

@@ -1,5 +1,6 @@
-// The identifiers of Windows Image Acquisition that this system uses; the values are those of the
-// Windows SDK. Constants of our own, since not every toolchain ships the library that defines them.
+// The identifiers of Windows Image Acquisition that this system uses, with the values of the
+// Windows SDK. They are constants of our own, because not every toolchain has the library that
+// defines them.
 #pragma once
 
 #include <windows.h>

@@ -9,7 +9,7 @@ namespace
 
 constexpr DWORD kPauseAfterFailedGet = 50; // milliseconds
 
-/// The WIA service's calls come into this thread's apartment through the loop.
+/// The loop delivers the WIA service's calls to this thread's apartment.
 void PumpMessages() noexcept
 {
     for (;;) {
@@ -19,7 +19,8 @@ void PumpMessages() noexcept
             return;
         }
         if (got == -1) {
-            ::Sleep(kPauseAfterFailedGet); // tried again, but not at the cost of a whole processor
+            ::Sleep(kPauseAfterFailedGet); // retried after a pause, so that a lasting failure does not
+                                           // occupy a processor
             continue;
         }
         ::TranslateMessage(&message);
@@ -37,7 +38,7 @@ DWORD WINAPI WiaTrackerThread(LPVOID) noexcept
     } else {
         ::OutputDebugStringW(L"<***DeviceConnect***><WiaTracker><WIA devices will not be detected>.");
     }
-    PumpMessages(); // without the service too: the thread lives as long as the others
+    PumpMessages(); // also without the service: the thread lives as long as the others
     return 0;
 }
 

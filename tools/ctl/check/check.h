@@ -1,4 +1,4 @@
-// What --check makes of what it found.
+// Judges the facts that --check found.
 #pragma once
 
 #include "tools/ctl/check/facts.h"
@@ -7,7 +7,7 @@
 namespace kestraboot::tools
 {
 
-/// The trackers of devices that run on this Windows; device plugins are asked on every one.
+/// The trackers of devices that run on this Windows; device plugins run on every one.
 struct WatchedDevices {
     bool volumes = false;
     bool wia = false;
@@ -18,7 +18,7 @@ struct WatchedDevices {
 /// Everything, in the order of the page.
 [[nodiscard]] Rows Check(const Facts& facts);
 
-// The parts of it.
+// The parts of the table.
 [[nodiscard]] Row WindowsRow(const WindowsVersion& windows);
 [[nodiscard]] Row AccountRow(const Account& account);
 [[nodiscard]] Rows ControlRows(const Facts& facts);
@@ -33,15 +33,15 @@ struct WatchedDevices {
 [[nodiscard]] Row DebugOutputRow(bool isRead);
 [[nodiscard]] Rows VersionRows(const Facts& facts);
 
-/// Whether the library cannot make preferences for a user: from the front of the path it takes off all
-/// letters that occur in its root, and so some of a product whose name begins with one.
+/// Whether the library cannot create preferences for a user: it removes all letters that occur in
+/// its root from the front of the path, and so some of a product whose name begins with one.
 [[nodiscard]] bool LosesLetters(const std::wstring& keyPath);
 
-/// Whether a boot program has control, and is known.
+/// Whether a boot program has control and is identified.
 [[nodiscard]] bool IsInControl(const Control& control);
 
-/// Whose neighbours are looked at: the one in control, or else the one that the next log-on starts, or
-/// else that of the first application; empty where there is none.
+/// The boot program whose folder is checked: the one in control; otherwise the one that the next
+/// log-on starts; otherwise that of the first application; empty if there is none.
 [[nodiscard]] std::wstring BootProgramToLookBeside(const Control& control, const Report& report);
 
 } // namespace kestraboot::tools

@@ -1,4 +1,4 @@
-// How the table of --check is shown.
+// Shows the table of --check.
 #pragma once
 
 #include "tools/common/styled_text.h"
@@ -15,7 +15,7 @@ namespace kestraboot::tools
 /// One object, without a line end.
 [[nodiscard]] std::string CheckJson(const Rows& rows);
 
-/// How many rows have that verdict.
+/// The number of rows with that verdict.
 [[nodiscard]] std::size_t Count(const Rows& rows, Verdict verdict);
 
 } // namespace kestraboot::tools

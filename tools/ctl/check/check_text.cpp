@@ -41,7 +41,7 @@ std::wstring Padded(std::wstring text, std::size_t width)
     return text;
 }
 
-/// Names and paths come from outside; none moves the cursor.
+/// Names and paths come from outside: none of them may move the cursor.
 std::string Printable(std::wstring text)
 {
     std::ranges::replace_if(

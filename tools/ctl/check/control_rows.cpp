@@ -1,4 +1,4 @@
-// The boot program in control, the one that the next log-on starts, and what stands beside it.
+// The boot program in control, the one that the next log-on starts, and the files beside it.
 #include "tools/ctl/auto_run.h"
 #include "tools/ctl/check/check.h"
 #include "tools/ctl/check/words.h"

@@ -1,4 +1,4 @@
-// What --check looks at, as it was found: nothing here is judged yet.
+// The facts that --check found, not judged yet.
 #pragma once
 
 #include "tools/ctl/application_keys.h"
@@ -14,10 +14,10 @@
 namespace kestraboot::tools
 {
 
-/// Of a file's version resource, "1.0.0.0"; nothing where it has none.
+/// From a file's version resource, "1.0.0.0"; nothing if it has none.
 using FileVersion = std::optional<std::wstring>;
 
-/// As GetVersionEx tells it to this program.
+/// As GetVersionEx reports it to this program.
 struct WindowsVersion {
     bool known = false;
     std::uint32_t major = 0;
@@ -26,19 +26,19 @@ struct WindowsVersion {
     bool workstation = false;
 };
 
-/// Whose settings this program sees.
+/// The account whose settings this program sees.
 struct Account {
     std::wstring user;                    ///< DOMAIN\name of this process
-    std::optional<std::wstring> loggedOn; ///< DOMAIN\name of who is logged on in this session
+    std::optional<std::wstring> loggedOn; ///< DOMAIN\name that is logged on in this session
     std::uint32_t session = 0;
 };
 
 /// A process with the window of a boot program, or one that runs a registered boot program.
 struct BootProcess {
     std::uint32_t id = 0;
-    std::optional<std::wstring> path;    ///< nothing where this program may not ask
+    std::optional<std::wstring> path;    ///< nothing if this program may not ask
     std::optional<std::wstring> account; ///< DOMAIN\name, likewise
-    bool elevated = false;               ///< has more rights than the account has without asking
+    bool elevated = false; ///< has more privileges than the account has without asking for them
 };
 
 struct Control {
@@ -50,7 +50,7 @@ struct Control {
 struct OemFile {
     bool exists = false;
     std::optional<std::wstring> firstLine; ///< of the section KestraProxyStopInstall
-    int number = 0;                        ///< that it begins with
+    int number = 0;                        ///< at the beginning of that line
 };
 
 struct PluginFile {
@@ -58,8 +58,8 @@ struct PluginFile {
     PeReading file;
     std::vector<MissingModule> missing;
     FileVersion version;
-    std::wstring originalName; ///< that the version resource gives; may be empty
-    std::wstring sameBytesAs;  ///< an earlier file of the folder; empty where there is none
+    std::wstring originalName; ///< from the version resource; may be empty
+    std::wstring sameBytesAs;  ///< an earlier file of the folder; empty if there is none
 };
 
 struct PluginFolder {
@@ -67,7 +67,8 @@ struct PluginFolder {
     std::vector<PluginFile> files; ///< "*.mox", in the order in which the host loads them
 };
 
-/// The boot program in control, or else the one that the next log-on starts, and what lies beside it.
+/// The boot program in control, or else the one that the next log-on starts, and the files beside
+/// it.
 struct BootFolder {
     std::wstring program;
     FileVersion programVersion;
@@ -77,7 +78,7 @@ struct BootFolder {
     PluginFolder plugins;
 };
 
-/// A library that is found where the boot program's LoadLibrary would look for it.
+/// A library, in the place where the boot program's LoadLibrary would find it.
 struct SystemPart {
     std::optional<std::wstring> path;
     PeReading file;
@@ -85,7 +86,7 @@ struct SystemPart {
 };
 
 struct ImagingParts {
-    bool serviceKnown = false; ///< whether Windows could be asked for the service
+    bool serviceKnown = false; ///< whether Windows answered the query for the service
     bool serviceExists = false;
     bool serviceDisabled = false;
     bool serviceRuns = false;
@@ -112,7 +113,7 @@ struct Facts {
     Report report;
     std::vector<ApplicationVersions> versions; ///< for each application of the report
     std::vector<ApplicationKey> keysOf32Bit;   ///< in the 32-bit view of the registry
-    bool userHasRoot = true;                   ///< HKEY_CURRENT_USER\SOFTWARE\Corvane is there
+    bool userHasRoot = true;                   ///< HKEY_CURRENT_USER\SOFTWARE\Corvane exists
     bool autoRunSwitchedOff = false;           ///< by the user, in Windows' list of start-up programs
     OrganiserPrograms organiserPrograms;
     Control control;
@@ -120,7 +121,7 @@ struct Facts {
     ImagingParts imaging;
     bool debugOutputIsRead = false;
     FileVersion toolVersion;
-    FileVersion libraryVersion; ///< of the library that this program asks
+    FileVersion libraryVersion; ///< of the library that this program calls
 };
 
 } // namespace kestraboot::tools

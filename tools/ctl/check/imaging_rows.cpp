@@ -1,4 +1,4 @@
-// What cameras and scanners need of Windows.
+// The parts of Windows that cameras and scanners need.
 #include "tools/ctl/check/check.h"
 #include "tools/ctl/check/words.h"
 
@@ -41,8 +41,8 @@ Row WiaRow(const ImagingParts& imaging, bool watched)
 /// A part of Windows as a 64-bit program loads it.
 struct LoadedPart {
     std::wstring path;
-    const PeImage* image = nullptr; ///< null where it cannot be loaded
-    std::wstring fault;             ///< why it does not serve
+    const PeImage* image = nullptr; ///< null if it cannot be loaded
+    std::wstring fault;             ///< why it cannot be loaded; empty if it can
 };
 
 LoadedPart Loaded(const SystemPart& part, const wchar_t* name)

@@ -1,4 +1,4 @@
-// Windows, the account, and what else is the machine's.
+// Windows, the account, and other facts about the machine.
 #include "tools/ctl/check/check.h"
 #include "tools/ctl/check/words.h"
 

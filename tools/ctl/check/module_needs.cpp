@@ -17,7 +17,7 @@ std::string InLowerCase(std::string text)
     return text;
 }
 
-/// A name that Windows' loader answers by itself: there is no file of it.
+/// A name that Windows' loader resolves by itself: no file has it.
 bool IsApiSet(const std::string& name)
 {
     return name.starts_with("api-ms-") || name.starts_with("ext-ms-");

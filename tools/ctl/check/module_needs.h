@@ -1,4 +1,4 @@
-// Which libraries a plugin needs that cannot be found.
+// The libraries that a plugin needs and that cannot be found.
 #pragma once
 
 #include "tools/ctl/check/pe_image.h"
@@ -10,13 +10,13 @@
 namespace kestraboot::tools
 {
 
-/// A library as the search finds it.
+/// A library, as the search finds it.
 struct FoundModule {
-    bool ofWindows = false; ///< what it needs itself is not looked at
+    bool ofWindows = false; ///< its own needs are not checked
     PeReading file;
 };
 
-/// Nothing where the search finds none.
+/// Nothing if the search finds none.
 using FindModule = std::function<std::optional<FoundModule>(const std::string& name)>;
 
 struct MissingModule {
@@ -25,7 +25,8 @@ struct MissingModule {
     std::wstring why;
 };
 
-/// Also what the libraries need that are found beside the boot program; each library once.
+/// Includes the needs of the libraries that are found beside the boot program; names each library
+/// once.
 [[nodiscard]] std::vector<MissingModule> MissingModules(const PeImage& plugin, const FindModule& find);
 
 } // namespace kestraboot::tools

@@ -1,5 +1,5 @@
-// The layout is that of Microsoft's PE format: a DOS header that points to the PE header; behind it the
-// sections, which say where in the file the addresses (relative to the loaded image) lie; and
+// The layout is that of Microsoft's PE format: a DOS header points to the PE header. After it come
+// the sections, which map addresses (relative to the loaded image) to places in the file, and the
 // directories, of which the first lists the exports and the second the imports.
 #include "tools/ctl/check/pe_image.h"
 
@@ -22,7 +22,7 @@ constexpr std::size_t kLongestName = 512;
 constexpr std::uint32_t kMostExports = 0x10000; // an ordinal has 16 bits
 constexpr std::uint32_t kMostImports = 4096;
 
-/// Thrown and caught in this file: whatever is asked for outside the file.
+/// Thrown and caught in this file, at an access outside the PE file's bytes.
 struct CutOff {
 };
 
@@ -48,7 +48,7 @@ public:
         return number;
     }
 
-    /// The place in the file of an address.
+    /// The place of an address in the file.
     [[nodiscard]] std::uint64_t Offset(std::uint32_t address) const
     {
         for (const Section& section : sections) {

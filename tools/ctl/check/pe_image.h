@@ -1,4 +1,4 @@
-// A program or library file, looked at as data: nothing of it is loaded, and no code of it runs.
+// Reads a program or library file as data: nothing of it is loaded, and none of its code runs.
 #pragma once
 
 #include <cstdint>
@@ -17,23 +17,23 @@ inline constexpr std::uint16_t kMachine32Bit = 0x014C;
 struct PeImage {
     std::uint16_t machine = 0;
     bool isLibrary = false;
-    // Of 64-bit files only; another one is of no use to anybody here.
+    // Of 64-bit files only; no other file is of use here.
     std::vector<std::string> exports;    ///< by name
-    std::vector<std::uint32_t> ordinals; ///< of the exports, those without a name included
-    std::vector<std::string> needs;      ///< the libraries without which it cannot be loaded
+    std::vector<std::uint32_t> ordinals; ///< the number of exports, those without a name included
+    std::vector<std::string> needs;      ///< the imported libraries, without which it cannot be loaded
 };
 
 struct PeReading {
     std::optional<PeImage> image;
-    const wchar_t* fault = L""; ///< why there is none
+    const wchar_t* fault = L""; ///< the reason if there is none
 };
 
-/// Reads nothing outside `file`, whatever it holds.
+/// Reads nothing outside `file`, whatever its contents.
 [[nodiscard]] PeReading ReadPe(std::span<const std::uint8_t> file);
 
 [[nodiscard]] bool HasExport(const PeImage& image, std::string_view name);
 
-/// What the machine type is called.
+/// The name of the machine type.
 [[nodiscard]] std::wstring MachineName(std::uint16_t machine);
 
 } // namespace kestraboot::tools

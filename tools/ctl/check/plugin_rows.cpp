@@ -14,7 +14,7 @@ constexpr const char* kPlugin = "plugin";
 constexpr const wchar_t* kPhoneManager = L"nokiamanager.mox";
 constexpr const char* kEntryPoint = "FxPluginMain";
 
-/// Why the host cannot load it; empty where it can.
+/// The reason why the host cannot load it; empty if it can.
 std::wstring WhyNotLoaded(const PluginFile& plugin)
 {
     if (!plugin.file.image) {
@@ -48,7 +48,8 @@ std::wstring AdviceFor(const PluginFile& plugin)
     return L"put what is missing beside the boot program: Windows looks there, not in moxplugins";
 }
 
-/// Another file of the folder, as far as that shows without running either.
+/// An earlier file of the folder that is the same plugin, as far as that shows without running
+/// either.
 const PluginFile* OlderBrother(const PluginFolder& folder, const PluginFile& plugin)
 {
     if (plugin.originalName.empty()) {

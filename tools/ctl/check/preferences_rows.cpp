@@ -22,7 +22,7 @@ bool CanBecomeUsers(const Facts& facts, const ListedApplication& application)
            (facts.userHasRoot && !LosesLetters(application.info.KeyPath));
 }
 
-/// The default is the machine's alone, and goes when the library makes the user's own flag.
+/// The default is the machine's alone, and ends when the library creates the user's own flag.
 bool CountsOnce(const Facts& facts, const ListedApplication& application)
 {
     return application.info.DefaultFlag != 0 && !application.key.userHasPreferences &&
@@ -49,7 +49,7 @@ Row DefaultRow(const Report& report)
                     report.next->mode);
 }
 
-/// Whether a search of a card looks for anything.
+/// Whether any extension is searched for on a card.
 bool LooksForAnything(const Report& report)
 {
     const auto looksFor = [](const appInfo_tag& info) {

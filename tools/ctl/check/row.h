@@ -1,4 +1,4 @@
-// One line of the table that --check shows.
+// One row of the table that --check shows.
 #pragma once
 
 #include <string>
@@ -10,16 +10,16 @@ namespace kestraboot::tools
 
 enum class Verdict {
     Fine,
-    Suspicious, ///< may be meant so, or cannot be known: it explains why less happens than is expected
-    Broken,     ///< cannot be meant so, or nothing works because of it
+    Suspicious, ///< may be intended, or is not known: it explains why less happens than expected
+    Broken,     ///< cannot be intended, or nothing works because of it
 };
 
 struct Row {
     Verdict verdict = Verdict::Fine;
-    const char* check = ""; ///< the word by which scripts know it
-    std::wstring subject;   ///< which one it is about; empty where there is only one
+    const char* check = ""; ///< the word by which scripts identify it
+    std::wstring subject;   ///< the item that it is about; empty if there is only one
     std::wstring reason;
-    std::wstring advice; ///< what to do; empty where there is nothing to do
+    std::wstring advice; ///< the advice; empty if there is nothing to do
 };
 
 using Rows = std::vector<Row>;

@@ -1,4 +1,4 @@
-// Which version of what is installed.
+// The installed version of each program.
 #include "tools/ctl/check/check.h"
 #include "tools/ctl/check/words.h"
 

@@ -63,7 +63,7 @@ std::optional<std::wstring> AccountOf(void* process)
 
 bool IsElevated(void* process)
 {
-    // Only an account that has a second, smaller set of rights can be elevated.
+    // Only an account that has a second, smaller set of privileges can be elevated.
     const Handle token = TokenOf(process);
     TOKEN_ELEVATION_TYPE type = TokenElevationTypeDefault;
     DWORD size = 0;

@@ -1,4 +1,4 @@
-// What lies beside a boot program.
+// The files beside a boot program.
 #include "tools/ctl/look/file_contents.h"
 #include "tools/ctl/look/look.h"
 #include "tools/ctl/look/module_search.h"
@@ -26,13 +26,13 @@ OemFile LookAtOemFile(const std::wstring& folder)
     wchar_t section[kSectionCapacity + 1] = {};
     if (::GetPrivateProfileSectionW(L"KestraProxyStopInstall", section, kSectionCapacity, file.c_str()) >
         0) {
-        oem.firstLine = section; // up to its zero
+        oem.firstLine = section; // up to the first zero
         oem.number = ::_wtoi(section);
     }
     return oem;
 }
 
-/// FNV-1a. Only files of the same size are compared by it.
+/// FNV-1a. Compares files of the same size alone.
 std::uint64_t HashOf(const std::vector<std::uint8_t>& bytes)
 {
     std::uint64_t hash = 0xCBF29CE484222325;

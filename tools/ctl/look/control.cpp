@@ -1,5 +1,5 @@
-// Who has taken control: a process with the named mutex. Windows does not tell which process that is, so
-// it is known by its window, or by being a registered boot program.
+// The holder of control: a process with the named mutex. Windows does not report which process
+// holds it, so it is identified by its window, or as a registered boot program that runs.
 #include "tools/common/handle.h"
 #include "tools/ctl/check/words.h"
 #include "tools/ctl/look/look.h"
@@ -18,7 +18,7 @@ constexpr const wchar_t* kTitleAndClaim = L"Corvane Kestrafetch Boot";
 bool IsClaimed()
 {
     const Handle claim(::OpenMutexW(SYNCHRONIZE, FALSE, kTitleAndClaim));
-    return claim || ::GetLastError() == ERROR_ACCESS_DENIED; // of one with more rights
+    return claim || ::GetLastError() == ERROR_ACCESS_DENIED; // of a process with more privileges
 }
 
 BOOL CALLBACK AddOwnerOfBootWindow(HWND window, LPARAM found) noexcept

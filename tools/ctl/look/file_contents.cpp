@@ -23,7 +23,7 @@ FileContents ReadContents(const std::wstring& path)
     }
     const Handle file(opened);
     std::vector<std::uint8_t> bytes;
-    for (;;) { // up to the end, wherever it is by then: the file may grow
+    for (;;) { // up to the present end: the file may grow
         const std::size_t before = bytes.size();
         bytes.resize(before + kAtOnce);
         DWORD read = 0;

@@ -10,12 +10,12 @@
 namespace kestraboot::tools
 {
 
-/// Larger files are not looked at: no plugin is.
+/// Larger files are not read: no plugin is that large.
 inline constexpr std::uint64_t kLargestFile = 64ULL << 20;
 
 struct FileContents {
     std::optional<std::vector<std::uint8_t>> bytes;
-    const wchar_t* fault = L""; ///< why there are none
+    const wchar_t* fault = L""; ///< the reason if there are none
 };
 
 [[nodiscard]] FileContents ReadContents(const std::wstring& path);

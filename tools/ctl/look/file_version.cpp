@@ -9,7 +9,7 @@ namespace kestraboot::tools
 namespace
 {
 
-/// The version resource as a whole; empty where there is none. Windows reads the file as data.
+/// The whole version resource; empty if there is none. Windows reads the file as data.
 std::vector<std::uint8_t> VersionResource(const std::wstring& file)
 {
     DWORD unused = 0;

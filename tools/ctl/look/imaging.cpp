@@ -81,10 +81,10 @@ bool Is64BitSource(const std::wstring& path)
     return source.image && source.image->machine == kMachine64Bit;
 }
 
-/// Drivers lie in folders of their own below twain_64, or in it.
+/// Drivers are in folders of their own below twain_64, or in twain_64 itself.
 std::size_t CountSources()
 {
-    std::error_code none; // what cannot be listed holds no source that could be loaded
+    std::error_code none; // a folder that cannot be listed has no source that could be loaded
     std::size_t count = 0;
     const std::filesystem::path folder = WindowsFolder() + L"\\twain_64";
     for (std::filesystem::recursive_directory_iterator entry(folder, none), end; !none && entry != end;

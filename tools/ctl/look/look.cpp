@@ -29,7 +29,7 @@ std::wstring PathOfModule(HMODULE module)
 bool IsDebugOutputRead()
 {
     const Handle turn(::OpenEventW(SYNCHRONIZE, FALSE, L"DBWIN_BUFFER_READY"));
-    return turn || ::GetLastError() == ERROR_ACCESS_DENIED; // by one with more rights
+    return turn || ::GetLastError() == ERROR_ACCESS_DENIED; // by a process with more privileges
 }
 
 /// Windows' list of start-up programs: an odd first byte switches an entry off.
@@ -65,7 +65,7 @@ WindowsVersion LookAtWindows()
 Facts Look()
 {
     Facts facts;
-    facts.report = Gather(); // on a copy of the keys, which is gone again
+    facts.report = Gather(); // on a copy of the keys, which is removed again
     facts.windows = LookAtWindows();
     facts.account = LookAtAccount();
     facts.keysOf32Bit = FindApplicationKeysOf32Bit();

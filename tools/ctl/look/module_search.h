@@ -1,4 +1,4 @@
-// Where LoadLibrary in a boot program looks for a library without a path.
+// The search of LoadLibrary, in a boot program, for a library without a path.
 #pragma once
 
 #include "tools/ctl/check/module_needs.h"
@@ -14,8 +14,8 @@ namespace kestraboot::tools
 class ModuleSearch
 {
 public:
-    /// As a program in `programFolder` searches, which is its current folder too. Its PATH is taken to
-    /// be this program's.
+    /// Searches as a program in `programFolder` does, which is its current folder too. Its PATH is
+    /// assumed to be this program's.
     explicit ModuleSearch(const std::wstring& programFolder);
 
     [[nodiscard]] std::optional<std::wstring> PathOf(const std::wstring& name) const;

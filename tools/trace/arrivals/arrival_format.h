@@ -1,4 +1,4 @@
-// How a verdict is shown.
+// Shows a verdict.
 #pragma once
 
 #include "tools/common/styled_text.h"

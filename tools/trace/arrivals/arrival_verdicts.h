@@ -1,7 +1,7 @@
-// Puts the lines of all processes together into one verdict for each device that arrived.
+// Combines the lines of all processes into one verdict for each device that arrived.
 //
-// What is kept is bounded: so many processes; what is open of the one that was silent for longest is
-// told as it stands.
+// The memory is bounded by a number of processes. Beyond it, the open verdicts of the process that
+// was silent for longest are shown unfinished.
 #pragma once
 
 #include "tools/trace/arrivals/process_arrivals.h"
@@ -26,10 +26,11 @@ public:
 
     void Take(const SeenLine& line);
 
-    /// To be called now and then: tells what has waited too long. `upMilliseconds` as in TimeStamp.
+    /// Call it now and then: shows verdicts that have waited too long. `upMilliseconds` as in
+    /// TimeStamp.
     void Tick(std::int64_t upMilliseconds);
 
-    /// Tells everything that is still open.
+    /// Shows every verdict that is still open.
     void End();
 
     [[nodiscard]] std::size_t OpenCount() const noexcept;
@@ -38,7 +39,7 @@ private:
     ProcessArrivals& ProcessOf(const SeenLine& line);
 
     const Tell tell;
-    std::list<ProcessArrivals> processes; ///< the one that spoke last at the end
+    std::list<ProcessArrivals> processes; ///< the process that wrote last at the end
 };
 
 } // namespace kestraboot::tools

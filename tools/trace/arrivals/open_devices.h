@@ -1,13 +1,13 @@
-// The devices of one process for which something more may come, each in one of three states.
+// The devices of one process for which more lines may come, each in one of three states.
 //
-//   Searching  a volume on which the search has not decided
+//   Searching  a volume whose scan has not decided yet
 //      |  a file fits
-//   Launching  accepted: what the launcher says is still to come      (imaging devices begin here)
-//      |  told without a start
-//   GivenUp    a start may come after all, and is told once more
+//   Launching  accepted: the launcher's line is still to come         (imaging devices begin here)
+//      |  shown without a start
+//   GivenUp    if a start comes after all, the device is shown once more
 //
-// From each of them a device leaves as soon as nothing more can come. What is kept is bounded: so many
-// devices; the oldest are told as they stand.
+// A device leaves each state as soon as no more lines can come. The memory is bounded by a number
+// of devices; beyond it, the oldest are shown unfinished.
 #pragma once
 
 #include "tools/trace/arrivals/arrival.h"
@@ -41,28 +41,28 @@ public:
     static constexpr std::int64_t kLongestLaunch = 60'000; // milliseconds
     static constexpr std::int64_t kLongestSilence = 600'000;
 
-    /// `teller` is to outlive it.
+    /// `teller` must outlive it.
     explicit OpenDevices(const Tell& teller) : tell(teller) {}
 
-    // Null where there is none.
+    // Null if there is none.
     [[nodiscard]] OpenDevice* Searching();
     [[nodiscard]] OpenDevice* AcceptedFirst();
     [[nodiscard]] OpenDevice* Volume(); ///< searching or launching
-    /// The one that the start names: one that launches, else one that was given up.
+    /// The device that the start names: one in Launching, else one in GivenUp.
     [[nodiscard]] OpenDevice* Named(const StartLine& start);
 
     OpenDevice& Add(DeviceState state, Arrival arrival, std::int64_t line);
 
-    /// From Searching to Launching, behind those that were accepted before.
+    /// From Searching to Launching, after the devices that were accepted before.
     void Accept(const OpenDevice& device);
 
-    /// Tells what became of it: it leaves, or is given up.
+    /// Shows the verdict: the device leaves, or goes to GivenUp.
     void Conclude(const OpenDevice& device);
 
-    /// For each that searches or launches, then tells them.
+    /// Applies it to each device in Searching or Launching, then shows them.
     void ConcludeAll(const std::function<void(OpenDevice&)>& last);
 
-    /// Concludes what has waited too long.
+    /// Concludes the devices that have waited too long.
     void Tick(std::int64_t upMilliseconds);
 
     [[nodiscard]] std::size_t WaitingCount() const noexcept { return waiting.size(); }

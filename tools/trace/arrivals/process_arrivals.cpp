@@ -111,7 +111,7 @@ void ProcessArrivals::TakeSearch(const SeenLine& line, const TraceEvent& event)
 {
     OpenDevice* const volume = devices.Searching();
     if (volume == nullptr) {
-        return; // its beginning was before our time
+        return; // its beginning was before our start
     }
     volume->lastLine = line.time.upMilliseconds;
     SetEnd(volume->arrival, line);

@@ -1,12 +1,15 @@
 // The devices that arrived at one process, from its lines.
 //
-// A volume is found, searched in up to three attempts and accepted or refused; imaging devices are
-// accepted by the very line that names them. An accepted device is handed to the host, and the launcher
-// then says what it started, or why not. Trackers run on threads of their own and a line does not say
-// which wrote it: a start line is given to the device that it names, a refusal of the launcher to the
-// device that was accepted first, since devices are handed over one at a time. A start line that names
-// no waiting device is an arrival of its own, since plugins write no line; unless the started program
-// itself may have written it. A process that finds no application left ends: at a start, or when a
+// A volume is found, scanned in up to three attempts, and accepted or refused. The line that names
+// an imaging device accepts it. The tracker passes an accepted device to the host, and the launcher
+// then writes what it started, or why not.
+//
+// Trackers run on threads of their own, and a line does not show its thread. So a start line
+// belongs to the device that it names, and a refusal of the launcher to the device that was
+// accepted first, because devices are passed on one at a time. A start line that names no waiting
+// device is an arrival of its own, because plugins write no line; unless the started program may
+// have written it. A process that finds no application ends: at a start, or when a scan reads its
+// settings, so also before the volume is decided.
 // search asks for its settings, so also before the volume is decided on.
 #pragma once
 
@@ -30,23 +33,23 @@ public:
     static constexpr std::int64_t kLongestNotice = 10'000; // milliseconds
     static constexpr std::size_t kMostPlugins = 32;
 
-    /// `teller` is to outlive it.
+    /// `teller` must outlive it.
     ProcessArrivals(std::uint32_t processId, const Tell& teller) : id(processId), devices(teller) {}
 
     [[nodiscard]] std::uint32_t Id() const noexcept { return id; }
 
     void Take(const SeenLine& line, const TraceEvent& event);
 
-    /// It wrote a line with a component, so that its start lines are the launcher's.
+    /// It wrote a line with a component, so its start lines are the launcher's.
     void SetHasTheLibrary() noexcept { hasTheLibrary = true; }
 
-    /// Tells what has waited too long.
+    /// Shows the verdicts that have waited too long.
     void Tick(std::int64_t upMilliseconds) { devices.Tick(upMilliseconds); }
 
-    /// Tells everything that is still open.
+    /// Shows every verdict that is still open.
     void End();
 
-    /// Nothing is open or known of it, and no line came for long.
+    /// No device is open or known, and no line came for a long time.
     [[nodiscard]] bool IsOver(std::int64_t upMilliseconds) const noexcept;
     [[nodiscard]] std::size_t OpenCount() const noexcept { return devices.WaitingCount(); }
 
@@ -68,8 +71,8 @@ private:
     const std::uint32_t id;
     std::int64_t lastLine = 0;
     bool hasTheLibrary = false;
-    std::vector<std::string> plugins; ///< those that said that they serve
-    std::optional<TimeStamp> notice;  ///< the first of those that came together
+    std::vector<std::string> plugins; ///< the plugins that reported that they serve
+    std::optional<TimeStamp> notice;  ///< the first of the notices that came together
     OpenDevices devices;
 };
 

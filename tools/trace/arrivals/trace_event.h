@@ -1,4 +1,4 @@
-// What a line says about an arrival.
+// The meaning of a line for an arrival.
 #pragma once
 
 #include <string>
@@ -10,30 +10,30 @@ namespace kestraboot::tools
 enum class EventType {
     None, ///< nothing
 
-    VolumeNotice,   ///< Windows told of a device; which one is not known yet
+    VolumeNotice,   ///< Windows reported a device; which one is not known yet
     VolumeFound,    ///< `kind` and `device`
     VolumeUnfit,    ///< not a drive that cards come in
-    SearchOff,      ///< the search is switched off
+    SearchOff,      ///< the search is disabled
     FolderSeen,     ///< `level`
     FileSeen,       ///< `level`, `file`
     FileFits,       ///< the file seen last is of a supported format
     AttemptFailed,  ///< another one may follow
-    VolumeRefused,  ///< the tracker is done with it
-    VolumeScanDone, ///< the tracker is done with whatever it found
+    VolumeRefused,  ///< the tracker has finished with it
+    VolumeScanDone, ///< the tracker has finished with every device that it found
 
     DeviceFound,      ///< `source`, `kind` and `device`
-    TypeUnknownToWia, ///< a device that is neither camera nor scanner, told by the WIA tracker
-    TypeUnknownToSti, ///< the same by the still-image tracker
+    TypeUnknownToWia, ///< a device that is neither camera nor scanner, from the WIA tracker
+    TypeUnknownToSti, ///< the same from the still-image tracker
 
-    LaunchRefused, ///< `rule`; the arrival that was being told is not served
-    NoneInstalled, ///< nothing of this process is served any more; said at other times than arrivals too
+    LaunchRefused, ///< `rule`; the arrival that is being reported is not served
+    NoneInstalled, ///< this process serves no more arrivals; also written at other times
     Started,       ///< the line is a start line
     PluginServes,  ///< `source` is the plugin's name
 };
 
 struct TraceEvent {
     EventType type = EventType::None;
-    std::string source; ///< what the tracker calls the device: "WIA DEVICE"
+    std::string source; ///< the tracker's word for the device: "WIA DEVICE"
     std::string kind;   ///< "volume", "camera", "scanner" or empty
     std::string device;
     std::string file;
@@ -43,7 +43,7 @@ struct TraceEvent {
     const char* rule = "";    ///< see arrival.h
 };
 
-/// `text` without its line end.
+/// `text` has no line end.
 [[nodiscard]] TraceEvent ReadTraceEvent(std::string_view text);
 
 } // namespace kestraboot::tools

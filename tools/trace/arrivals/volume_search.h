@@ -1,4 +1,4 @@
-// What the lines of a search for media make of the volume that is searched.
+// Reads the lines of a scan for media into the verdict on its volume.
 #pragma once
 
 #include "tools/trace/arrivals/arrival.h"
@@ -7,14 +7,14 @@
 namespace kestraboot::tools
 {
 
-/// What one line leaves for the next.
+/// The state between two lines.
 struct VolumeSearch {
     bool attemptOver = false;
     bool searchOff = false;
     bool unfit = false;
 };
 
-/// Counts, and decides where the line does.
+/// Counts, and decides if the line does.
 void TakeSearchLine(VolumeSearch& search, Arrival& volume, const TraceEvent& event);
 
 } // namespace kestraboot::tools

@@ -12,7 +12,7 @@ namespace
 
 constexpr DWORD kSectionBytes = 4096; // fixed by Windows
 constexpr DWORD kLongestTurn = 500;   // milliseconds
-constexpr int kLooksAtAWriter = 2;    // before it is one that waits for a lost turn
+constexpr int kLooksAtAWriter = 2;    // before the writer counts as one that waits for a lost turn
 constexpr int kOpeningAttempts = 20;
 constexpr DWORD kPauseBetweenAttempts = 50; // milliseconds
 
@@ -64,14 +64,15 @@ DebugChannel::Opening DebugChannel::TryToOpen()
                                                   kSectionBytes, L"DBWIN_BUFFER"));
     }
     if (!lineSection) {
-        // What a reader with more rights made cannot even be opened.
+        // An object of a reader with more privileges cannot even be opened.
         return ::GetLastError() == ERROR_ACCESS_DENIED ? Opening::HeldByAnother : Opening::Failed;
     }
     record = static_cast<const DebugRecord*>(::MapViewOfFile(lineSection.Get(), FILE_MAP_READ, 0, 0, 0));
     if (record == nullptr) {
         return Opening::Failed;
     }
-    // The writers' own, made by whoever comes first. Without it every silence is one beside a writer.
+    // The writers' own mutex, which the first of them creates. Without it every silence counts as
+    // one beside a writer.
     mutex = Handle(::CreateMutexExW(held.Get(), L"DBWinMutex", 0, SYNCHRONIZE));
     bufferReady = std::move(turn);
     dataReady = std::move(lineWritten);
@@ -82,7 +83,7 @@ DebugChannel::Opening DebugChannel::TryToOpen()
 
 DebugChannel::Waiting DebugChannel::Next(HANDLE stop, Line& line)
 {
-    const HANDLE events[] = {dataReady.Get(), stop}; // lines that are there go before the stop
+    const HANDLE events[] = {dataReady.Get(), stop}; // lines that are present come before the stop
     for (;;) {
         switch (::WaitForMultipleObjects(2, events, FALSE, kLongestTurn)) {
         case WAIT_OBJECT_0:

@@ -1,15 +1,15 @@
 // The debug output of this session.
 //
-// Windows hands a debug line to whoever owns the section DBWIN_BUFFER: the writer takes the mutex
-// DBWinMutex, waits for its turn, DBWIN_BUFFER_READY, fills the section (process identifier, then narrow
-// text), sets DBWIN_DATA_READY and releases the mutex. There can be one reader in a session at a time.
+// Windows passes a debug line to the owner of the section DBWIN_BUFFER. The writer takes the mutex
+// DBWinMutex, waits for its turn (DBWIN_BUFFER_READY), fills the section (process identifier, then
+// narrow text), sets DBWIN_DATA_READY and releases the mutex. A session has one reader at a time.
 //
-// A writer that is ended between the two events takes its turn with it and keeps all others out. So
-// after a while without a line the turn is given again, but never beside a writer that is in its own:
-// with two turns about, the second writer overwrites what the first one wrote. While the reader holds
-// the mutex no writer is in its turn. A mutex that stays taken for another while is held by a writer
-// that waits for the lost turn; should it be one that was stopped in its own after all, the turn that
-// was given beside it is withdrawn when its line comes.
+// A writer that is terminated between the two events takes its turn with it and blocks all others.
+// So after a time without a line the reader gives the turn again, but never beside a writer that is
+// in its turn: with two turns, the second writer overwrites the first one's line. While the reader
+// holds the mutex, no writer is in its turn. If another process holds the mutex for a further time,
+// that process is a writer that waits for the lost turn. Should it be one that was suspended in its
+// turn after all, the reader withdraws the second turn when that writer's line comes.
 #pragma once
 
 #include "tools/common/handle.h"
@@ -38,13 +38,14 @@ public:
     DebugChannel& operator=(const DebugChannel&) = delete;
     ~DebugChannel();
 
-    /// A reader that has just gone may be held open by a writer for a moment: it is waited for. For
-    /// Failed the system's last error says why.
+    /// A writer may hold the objects of a previous reader open for a moment: the call waits for it.
+    /// After Failed the system's last error is the reason.
     [[nodiscard]] Opening Open();
 
     enum class Waiting { Line, Stopped, Failed };
 
-    /// Waits for the next line, or until `stop` is set. Writers are let on as soon as it is copied.
+    /// Waits for the next line, or until `stop` is set. Releases the writer as soon as the line is
+    /// copied.
     [[nodiscard]] Waiting Next(HANDLE stop, Line& line);
 
 private:
@@ -57,8 +58,8 @@ private:
     Handle dataReady;
     Handle section;
     const DebugRecord* record = nullptr;
-    int silentLooks = 0;        ///< one behind the other at which a writer held the mutex
-    bool mayBeTwoTurns = false; ///< one was given beside a writer
+    int silentLooks = 0;        ///< consecutive checks at which a writer held the mutex
+    bool mayBeTwoTurns = false; ///< one turn was given beside a writer
 };
 
 } // namespace kestraboot::tools

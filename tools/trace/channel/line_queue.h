@@ -1,5 +1,5 @@
-// Between the thread that reads the channel and the one that shows the lines: programs that write debug
-// lines must never wait for a slow console.
+// The queue between the thread that reads the channel and the one that shows the lines, because
+// programs that write debug lines must never wait for a slow console.
 #pragma once
 
 #include "tools/trace/channel/raw_line.h"
@@ -18,16 +18,17 @@ class LineQueue
 public:
     explicit LineQueue(std::size_t most) : capacity(most) {}
 
-    /// A line that finds the queue full is lost, and counted.
+    /// If the queue is full, the line is lost and counted.
     void Push(RawLine line);
 
     /// No more lines will come.
     void Close();
 
-    /// All that are there, once there is one; none when none came in time or none will come any more.
+    /// All lines that are present, once there is one; none if none came in time or none will come
+    /// any more.
     [[nodiscard]] std::vector<RawLine> Take(std::chrono::milliseconds longest);
 
-    /// How many lines were lost since the last call.
+    /// The number of lines lost since the last call.
     [[nodiscard]] std::uint64_t TakeLost();
 
     [[nodiscard]] bool Finished();

@@ -1,4 +1,4 @@
-// The thread that takes the lines out of the channel, so that no writer waits for what becomes of them.
+// The thread that reads lines from the channel, so that no writer waits until they are shown.
 #pragma once
 
 #include "tools/trace/channel/debug_channel.h"
@@ -11,17 +11,18 @@
 namespace kestraboot::tools
 {
 
-/// Reads until `stop` is set, which its end does too; closes the queue when it is done.
+/// Reads until `stop` is set, which its destructor also does; closes the queue when it has
+/// finished.
 class LineReader
 {
 public:
-    /// All are to outlive the reader; `opened` is open.
+    /// All arguments must outlive the reader; `opened` is open.
     LineReader(DebugChannel& opened, LineQueue& filled, HANDLE stopEvent);
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
     ~LineReader();
 
-    /// Whether it ended by itself, for want of memory or of the channel.
+    /// Whether it stopped by itself, because memory or the channel failed.
     [[nodiscard]] bool Failed() const noexcept { return failed; }
 
 private:

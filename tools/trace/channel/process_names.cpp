@@ -34,7 +34,7 @@ const std::string& ProcessNames::Of(std::uint32_t processId)
     Handle process(::OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, processId));
     std::string name = process ? FileName(process.Get()) : std::string();
     if (name.empty()) {
-        return unknown; // and asked again: the number may be given to another one
+        return unknown; // and queried again: Windows may give the number to another process
     }
     if (known.size() == kMost) {
         known.pop_back();

@@ -11,14 +11,14 @@
 namespace kestraboot::tools
 {
 
-/// Remembers the processes that wrote last. While one is remembered it is held open, so that Windows
-/// gives its number to no other.
+/// Remembers the processes that wrote last. It keeps each of them open, so that Windows gives its
+/// number to no other process.
 class ProcessNames
 {
 public:
     static constexpr std::size_t kMost = 64;
 
-    /// The name of its file, UTF-8; "?" for a process that cannot be asked.
+    /// The name of its file, UTF-8; "?" for a process that cannot be queried.
     [[nodiscard]] const std::string& Of(std::uint32_t processId);
 
 private:
@@ -27,7 +27,7 @@ private:
         Handle process;
         std::string name;
     };
-    std::list<Known> known; ///< the one that wrote last at the front
+    std::list<Known> known; ///< the process that wrote last at the front
     std::string unknown = "?";
 };
 

@@ -1,4 +1,4 @@
-// One debug line as it was copied from the channel, before anything is made of it.
+// One debug line as copied from the channel, not decoded yet.
 #pragma once
 
 #include <cstdint>

@@ -11,7 +11,7 @@ namespace
 constexpr const wchar_t* kAwait = L"D:(A;;0x1F0003;;;SY)(A;;0x1F0003;;;BA)(A;;0x100000;;;WD)";
 constexpr const wchar_t* kSignal = L"D:(A;;0x1F0003;;;SY)(A;;0x1F0003;;;BA)(A;;0x2;;;WD)";
 constexpr const wchar_t* kWrite = L"D:(A;;0xF001F;;;SY)(A;;0xF001F;;;BA)(A;;0x2;;;WD)";
-// What Windows gives the mutex that writers make.
+// The permissions that Windows gives the mutex that writers create.
 constexpr const wchar_t* kHold = L"D:(A;;0x1F0001;;;SY)(A;;0x1F0001;;;BA)(A;;0x120001;;;WD)";
 static_assert(EVENT_ALL_ACCESS == 0x1F0003);
 static_assert(SECTION_ALL_ACCESS == 0xF001F);

@@ -1,4 +1,4 @@
-// Who may do what with the objects of the debug output.
+// The permissions of the objects of the debug output.
 #pragma once
 
 #include <windows.h>
@@ -6,14 +6,14 @@
 namespace kestraboot::tools
 {
 
-/// For an object that this program makes and every program of the session is to reach.
+/// For an object that this program creates and that every program of the session must reach.
 ///
-/// By default a program that runs with administrator's rights would keep all those out that do not, the
-/// boot program among them, and so would see none of their lines. What is let in is everyone, since the
-/// session may hold programs of several accounts: names of this kind are not seen outside it. They get
-/// the one right that writing a line takes, which is for each object another; administrators and the
-/// system get all. There is no label of lower integrity: the boot program runs at the usual level, and
-/// programs that Windows fences in below it stay out.
+/// By default, a program with administrator's privileges would exclude all programs without them,
+/// the boot program among them, and so see none of their lines. These permissions admit everyone,
+/// because the session may have programs of several accounts; names of this kind are not visible
+/// outside it. Everyone gets the one permission that writing a line needs, which differs for each
+/// object; administrators and the system get all. There is no label of lower integrity: the boot
+/// program runs at the usual level, and programs below it stay excluded.
 class SharedObjectSecurity
 {
 public:
@@ -24,7 +24,7 @@ public:
     SharedObjectSecurity& operator=(const SharedObjectSecurity&) = delete;
     ~SharedObjectSecurity();
 
-    /// To make the object with; null where it cannot be had, which gives the default.
+    /// For the creation of the object; null if it is not available, which gives the default.
     [[nodiscard]] SECURITY_ATTRIBUTES* Get() noexcept
     {
         return attributes.lpSecurityDescriptor != nullptr ? &attributes : nullptr;

@@ -6,7 +6,7 @@
 namespace kestraboot::tools
 {
 
-/// From the ANSI code page, in which Windows hands debug lines on, to UTF-8.
+/// From the ANSI code page, in which Windows passes debug lines, to UTF-8.
 [[nodiscard]] std::string FromAnsi(std::string_view text);
 
 } // namespace kestraboot::tools

@@ -8,13 +8,13 @@
 namespace kestraboot::tools
 {
 
-/// Raised whenever a member goes or changes its meaning; a new one alone does not raise it.
+/// Raised if a member is removed or changes its meaning; a new member alone does not raise it.
 inline constexpr unsigned kJsonSchema = 1;
 
-/// With the two members that every line begins with.
+/// Has the two members with which every line begins.
 [[nodiscard]] nlohmann::ordered_json JsonLine(const char* type);
 
-/// Without a line end. What is not valid UTF-8 becomes U+FFFD.
+/// Without a line end. Invalid UTF-8 becomes U+FFFD.
 [[nodiscard]] std::string OneLine(const nlohmann::ordered_json& line);
 
 } // namespace kestraboot::tools

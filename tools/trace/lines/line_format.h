@@ -1,4 +1,4 @@
-// How one debug line is shown.
+// Shows one debug line.
 #pragma once
 
 #include "tools/common/styled_text.h"
@@ -11,7 +11,7 @@
 namespace kestraboot::tools
 {
 
-/// Time, process name and number in columns of fixed width: what follows begins at column kLineColumn.
+/// Time, process name and number in columns of fixed width: the rest begins at column kLineColumn.
 inline constexpr std::size_t kLineColumn = 42;
 [[nodiscard]] StyledText LineHead(const TimeStamp& time, const std::string& processName,
                                   std::uint32_t processId);
@@ -23,7 +23,7 @@ inline constexpr std::size_t kLineColumn = 42;
 [[nodiscard]] StyledText FormatLine(const SeenLine& seen, const TraceLine& line);
 [[nodiscard]] std::string LineJson(const SeenLine& seen, const TraceLine& line);
 
-/// Told in place of lines that came faster than they could be shown.
+/// Shown in place of lines that came faster than they could be shown.
 [[nodiscard]] StyledText FormatLost(const TimeStamp& time, std::uint64_t lines);
 [[nodiscard]] std::string LostJson(const TimeStamp& time, std::uint64_t lines);
 

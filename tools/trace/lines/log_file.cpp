@@ -82,7 +82,7 @@ void LogFile::Write(std::string_view lines)
     }
 }
 
-/// How many bytes of whole lines there is room for.
+/// The number of bytes of whole lines that fit.
 std::size_t LogFile::FittingPart(std::string_view lines) const
 {
     if (limits.longest == 0 || length + lines.size() <= longestNow) {
@@ -92,7 +92,7 @@ std::size_t LogFile::FittingPart(std::string_view lines) const
     return lines.substr(0, static_cast<std::size_t>(room)).rfind('\n') + 1; // npos + 1 is 0
 }
 
-/// Whoever renames the file has had all that was written before.
+/// A file that was renamed contains everything that was written before.
 void LogFile::FollowName()
 {
     const Handle named = Opened(name, FILE_READ_ATTRIBUTES, OPEN_EXISTING);
@@ -102,7 +102,7 @@ void LogFile::FollowName()
     }
 }
 
-/// Goes on in the old file where there can be no new one.
+/// Continues in the old file if there can be no new one.
 void LogFile::BeginAnew()
 {
     if (OpenAtEnd()) {
@@ -115,7 +115,7 @@ void LogFile::BeginAnew()
 
 void LogFile::Rotate()
 {
-    longestNow = length + limits.longest; // where it stays in this file
+    longestNow = length + limits.longest; // if it stays in this file
     bool moved = true;
     for (unsigned number = limits.keep; number-- > 0 && moved;) {
         moved = ::MoveFileExW(Earlier(name, number).c_str(), Earlier(name, number + 1).c_str(),

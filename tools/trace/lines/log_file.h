@@ -1,4 +1,4 @@
-// The file that is written on request.
+// The file of --file.
 #pragma once
 
 #include "tools/common/handle.h"
@@ -10,30 +10,31 @@
 namespace kestraboot::tools
 {
 
-/// Written at its end; others may read and rename it meanwhile. One that is not there any more
-/// under its name is made anew.
+/// Lines are appended; other programs may read and rename the file meanwhile. If the name no longer
+/// exists, the file is created again.
 ///
-/// With a longest length it is rotated: before it would exceed that, it becomes PATH.1, what was PATH.1
-/// becomes PATH.2, and so on to the last that is kept. Where that cannot be done, since somebody holds
-/// one of them open, it grows on and is tried again later. No line is cut or lost by it.
+/// A file with a largest size is rotated: before it would exceed that size, it becomes PATH.1, the
+/// previous PATH.1 becomes PATH.2, and so on up to the last that is kept. If that fails, because
+/// another program holds one of them open, the file grows and rotation is tried again later. No
+/// line is cut or lost by it.
 class LogFile
 {
 public:
     struct Rotation {
-        std::uint64_t longest = 0; ///< bytes; 0: for ever
-        unsigned keep = 0;         ///< earlier files
+        std::uint64_t longest = 0; ///< bytes; 0: unlimited
+        unsigned keep = 0;         ///< the number of earlier files
     };
 
-    /// False when it cannot be opened; the system's last error says why.
+    /// False if it cannot be opened; the system's last error is the reason.
     [[nodiscard]] bool Open(const std::wstring& path, Rotation rotation);
 
     [[nodiscard]] bool IsOpen() const noexcept { return static_cast<bool>(file); }
 
-    /// What each file begins with that is made anew from now on.
+    /// The text with which each new file begins from now on.
     void SetHeading(std::string text) { heading = std::move(text); }
 
-    /// Whole lines; nothing happens where no file is open. A failure is said once on standard error, and
-    /// again after a success: a disk may be full for a while.
+    /// Writes whole lines; does nothing if no file is open. Reports a failure once on standard
+    /// error, and again after a success, because a disk may be full for a time.
     void Write(std::string_view lines);
 
     /// Whether a line could not be written.
@@ -51,7 +52,7 @@ private:
     std::string heading;
     Handle file;
     std::uint64_t length = 0;
-    std::uint64_t longestNow = 0; ///< grows where the file could not be rotated
+    std::uint64_t longestNow = 0; ///< grows if the file could not be rotated
     bool failing = false;
     bool failedEver = false;
 };

@@ -10,7 +10,7 @@ namespace
 
 constexpr std::int64_t kTicksPerMillisecond = 10'000;
 constexpr std::int64_t kTicksPerMinute = 60'000 * kTicksPerMillisecond;
-constexpr std::int64_t kLongestTick = 32; // milliseconds: Windows' clock goes on in steps of up to 16
+constexpr std::int64_t kLongestTick = 32; // milliseconds: Windows' clock advances in steps of up to 16
 constexpr std::int64_t kMillisecondsTo1970 = 11'644'473'600'000; // since 1601
 
 std::int64_t Ticks(const FILETIME& time) noexcept
@@ -39,7 +39,7 @@ int OffsetMinutes(FILETIME utc) noexcept
     const bool known = ::FileTimeToSystemTime(&utc, &utcParts) &&
                        ::SystemTimeToTzSpecificLocalTime(nullptr, &utcParts, &localParts) &&
                        ::SystemTimeToFileTime(&localParts, &local) &&
-                       ::SystemTimeToFileTime(&utcParts, &utc); // without what the parts cannot hold
+                       ::SystemTimeToFileTime(&utcParts, &utc); // without the part that they cannot hold
     return known ? static_cast<int>((Ticks(local) - Ticks(utc)) / kTicksPerMinute) : 0;
 }
 
@@ -59,7 +59,7 @@ Moment PairedClock::Now()
     const std::int64_t up = UpMilliseconds();
     const std::int64_t now = MillisecondsOf(utc) - up;
     if (std::abs(now - between) > kLongestTick) {
-        between = now; // at the beginning, or the clock was set
+        between = now; // at the start, or if the clock was set
     }
     return {up + between, up};
 }
@@ -71,7 +71,8 @@ int OffsetMinutesAtUtc(std::int64_t utcMilliseconds)
 
 int OffsetMinutesAt(std::int64_t localMilliseconds)
 {
-    // Off by one change of the clocks at most; a second look is not, but in the hour that comes twice.
+    // Off by one change of the clocks at most. A second conversion is exact, except for the hour
+    // that occurs twice.
     const int about = OffsetMinutesAtUtc(localMilliseconds);
     return OffsetMinutesAtUtc(localMilliseconds - about * kMillisecondsPerMinute);
 }

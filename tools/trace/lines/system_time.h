@@ -7,7 +7,7 @@
 namespace kestraboot::tools
 {
 
-/// Of a clock that nobody sets.
+/// Of a clock that cannot be set.
 [[nodiscard]] std::int64_t UpMilliseconds();
 
 struct Moment {
@@ -15,8 +15,8 @@ struct Moment {
     std::int64_t upMilliseconds = 0;
 };
 
-/// Both clocks of a moment. They go on together to the millisecond, unless somebody sets the one: so
-/// what is recorded with UTC alone gives the same differences when it is read back.
+/// Both clocks at one moment. They advance together to the millisecond, unless somebody sets the
+/// one. So times that are recorded in UTC alone give the same differences when they are read back.
 class PairedClock
 {
 public:

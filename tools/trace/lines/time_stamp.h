@@ -1,4 +1,4 @@
-// When a line came.
+// The time of a line.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ struct TimeStamp {
     std::int64_t utcMilliseconds = 0; ///< since 1970
     int offsetMinutes = 0;            ///< of local time from UTC
     std::int64_t upMilliseconds =
-        0; ///< of a clock that nobody sets: differences are taken from this one
+        0; ///< of a clock that cannot be set: differences are taken from this one
 };
 
 /// Local time, "12:33:47.123".

@@ -18,13 +18,13 @@ struct ComponentTag {
 constexpr ComponentTag kComponents[] = {
     {"***DeviceConnect***", "DeviceConnect"},
     {"KestraBoot", "KestraBoot"},
-    {"KESTRABOOT", "KestraBoot"}, // one message is spelt so
+    {"KESTRABOOT", "KestraBoot"}, // one message is spelt in this way
     {"KestraProxy", "KestraProxy"},
     {"KestraProxy:OEM", "KestraProxy:OEM"},
 };
 constexpr std::string_view kTrackers[] = {"VolumeTracker", "WiaTracker", "StiTracker"};
 constexpr std::string_view kPluginServed = "Devices will be detected.";
-/// What the search of a card says, beside folders and files, which begin with their level.
+/// The lines of the scan of a card, except for folders and files, which begin with their level.
 constexpr std::string_view kOfSearch[] = {
     "Suppressing auto launch...",
     "Unsupported volume found.",
@@ -34,7 +34,8 @@ constexpr std::string_view kOfSearch[] = {
 };
 constexpr std::string_view kUntaggedWiaMessage = "Could not get the device type.";
 
-/// Brackets inside a field belong to it; the last field may lack its bracket, since long lines are cut.
+/// Brackets inside a field belong to it. The last field may lack its bracket, because long lines
+/// are cut.
 std::vector<std::string> Fields(std::string_view text)
 {
     std::vector<std::string> fields;

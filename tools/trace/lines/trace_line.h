@@ -1,9 +1,9 @@
-// What a debug line is made of.
+// The parts of a debug line.
 //
-// The library's lines are bracketed fields: component, then the tracker where there is one, then the
-// message. Two kinds of lines have no tags: the command line of a started program, and a message of the
-// WIA tracker. They belong to the launcher and to that tracker all the same. Lines of other programs
-// have neither component nor tracker.
+// The library's lines are bracketed fields: component, then the tracker if there is one, then the
+// message. Two kinds of lines have no tags and still belong to the launcher and the WIA tracker:
+// the command line of a started program, and one message of the WIA tracker. Lines of other
+// programs have neither component nor tracker.
 #pragma once
 
 #include <string>
@@ -23,12 +23,12 @@ struct TraceLine {
     std::vector<std::string> fields; ///< of the message
     std::string text;                ///< the whole line, without its line end
     bool ofPlugin = false;           ///< `tracker` is a plugin's name
-    bool ofSearch = false;           ///< told by the search of a card; such lines name no tracker
+    bool ofSearch = false;           ///< written by the scan of a card; such lines name no tracker
 };
 
 [[nodiscard]] std::string_view WithoutLineEnd(std::string_view text) noexcept;
 
-/// Never fails: what is not understood is all message.
+/// Never fails: text that is not understood becomes the message.
 [[nodiscard]] TraceLine ParseTraceLine(std::string_view text);
 
 } // namespace kestraboot::tools

@@ -13,7 +13,7 @@ constexpr std::int64_t kMillisecondsPerSecond = 1000;
 constexpr std::int64_t kMillisecondsPerHour = 60 * kMillisecondsPerMinute;
 constexpr std::size_t kMostDigits = 9;
 
-/// The number at the beginning of `text`, which loses it.
+/// The number at the beginning of `text`, which it removes.
 std::optional<std::int64_t> TakeNumber(std::string_view& text)
 {
     std::size_t length = 0;
@@ -37,7 +37,7 @@ bool TakeOne(std::string_view& text, std::string_view characters)
     return true;
 }
 
-/// ".994"; 0 where there is none. Digits behind the third are dropped.
+/// ".994"; 0 if there is none. Further digits are dropped.
 std::optional<std::int64_t> TakeFraction(std::string_view& text)
 {
     if (!TakeOne(text, ".,")) {
@@ -55,7 +55,7 @@ std::optional<std::int64_t> TakeFraction(std::string_view& text)
     return any ? std::optional(milliseconds) : std::nullopt;
 }
 
-/// Takes " PM" off; an hour that fits no clock is nothing.
+/// Removes " PM"; an hour that fits no clock is nothing.
 std::optional<std::int64_t> HourByHalfDay(std::int64_t hour, std::string_view& text)
 {
     const bool morning = text == " AM" || text == " am";
@@ -108,7 +108,7 @@ std::optional<ClockColumn> ParseClockColumn(std::string_view text)
     if (!first) {
         return std::nullopt;
     }
-    if (!TakeOne(text, ":")) { // seconds since a beginning
+    if (!TakeOne(text, ":")) { // seconds since an unknown start
         const bool pointed = !text.empty();
         const std::optional<std::int64_t> fraction = TakeFraction(text);
         if (!pointed || !fraction || !text.empty()) {

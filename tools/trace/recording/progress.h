@@ -6,8 +6,8 @@
 namespace kestraboot::tools
 {
 
-/// How far a long recording is read, on standard error: after a second, and then each second. One line
-/// on a console, which goes when it is through; a line each time elsewhere.
+/// The progress of a long recording, on standard error: after a second, and then each second. On a
+/// console it is one line, removed at the end; elsewhere it is a new line each time.
 class Progress
 {
 public:

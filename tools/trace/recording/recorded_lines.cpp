@@ -34,7 +34,7 @@ std::optional<Number> WholeNumber(std::string_view text)
                                                                     : std::nullopt;
 }
 
-/// Up to the next `separator`, which goes too.
+/// Up to the next `separator`, which is removed too.
 std::string_view TakeUpTo(std::string_view& text, char separator)
 {
     const std::size_t end = text.find(separator);
@@ -91,7 +91,7 @@ bool ReadProcessColumn(std::string_view column, Writer& writer)
     return true;
 }
 
-/// Up to two columns, number and name, may stand before the line.
+/// Up to two columns, number and name, may precede the line.
 Writer TakeWriter(std::string_view& text)
 {
     Writer writer;
@@ -149,7 +149,7 @@ TimeStamp RecordedLines::At(const ClockColumn& clock)
     lastOfDay = clock.millisecond;
     const std::int64_t local = day * kMillisecondsPerDay + clock.millisecond;
     if (local / kMillisecondsPerMinute !=
-        minute) { // time zones change on whole minutes; to ask takes long
+        minute) { // time zones change on whole minutes, and a query is slow
         minute = local / kMillisecondsPerMinute;
         offsetOfMinute = offsetMinutes(local);
     }
@@ -190,7 +190,7 @@ RecordedLine RecordedLines::ReadForeign(std::string_view line)
     std::string_view rest = line;
     std::string_view column = TakeUpTo(rest, '\t');
     if (WholeNumber<std::uint64_t>(column) && rest.find('\t') != std::string_view::npos) {
-        column = TakeUpTo(rest, '\t'); // behind the line's number
+        column = TakeUpTo(rest, '\t'); // after the line's number
     }
     const std::optional<ClockColumn> clock = ParseClockColumn(column);
     if (!clock) {

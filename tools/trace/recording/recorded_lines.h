@@ -1,11 +1,11 @@
-// What the lines of a recording say: kestratrace's own, text or JSON, or another viewer's.
+// Reads the lines of a recording: kestratrace's own, text or JSON, or another viewer's.
 //
 //   13:26:59.994  kestraboot.exe         556  <***DeviceConnect***><VolumeTracker><DEVICE ARRIVED>
 //   {"type":"line","schema":1,"time":"2026-11-21T13:26:59.994+00:00","process":556,...}
 //   00000012<TAB>1:26:59.994 PM<TAB>[556] <***DeviceConnect***><VolumeTracker><DEVICE ARRIVED>
 //
-// Text says the time of day alone; kestratrace writes the day above it. Where there is none, the day of
-// the file counts, and a clock that goes back by half a day and more begins the next one.
+// Text has the time of day alone; kestratrace writes the day above it. If there is no day, the day
+// of the file counts, and a clock that goes back by half a day or more begins the next day.
 #pragma once
 
 #include "tools/trace/lines/seen_line.h"
@@ -24,9 +24,9 @@ struct RecordedLoss {
 };
 
 struct RecordedDay {
-}; ///< says which day it is
+}; ///< names the day
 struct NotRecorded {
-}; ///< no viewer's line, or an arrival's
+}; ///< no viewer's line, or the line of an arrival
 
 using RecordedLine = std::variant<NotRecorded, RecordedDay, RecordedLoss, SeenLine>;
 

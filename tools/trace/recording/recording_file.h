@@ -11,22 +11,22 @@
 namespace kestraboot::tools
 {
 
-/// A file that is read from its beginning to its end, a piece at a time; others may write it meanwhile.
+/// Reads a file from its beginning to its end, in pieces; other programs may write it meanwhile.
 class RecordingFile
 {
 public:
     explicit RecordingFile(const std::wstring& path);
 
-    /// The system's last error says why not.
+    /// On failure the system's last error is the reason.
     [[nodiscard]] bool IsOpen() const noexcept { return static_cast<bool>(file); }
 
-    /// Empty at the end; nothing when it cannot be read. Good until the next call.
+    /// Empty at the end; nothing if it cannot be read. Valid until the next call.
     [[nodiscard]] std::optional<std::string_view> Read();
 
     [[nodiscard]] std::uint64_t Size() const noexcept;
     [[nodiscard]] std::uint64_t Position() const noexcept { return position; }
 
-    /// The local day, since 1970, on which it was written last.
+    /// The local day, since 1970, of its last change.
     [[nodiscard]] std::int64_t LastDay() const noexcept;
 
 private:

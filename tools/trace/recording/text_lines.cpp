@@ -11,7 +11,7 @@ namespace
 
 constexpr std::size_t kEnoughToRecognise = 4;
 
-/// How many bytes the character takes that begins so; 0 where none begins so.
+/// The number of bytes of a character that begins in this way; 0 if none does.
 std::size_t LengthByLead(unsigned char lead) noexcept
 {
     if (lead < 0x80) {
