@@ -7,7 +7,7 @@
 
 void Sheet::ChooseFolder() const
 {
-    std::wstring question = Text(IDS_PICK_FOLDER);
+    const std::wstring question = Text(IDS_PICK_FOLDER);
     BROWSEINFOW browse = {};
     browse.hwndOwner = window;
     browse.lpszTitle = question.c_str();

@@ -17,7 +17,8 @@ file(GLOB_RECURSE programs ${root}/bin/*.exe ${root}/bin/*.dll ${root}/bin/*.mox
 execute_process(COMMAND ${STRIP} ${programs} COMMAND_ERROR_IS_FATAL ANY)
 
 # What tests read of the source tree.
-foreach(file IN ITEMS docs/kestractl.schema.json docs/kestratrace.schema.json docs/tools.md include/kestraboot tests/endurance/faults/expected tests/library/exports.txt)
+foreach(file IN ITEMS docs/kestractl.schema.json docs/kestratrace.schema.json docs/tools.md include/kestraboot tests/endurance/faults/expected tests/library/exports.txt
+        tests/tools/recordings/demo.log)
     cmake_path(GET file PARENT_PATH folder)
     file(COPY ${SOURCE}/${file} DESTINATION ${root}/bin/sources/${folder})
 endforeach()

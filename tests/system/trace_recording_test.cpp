@@ -1,4 +1,5 @@
 // Recordings read back by the trace viewer.
+#include "tests/support/source_file.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/unix_path.h"
 #include "tests/system/debug_reader.h"
@@ -80,7 +81,7 @@ TEST_F(TraceRecording, GivesTheSameArrivalsAsTheLiveLines)
     // What the demo wrote, as if one process had written all of it.
     std::string recording = "-- 2026-11-21\r\n";
     std::vector<std::string> texts;
-    for (const std::string& line : LinesOf(Contents(KESTRABOOT_RECORDINGS "/demo.log"))) {
+    for (const std::string& line : LinesOf(Contents(SourceFile("tests/tools/recordings/demo.log")))) {
         if (line.size() > kLineColumn) {
             texts.push_back(line.substr(kLineColumn));
             recording += line.substr(0, 14) + kHead.substr(14) + texts.back() + "\r\n";

@@ -54,7 +54,7 @@ LRESULT CALLBACK ServiceProcedure(HWND window, UINT message, WPARAM wParam, LPAR
             return FALSE;
         }
         // Not from here: COM does not call out while a message is being answered.
-        auto* const id =
+        const auto* const id =
             new std::wstring(static_cast<const wchar_t*>(data.lpData), data.cbData / sizeof(wchar_t));
         ::PostMessageW(window, kFireMessage, 0, reinterpret_cast<LPARAM>(id));
         return TRUE;
