@@ -149,7 +149,7 @@ TEST_F(SheetCopy, ACardPulledInTheMiddleLeavesWholeFilesAlone)
     card.AddFile(L"c.jpg", jpeg);
     Begin(IDC_COPY_ALL, 3, L" Unreadable pictures: 1.");
     ASSERT_TRUE(AwaitText(IDC_ACTION, L"Copying 1 of 3: a.jpg"));
-    ASSERT_TRUE(TakeCardOut(L'E'));
+    ASSERT_TRUE(simulators::TakeCardOut(L'E'));
     EXPECT_TRUE(AwaitText(IDC_ACTION, L"E: was removed. Copied: 1 of 3."));
     EXPECT_TRUE(AwaitText(IDC_STATUS, L"E: was removed. Pictures: 3. Unreadable pictures: 1."));
     EXPECT_THAT(Copied(), ElementsAre("a.jpg"));

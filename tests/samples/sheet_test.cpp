@@ -71,7 +71,7 @@ TEST_F(Sheet, ACardThatGoesMakesNoPictureUnreadable)
     Show();
     ASSERT_TRUE(AwaitText(IDC_STATUS, L"Pictures: 100."));
     ASSERT_TRUE(AwaitPicture(0));
-    ASSERT_TRUE(TakeCardOut(L'E'));
+    ASSERT_TRUE(simulators::TakeCardOut(L'E'));
     EXPECT_EQ(list->Image(99), 0) << "not decoded yet: it is asked for now";
     EXPECT_TRUE(AwaitText(IDC_STATUS, L"E: was removed. Pictures: 100."));
     EXPECT_FALSE(::IsWindowEnabled(Item(IDC_COPY_ALL)));
@@ -85,9 +85,11 @@ TEST_F(Sheet, IsToldByWindowsThatItsDriveWasRemoved)
     AddPictures(1);
     Show();
     ASSERT_TRUE(AwaitText(IDC_STATUS, L"Pictures: 1."));
-    ASSERT_TRUE(SendVolumeMessage(window, DBT_DEVICEREMOVECOMPLETE, L'F', SMTO_NORMAL, 30'000));
+    ASSERT_TRUE(
+        simulators::SendVolumeMessage(window, DBT_DEVICEREMOVECOMPLETE, L'F', SMTO_NORMAL, 30'000));
     EXPECT_TRUE(AwaitText(IDC_STATUS, L"Pictures: 1."));
-    ASSERT_TRUE(SendVolumeMessage(window, DBT_DEVICEREMOVECOMPLETE, L'E', SMTO_NORMAL, 30'000));
+    ASSERT_TRUE(
+        simulators::SendVolumeMessage(window, DBT_DEVICEREMOVECOMPLETE, L'E', SMTO_NORMAL, 30'000));
     EXPECT_TRUE(AwaitText(IDC_STATUS, L"E: was removed. Pictures: 1."));
 }
 

@@ -9,12 +9,12 @@ namespace kestraboot::tests
 SheetWindows::~SheetWindows()
 {
     CloseAll(); // before the card goes
-    static_cast<void>(TakeCardOut(L'E'));
+    static_cast<void>(simulators::TakeCardOut(L'E'));
 }
 
 void SheetWindows::Show()
 {
-    ASSERT_TRUE(InsertCard(L'E', UnixPath(card.Path())));
+    ASSERT_TRUE(simulators::InsertCard(L'E', UnixPath(card.Path())));
     viewer = StartFor(app, L"direct", L"devType=volume priDevId=\"E:\"");
     window = AwaitShown(*viewer, L"Pictures on E:");
     list = std::make_unique<RemoteList>(Item(IDC_PICTURES));

@@ -86,7 +86,7 @@ TEST_F(AtAPrompt, AShortRunOpensTheWindowOnlyWhereItJoinedOne)
               (Lines{"<calls AttachConsole>"}));
     EXPECT_EQ(calls(L"kestraboot.exe!AttachConsole=tell kestraboot.exe!freopen=tell", WritesOn::Console),
               (Lines{"<calls AttachConsole>"}));
-    EXPECT_EQ(console.Text(), "C:\\>\n" + kVersionText);
+    EXPECT_EQ(console.Text(), "C:\\>\n" + VersionText());
 }
 
 TEST_F(AtAPrompt, ARunThatSucceedsSaysNothing)
