@@ -8,7 +8,7 @@ namespace kestraboot
 void AppendFormats(std::vector<formatInfo_tag>& formats, std::wstring_view extensions,
                    const wchar_t* mediaType)
 {
-    constexpr std::size_t kUsualFormats = 16; // of one application; for so many, memory is taken once
+    constexpr std::size_t kUsualFormats = 16; // of one application; so many need one allocation
 
     while (!extensions.empty()) {
         const std::wstring_view extension = extensions.substr(0, extensions.find(L' '));

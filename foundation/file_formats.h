@@ -8,9 +8,9 @@
 namespace kestraboot
 {
 
-/// Appends one format of kind `mediaType` ("Image", "Audio", "Video") for each extension of a list that
-/// is separated by single blanks. Empty pieces are left out; nothing is trimmed, lower-cased or left out
-/// as a duplicate.
+/// Appends one format of kind `mediaType` ("Image", "Audio", "Video") for each extension of a list
+/// that is separated by single blanks. Skips empty pieces; does not trim, change the case or remove
+/// duplicates.
 void AppendFormats(std::vector<formatInfo_tag>& formats, std::wstring_view extensions,
                    const wchar_t* mediaType);
 

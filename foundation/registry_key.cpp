@@ -122,7 +122,7 @@ const wchar_t* RegistryKey::QueryString(const wchar_t* valueName)
 
 void RegistryKey::MakeRoom(DWORD bytes)
 {
-    constexpr DWORD kUsualRoom = 512; // most texts are shorter: one piece of memory serves a whole key
+    constexpr DWORD kUsualRoom = 512; // most texts are shorter: one allocation serves a whole key
 
     if (bytes > valueBufferRoom) {
         valueBufferBytes = 0;

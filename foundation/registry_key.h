@@ -63,13 +63,13 @@ public:
 private:
     RegistryKey(HKEY root, const std::wstring& subkey, REGSAM access);
 
-    /// For a text of so many bytes.
+    /// Makes room for a text of so many bytes.
     void MakeRoom(DWORD bytes);
 
     LONG status = ERROR_SUCCESS; ///< of the last registry call made through this object
     UniqueRegistryHandle key;
-    DWORD valueBufferBytes = 0; ///< size offered to the next read, no more than there is room for
-    DWORD valueBufferRoom = 0;  ///< bytes of text that the buffer takes; more are allocated
+    DWORD valueBufferBytes = 0; ///< size offered to the next read, never more than the room
+    DWORD valueBufferRoom = 0;  ///< bytes of text that fit in the buffer; more are allocated
     std::unique_ptr<wchar_t[]> valueBuffer;
     std::unique_ptr<wchar_t[]> nameBuffer;
 };

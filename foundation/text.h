@@ -26,8 +26,8 @@ void CopyToField(wchar_t (&field)[Capacity], std::wstring_view text) noexcept
 /// Whole strings, as the C runtime's _wcsicmp compares them.
 [[nodiscard]] bool EqualIgnoringCase(const std::wstring& left, const std::wstring& right) noexcept;
 
-/// `below` behind `path` and a backslash, in one piece of memory: how many operator+ takes differs from
-/// library to library.
+/// `below` after `path` and a backslash. Allocates once: the number of allocations of operator+
+/// differs from library to library.
 [[nodiscard]] std::wstring JoinPath(std::wstring_view path, std::wstring_view below);
 
 /// `text` unchanged if it begins with a double quote, otherwise between double quotes.

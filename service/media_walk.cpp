@@ -31,13 +31,13 @@ int FormatEntry(TraceBuffer& line, unsigned level, const wchar_t* kind, const wc
 void TraceFolder(unsigned level, const wchar_t* path) noexcept
 {
     TraceBuffer line = {};
-    static_cast<void>(FormatEntry(line, level, L"FOLDER", path)); // cut or empty, it is written
+    static_cast<void>(FormatEntry(line, level, L"FOLDER", path)); // written even if cut or empty
     ::OutputDebugStringW(line);
 }
 
-/// The trace lines of the files of one folder. They differ in the name alone, so the first of them is
-/// formatted without it, and each gets its own: to format every line takes longer than all else that is
-/// done for a file.
+/// The trace lines of the files of one folder. They differ in the name alone, so only the first is
+/// formatted, without its name, and each line gets its own name: formatting every line takes longer
+/// than everything else that is done for a file.
 class FileLine
 {
 public:
@@ -61,7 +61,7 @@ public:
 private:
     static constexpr std::wstring_view kBehindName = L">\n";
 
-    /// As much as there is room for. Answers the end.
+    /// Writes as much as fits. Returns the end.
     wchar_t* Append(wchar_t* at, std::wstring_view text) noexcept
     {
         return at + text.copy(at, static_cast<std::size_t>(std::end(line) - 1 - at));

@@ -27,6 +27,9 @@
 /// applications under HKLM alone. `SniffDepth` counts for one application: the one whose proxy is the
 /// running program.
 ///
+/// Do not name a .cmd or .bat file as `CmdLine`: Windows passes the command line of such a file to
+/// cmd.exe, and a device's name in it can then run commands.
+///
 /// *parent* is *key* up to its first `\Corvane Kestrafetch`. That is the key above *key*, with one
 /// exception: if the name of the product's own key begins with these words, *parent* is
 /// `SOFTWARE\Corvane` itself. An example is

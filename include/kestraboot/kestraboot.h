@@ -12,6 +12,11 @@
 /// | make an application compatible | application_info.h: the registry keys that its installer writes |
 /// | write a device plugin | mox_plugin.h, which needs no other header of this library |
 ///
+/// **Windows.** The library loads on 64-bit Windows from Vista on. It detects cards, cameras and
+/// scanners on Windows 2000, XP and Vista, by the version that Windows reports to the process. On
+/// Windows 7, 8, 10 and 11 plugins alone report devices, unless a compatibility mode makes Windows
+/// report Vista.
+///
 /// **Compiler.** Strings, vectors and exceptions cross the boundary of the DLL. Build a host with the
 /// same compiler family as the library, in any build type, and link the C++ runtime as a DLL; the
 /// package contains it. A plugin may be built with any compiler.

@@ -1,4 +1,4 @@
-// Which build these programs are. The one file of them that is compiled anew after a commit.
+// The build of these programs. Only this file is compiled again after a commit.
 #pragma once
 
 #include <string>
@@ -15,7 +15,7 @@ struct Build {
 
 [[nodiscard]] Build ThisBuild() noexcept;
 
-/// What a program answers to --version.
+/// The output of --version.
 [[nodiscard]] std::string VersionAnswer(const char* program);
 
 } // namespace kestraboot::tools

@@ -1,4 +1,4 @@
-// What each JSON object of kestractl begins with.
+// The first members of each JSON object of kestractl.
 #pragma once
 
 #include "tools/common/build.h"

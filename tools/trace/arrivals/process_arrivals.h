@@ -10,7 +10,6 @@
 // device is an arrival of its own, because plugins write no line; unless the started program may
 // have written it. A process that finds no application ends: at a start, or when a scan reads its
 // settings, so also before the volume is decided.
-// search asks for its settings, so also before the volume is decided on.
 #pragma once
 
 #include "tools/trace/arrivals/open_devices.h"
@@ -57,7 +56,7 @@ private:
     OpenDevice& Open(DeviceState state, const SeenLine& line, const char* tracker,
                      const TraceEvent& event);
     OpenDevice& OpenUnannounced(const SeenLine& line, const TraceEvent& event);
-    /// The notice, where it is not too old for this line.
+    /// The notice, unless it is too old for this line.
     [[nodiscard]] std::optional<TimeStamp> FreshNotice(const SeenLine& line) const;
     void TakePlugin(const std::string& name);
     void TakeVolumeFound(const SeenLine& line, const TraceEvent& event);
