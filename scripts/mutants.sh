@@ -10,7 +10,12 @@ set -euo pipefail
 help_wanted "$@"
 cd "$(dirname "$0")/.."
 if [ "${1-}" = --rooms ]; then exec scripts/mutants/run.py --rooms; fi
-case ${1-} in '' | *[!0-9]*) room=${1-} && shift || true ;; *) room= ;; esac
+room=
+case ${1-} in *[!0-9]*)
+    scripts/mutants/run.py --rooms | grep -qxF -- "$1" || wrong_usage "no such room: $1"
+    room=$1 && shift
+    ;;
+esac
 number=${1:-30}
 case $number in *[!0-9]* | 0) wrong_usage "no number of mutants: $number" ;; esac
 [ $# -le 1 ] || wrong_usage "too many arguments"

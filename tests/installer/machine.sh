@@ -158,9 +158,10 @@ defaults() {
 
 picture_found() { grep -qs 'pictures: 1' "$reports"/*.txt; }
 
-# card: puts a card in and takes it out. The application that was started, and the mode.
+# card: inserts a card and removes it again. The application that was started, and the mode. Closes its window, as its
+# user would: an open one keeps its files in use.
 card() {
-    local try started=-
+    local try started=- program=
     if [ -z "$(boot_processes)" ]; then
         echo - # there is nobody to notice it
         return
@@ -172,11 +173,12 @@ card() {
         wine_run "$own" 60 "$build/bin/card_reader.exe" remove E >/dev/null
     done
     case $(basename "$(echo "$reports"/*.txt)") in
-    viewer.txt) started=A ;;
-    second.txt) started=B ;;
+    viewer.txt) started=A program=viewer.exe ;;
+    second.txt) started=B program=second.exe ;;
     esac
     echo "$started $(sed -n 's/^mode: //p' "$reports"/*.txt 2>/dev/null | sort -u | tr -d '\r\n')"
     wine_run "$own" 60 "$build/bin/card_reader.exe" remove E >/dev/null
+    [ -z "$program" ] || wine_run "$own" 60 taskkill /im "$program" >/dev/null
     rm -rf "$reports"
 }
 

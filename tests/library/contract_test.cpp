@@ -106,7 +106,7 @@ TEST_P(Contract, SaysWhetherItCanEndTheProcess)
     EXPECT_EQ(said, ended) << comment;
 
     const std::string overview = ReadHeader("information_handler.h");
-    const std::size_t list = overview.find("**What ends the process.**");
+    const std::size_t list = overview.find("**Operations that end the process.**");
     const std::string listed = overview.substr(list, overview.find("class CKestra") - list);
     EXPECT_EQ(listed.find(GetParam().first + "()") != std::string::npos, ended) << listed;
 }
