@@ -65,7 +65,7 @@ run 0 "$source/scripts/setup.sh"
 for package in g++-mingw-w64-x86-64-posix clang-tidy doxygen; do called " $package"; done
 run 0 "$source/scripts/setup.sh" ucrt
 called ' g++-mingw-w64-ucrt64'
-! grep -Eq 'clang|doxygen|cppcheck' calls || { cat calls; fail "the UCRT's suite installs what it does not need"; }
+! grep -Eq 'clang|cppcheck|codespell' calls || { cat calls; fail "the UCRT's suite installs what it does not need"; }
 stand_in apt-get '[ "$1" != -y ]'
 run 1 "$source/scripts/setup.sh" ucrt
 says 'apt-get did not install them'
