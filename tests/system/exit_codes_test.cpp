@@ -26,7 +26,7 @@ protected:
 
     DWORD ServeUntilACardArrives()
     {
-        app.AddOemFile(""); // no longer stops it
+        app.AddOemFile(""); // an empty file does not stop it
         app.Register();
         SetWindowsVersion(L"kestraboot.exe", L"vista");
         ChildProcess boot(app.Proxy());
@@ -85,7 +85,7 @@ TEST_F(ExitCodes, AreThoseOfThePage)
     Row("it was in control, a device arrived, and no compatible application was installed any more",
         ServeUntilACardArrives());
     Row("a window, memory or a working folder is not available", RunWithoutWindows());
-    EXPECT_EQ(Run(L"--version"), kDone); // the other arguments do not ask for an application
+    EXPECT_EQ(Run(L"--version"), kDone); // the other arguments need no application
     EXPECT_EQ(Run(L"/install"), kUsage);
     EXPECT_EQ(Run(L"-default Maker"), kUsage);
 
