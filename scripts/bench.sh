@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# Measures what the library costs against what Windows itself costs: builds, runs, prints one table. The rows
-# stay in build/bench as CSV.
-#   --rounds N      at least so many rounds of each row (15); rows that are quick make more
+# Measures the cost of the library and of Windows itself: builds, runs, and prints one table. The rows remain in
+# build/bench as CSV.
+#   --rounds N      at least N rounds of each row (15); quick rows make more
 #   --rows REGEX    only the rows whose "name size" matches, such as 'walk 1000$' or '^dispatch'
-#   --resume        leaves rows alone that were measured already, from these very sources
-#   --record        also writes the table into docs/speed.md and draws docs/speed.svg, for which it installs
-#                   python3-matplotlib
-#   --report        measures nothing: the table of what was measured before, from these very sources
-# Ends with 1 where a row fails or misses its goal.
+#   --resume        skips rows that were already measured from the same sources
+#   --record        also writes the table into docs/speed.md and draws docs/speed.svg; installs python3-matplotlib for
+#                   that
+#   --report        measures nothing: prints the table of the rows that were measured from the same sources
+# Exits with 1 if a row fails or misses its goal.
 set -euo pipefail
 . "$(dirname "$0")/usage.sh"
 
@@ -77,7 +77,7 @@ measure() {
     sources=sources,$(bench/report.py --sources)
     chosen=$(awk -v wanted="$wanted" '($1 " " $2) ~ wanted' <<<"$rows")
     [ -n "$chosen" ] || { echo "no row matches $wanted" >&2 && exit 2; }
-    # On one processor, with Wine's server: between two of them the wake-up is most of what a call takes, and varies.
+    # On one processor, together with Wine's server: between two, most of a call's time is the wake-up, which varies.
     taskset -cp 0 $$ >/dev/null
     scripts/test-prefix.sh begin "$prefix"
     trap 'scripts/test-prefix.sh end "$prefix"' EXIT
@@ -96,7 +96,7 @@ measure() {
             bench/cards.py "$out/cards/$card-$files" "$card" "$files"
             arguments=("$PWD/$out/cards/$card-$files")
         fi
-        [ "$name" != dispatch ] || taskset -cp "0-$(($(nproc --all) - 1))" $$ >/dev/null # threads beside each other
+        [ "$name" != dispatch ] || taskset -cp "0-$(($(nproc --all) - 1))" $$ >/dev/null # threads run in parallel
         local start=$SECONDS
         echo "$sources" >"$file.new"
         if wine_run "$prefix" 300 $bin/"$program".exe "$name" "$size" "$rounds" "${arguments[@]}" >>"$file.new"; then
@@ -112,4 +112,4 @@ measure() {
 
 [ -z "$record" ] || scripts/setup.sh curves
 [ -n "$report" ] || measure
-/usr/bin/python3 bench/report.py $record $out # Debian's own, for which that package is
+/usr/bin/python3 bench/report.py $record $out # Debian's own, because that package is for it

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# The main job, end to end, on real input: builds, makes a Wine prefix of its own, and shows the live trace
-# (time, process, line) while devices come and go. Ends with a table; fails where it differs from what is expected.
-# Takes no arguments. What it needs and is not there yet it installs.
+# Shows the main job, end to end, on real input: builds, makes a Wine prefix of its own, and shows the live trace
+# (time, process, line) while devices arrive and leave. Prints a table at the end; fails if a row is not as expected.
+# Takes no arguments. Installs missing packages.
 set -euo pipefail
 . "$(dirname "$0")/usage.sh"
 no_arguments "$@"

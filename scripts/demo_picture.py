@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Draws the beginning and the end of what scripts/demo.sh printed, as a terminal shows it.
+"""Draws the beginning and the end of the output of scripts/demo.sh as a terminal shows it.
 
     scripts/demo.sh | tee build/demo.log; scripts/demo_picture.py build/demo.log >docs/demo.svg
 """
@@ -56,7 +56,7 @@ def main() -> int:
     for number, (kind, part) in enumerate(shown):
         if part.strip():
             y = MARGIN + number * LINE + 13
-            # Blanks at the front as a distance: not every viewer keeps them.
+            # Leading blanks become a distance, because not every viewer preserves them.
             x = MARGIN + (len(part) - len(part.lstrip())) * LETTER
             width_of = len(part.strip()) * LETTER
             print(f'  <text class="{kind}" x="{x:.1f}" y="{y}" textLength="{width_of:.1f}" xml:space="preserve">'

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Breaks the product in one place at a time and runs the tests of that place: whatever they let pass is a gap. Works on
-# a copy of the committed sources in build/mutants. Takes about 15 s for a mutant, and is no part of scripts/test.sh.
-#   mutants.sh [ROOM] [NUMBER]     so many mutants of that room, or of each room (default 30); rooms: mutants.sh --rooms
-#   KESTRABOOT_SEED=N              the choice of another run, as its first line names it
-# A mutant that changes nothing stands in scripts/mutants/equivalent.txt, with the reason. Ends with 1 where a room's
-# tests catch less than 95% of the others.
+# Breaks the product in one place at a time and runs the tests of that place. If they pass, there is a gap. Works on a
+# copy of the committed sources in build/mutants. Takes about 15 s for each mutant; scripts/test.sh does not run it.
+#   mutants.sh [ROOM] [NUMBER]     NUMBER mutants of ROOM, or of each room (default 30); rooms: mutants.sh --rooms
+#   KESTRABOOT_SEED=N              repeats the choice of another run, which prints N in its first line
+# scripts/mutants/equivalent.txt lists the mutants that change no behaviour, with the reason. Exits with 1 if a room's
+# tests detect less than 95% of the others.
 set -euo pipefail
 . "$(dirname "$0")/usage.sh"
 help_wanted "$@"
@@ -25,7 +25,7 @@ tree=$PWD/build/mutants/tree build=$PWD/build/mutants/build
 rm -rf "$tree"
 mkdir -p build/mutants
 git archive --format=tar --prefix=tree/ HEAD | tar -x -C build/mutants
-# Without a history the copy cannot name its commit; nothing here asks for it.
+# Without a history the copy cannot name its commit; nothing here needs the name.
 cmake -S "$tree" -B "$build" -G Ninja --toolchain "$tree/cmake/toolchain-mingw-gcc.cmake" -DCMAKE_BUILD_TYPE=Debug \
     -DCMAKE_CXX_FLAGS_DEBUG=-O0 -DCMAKE_UNITY_BUILD=ON >/dev/null
 trap 'scripts/test-prefix.sh end "$build/wine"' EXIT

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Takes the pictures of the sample viewer's windows that the pages show: docs/chooser.png, docs/contact-sheet.png.
-# Builds what is in them, and runs it in a Wine prefix of its own on a display of its own (Xvfb). Takes no arguments.
-# What it needs and is not there yet it installs. The demo and the tests need none of it.
+# Takes the pictures of the sample viewer's windows for the pages: docs/chooser.png, docs/contact-sheet.png. Builds the
+# programs, and runs them in a Wine prefix of its own on a display of its own (Xvfb). Takes no arguments. Installs
+# missing packages. The demo and the tests do not need it.
 set -euo pipefail
 . "$(dirname "$0")/usage.sh"
 no_arguments "$@"
@@ -26,7 +26,7 @@ exec 3>&-
 until [ -s "$work/display" ]; do kill -0 $screen && sleep 0.1; done
 display=:$(cat "$work/display")
 
-# on_screen SECONDS PROGRAM ...: a program whose windows are shown.
+# on_screen SECONDS PROGRAM ...: runs a program with visible windows.
 on_screen() { wine_in "$prefix" env DISPLAY="$display" timeout "$1" wine "${@:2}" </dev/null >>"$work/log" 2>&1; }
 
 # Without a window manager Wine draws the frames itself.
@@ -35,16 +35,16 @@ wine_run "$prefix" 60 reg delete 'HKCU\Software\Wine\Drivers' /v Graphics /f >/d
 wine_run "$prefix" 60 reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
 wine_prefix_end "$prefix"
 
-# The card: landscapes, with the dates that a camera would write; one file is broken.
+# The card: landscapes, with dates as a camera writes them; one file is corrupt.
 scripts/screenshots/card.py "$work/card/DCIM/100TEST"
 ln -sfn "$work/card" "$prefix/dosdevices/e:"
 
-# Three applications of three names, and the legacy organiser.
+# Three applications with different names, and the legacy organiser.
 mkdir -p "$apps"
 cp build/release/bin/{viewer.exe,kestraboot.exe,kestraboot.dll,libstdc++-6.dll,libgcc_s_seh-1.dll,libwinpthread-1.dll} "$apps/"
 on_screen 60 regedit /S scripts/screenshots/applications.reg
 
-# take FILE MODE: starts the viewer, waits until its window no longer changes, and keeps what is not background.
+# take FILE MODE: starts the viewer, waits until its window no longer changes, and saves the part without background.
 take() {
     local before='' now=none
     printf '@C:\\Apps\\viewer.exe module=kestrafetch params mode=%s devType=volume priDevId="E:"\r\n' "$2" >"$work/start.bat"

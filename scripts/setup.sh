@@ -1,36 +1,36 @@
 #!/usr/bin/env bash
-# Installs what is not there yet, on Debian 12, Debian 13 and what is built from them. Can be run any number of times.
-#   setup.sh demo     what building and running the demo needs
-#   setup.sh curves   what scripts/bench.sh --record draws with
-#   setup.sh screenshots  what scripts/screenshots.sh takes its pictures with
-#   setup.sh ucrt     what scripts/test-ucrt.sh needs; Debian has that compiler from 13 on
-#   setup.sh          what the demo needs, and what scripts/test.sh needs: the second compiler, the linter, the formatter, ...
+# Installs missing packages, on Debian 12, Debian 13 and systems derived from them. Can be run any number of times.
+#   setup.sh              the packages for the demo and for scripts/test.sh: second compiler, linter, formatter, ...
+#   setup.sh demo         the packages that build and run the demo
+#   setup.sh curves       the package with which scripts/bench.sh --record draws
+#   setup.sh screenshots  the packages for scripts/screenshots.sh
+#   setup.sh ucrt         the packages for scripts/test-ucrt.sh; Debian has that compiler from 13 on
 set -euo pipefail
 . "$(dirname "$0")/usage.sh"
 
 demo=(
     cmake ninja-build
     g++-mingw-w64-x86-64-posix                     # the compiler: MinGW-w64, posix threads
-    googletest                                     # its sources, cross-built with the tests
+    googletest                                     # its sources; they are cross-built with the tests
     libcli11-dev nlohmann-json3-dev                # header-only: the tools' options and JSON
     libjpeg-turbo-progs                            # makes the demo's picture
-    python3                                        # the bill of materials of what is installed
-    wine wine64                                    # runs what was built
+    python3                                        # writes the bill of materials
+    wine wine64                                    # runs the programs
 )
 suite=(
     "${demo[@]}"
     doxygen                                        # the reference of the exported interface
     git
     msitools wixl                                  # make the sample installer
-    openssl osslsigncode                           # sign what the test of signatures verifies
-    pkgconf                                        # asks the package's pkg-config file
-    python3-jsonschema                             # holds the tools' JSON against its schema
+    openssl osslsigncode                           # sign, for the test of signatures
+    pkgconf                                        # reads the package's pkg-config file
+    python3-jsonschema                             # validates the tools' JSON against its schema
 )
 all=(
     "${suite[@]}"
-    clang clang-tidy                               # the second compiler, the linter: those of the release
-    codespell                                      # the spelling of everything that people read
-    cppcheck                                       # a second opinion beside the linter's
+    clang clang-tidy                               # the second compiler and the linter, in the release's versions
+    codespell                                      # checks the spelling
+    cppcheck                                       # a second static analyser
     lld                                            # the second compiler's linker
 )
 
@@ -43,7 +43,7 @@ case "$# ${1-}" in
 '1 ucrt') packages=("${suite[@]}" g++-mingw-w64-ucrt64) ;;
 *) wrong_usage "no such group of packages: $*" ;;
 esac
-# The format is held by one version of the formatter; releases after these have it no more (scripts/test.sh says so).
+# One version of the formatter decides the format. Later releases lack it, and scripts/test.sh then prints that it skips it.
 if [ $# -eq 0 ]; then
     case $(. /etc/os-release && echo "$ID ${VERSION_ID-}") in
     'debian 12' | 'ubuntu 24.04') packages+=(clang-format-14) ;;

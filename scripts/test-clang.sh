@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# The whole suite, built with the second compiler and its linker, and run; meanwhile clang-tidy over the product.
-# What it needs and is not there yet it installs.
+# Builds the whole suite with the second compiler and its linker, and runs it; meanwhile runs clang-tidy over the
+# product. Installs missing packages.
 #   --tests-regex REGEX      only the tests whose names match
-#   --exclude-regex REGEX    not those
+#   --exclude-regex REGEX    without the tests whose names match
 set -euo pipefail
 . "$(dirname "$0")/usage.sh"
 help_wanted "$@"

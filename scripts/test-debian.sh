@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Both commands of README as a newcomer runs them: in a bare Debian of that release, made in build/debian-RELEASE and
-# removed again, from a clone of what is committed here. Shows what failed; the outputs stay in build/debian-RELEASE.*.
-# Takes half an hour and 7 GB, needs root, debootstrap and the network, and is no part of scripts/test.sh.
+# Runs both commands of README as a newcomer does: in a bare Debian of that release, from a clone of the committed
+# sources. Makes the system in build/debian-RELEASE and removes it at the end. Shows the failures; the outputs remain in
+# build/debian-RELEASE.*. Takes half an hour and 7 GB; needs root, debootstrap and the network. scripts/test.sh does not
+# run it.
 #   test-debian.sh 12 | 13
 set -euo pipefail
 . "$(dirname "$0")/usage.sh"
@@ -19,8 +20,9 @@ root=$out
 [ "$(id -u)" = 0 ] || { echo "test-debian.sh: only root can make a system in a folder" >&2 && exit 1; }
 command -v debootstrap >/dev/null || { echo "test-debian.sh: apt-get install debootstrap" >&2 && exit 1; }
 
-# inside COMMAND: takes this shell's place, which is to be one of its own. The command's processes and mounts are the
-# system's own, and end with it, however it ends: nothing of this machine lies below the folder when it is removed.
+# inside COMMAND: replaces this shell, so call it in a subshell. The command's processes and mounts belong to the new
+# system and end with the command, however it ends. So nothing of this machine is mounted below the folder when it is
+# removed.
 inside() {
     # shellcheck disable=SC2016 # expanded there
     exec unshare --mount --propagation private --pid --fork --kill-child --mount-proc="$root/proc" bash -c '
@@ -49,7 +51,7 @@ trap 'exit 1' INT TERM
 size() { du --summarize --one-file-system --block-size=1M "$root" | cut -f1; }
 failed=0 summary=()
 
-# try SCRIPT: in the clone, its output shown and kept, what failed collected.
+# try SCRIPT: runs it in the clone, shows and saves its output, and collects the failures.
 try() {
     local log=$out.$1.log start=$SECONDS before status=0 verdict=passed
     before=$(size)
@@ -59,7 +61,7 @@ try() {
     running=$!
     tail -n +1 -f --pid=$running "$log" &
     shown=$!
-    wait $running || status=$? # a signal ends this wait, and no other
+    wait $running || status=$? # a signal interrupts this wait alone
     running=
     wait $shown
     [ $status = 0 ] || { verdict="FAILED with $status" && failed=1; }

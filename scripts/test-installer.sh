@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Every order in which the sample installer's two products are installed, upgraded, repaired and removed, and the cases
-# that go wrong. Takes about five minutes; the test `installer` runs two of the orders. Needs the build folder and the
-# Wine prefix of the tests. The table of what was there after each step is left in build/release/installer/table.md.
+# Tests every order in which the sample installer's two products are installed, upgraded, repaired and removed, and the
+# failures. Takes about five minutes; the test `installer` runs two of the orders. Needs the build folder and the Wine
+# prefix of the tests. build/release/installer/table.md then holds the state after each step.
 # Takes no arguments.
 set -euo pipefail
 . "$(dirname "$0")/usage.sh"

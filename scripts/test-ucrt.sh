@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# The whole suite, built for the UCRT, and run: for the archive kestraboot-VERSION-win64-ucrt.zip what scripts/test.sh is
-# for the other. What it needs and is not there yet it installs; Debian has the compiler, g++-mingw-w64-ucrt64, from 13 on.
+# Builds the whole suite for the UCRT, and runs it: the counterpart of scripts/test.sh for the archive
+# kestraboot-VERSION-win64-ucrt.zip. Installs missing packages; Debian has the compiler, g++-mingw-w64-ucrt64, from 13 on.
 #   --tests-regex REGEX      only the tests whose names match
-#   --exclude-regex REGEX    not those
+#   --exclude-regex REGEX    without the tests whose names match
 set -euo pipefail
 . "$(dirname "$0")/usage.sh"
 help_wanted "$@"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Everything that must pass: format, the checks of the tree, the build, every test, the second compiler, the linter.
-# Takes no arguments. What it needs and is not there yet it installs.
+# Runs everything that must pass: format, the checks of the tree, the build, every test, the second compiler, the linter.
+# Takes no arguments. Installs missing packages.
 set -euo pipefail
 . "$(dirname "$0")/usage.sh"
 no_arguments "$@"
@@ -30,6 +30,9 @@ stage "Spelling"
 codespell --ignore-words scripts/checks/spelling.txt $(git ls-files | grep -vE '\.(svg|png)$')
 echo "no misspelling that codespell knows"
 
+stage "Wording"
+scripts/checks/prose.py
+
 stage "Include directions"
 scripts/checks/include_directions.py
 
@@ -51,8 +54,8 @@ cmake --build --preset release
 
 stage "Tests; meanwhile the second compiler's, and the linter"
 log=build/clang.log
-set -m # a process group of its own, which can be ended as a whole
-# Without the tests of the shipped programs and of the package, which take as long as all else: GCC's are shipped.
+set -m # a process group of its own, so that finish() can terminate all of it
+# Without the tests of the shipped programs and of the package: they take as long as all others, and GCC's are shipped.
 scripts/test-clang.sh --exclude-regex 'system|guides|installer|package|real_windows.archive' >$log 2>&1 </dev/null &
 clang=$!
 set +m
@@ -61,7 +64,7 @@ finish() {
     for build in release clang; do scripts/test-prefix.sh end build/$build/wine; done
 }
 trap finish EXIT
-ctest --preset release --parallel 3 # many wait for processes of theirs
+ctest --preset release --parallel 3 # many tests wait for their processes
 
 stage "The second compiler and the linter"
 tail -n +1 -f --pid=$clang $log

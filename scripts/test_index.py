@@ -1,9 +1,8 @@
 #!/usr/bin/env python3
-"""Writes tests/README.md: from each behaviour to the test that checks it, by room and by guide, made from the names
-of the tests.
+"""Writes tests/README.md from the names of the tests: for each behaviour the test that checks it, by room and by guide.
 
 usage: test_index.py            writes the page
-       test_index.py --check    compares: fails where the page is not what the tests say, or where a name is unclear
+       test_index.py --check    fails if the page differs from the tests, or if a name is unclear
 """
 import collections
 import pathlib
@@ -17,8 +16,8 @@ ENTRY = re.compile(r"add_test\(\s*NAME\s+(\S+)")
 WORD = re.compile(r"[A-Z]+(?=[A-Z][a-z]|\d|$)|[A-Z]?[a-z]+|[A-Z]+|\d+")
 HEAD = """# From behaviour to test
 
-Made by `scripts/test_index.py` from the names of the tests; `scripts/test.sh` compares. A line is a suite and what its
-tests say of it. How one is run by itself: [Testing](../docs/testing.md).
+`scripts/test_index.py` makes this page from the names of the tests, and `scripts/test.sh` compares it. Each line is a
+suite with the behaviours that its tests check. [Testing](../docs/testing.md) explains how to run one of them.
 """
 
 
@@ -29,7 +28,7 @@ def sentence(name: str) -> str:
 
 
 def first_comment(text: str) -> str:
-    """What the file says of itself before anything else."""
+    """The comment at the top of the file."""
     lines = []
     for line in text.splitlines():
         if not line.startswith("//"):
@@ -53,7 +52,7 @@ def rooms():
 
 
 def entries():
-    """The entries of ctest that are no program of GoogleTest, and the folder that adds each."""
+    """The entries of ctest that are not GoogleTest programs, with the folder that adds each."""
     for listing in sorted((ROOT / "tests").rglob("CMakeLists.txt")):
         for name in ENTRY.findall(listing.read_text(encoding="utf-8")):
             if "$" not in name:
@@ -66,7 +65,7 @@ def guides() -> list[str]:
 
 
 def guide_entry(guide: str) -> str:
-    """What tests/guides/CMakeLists.txt calls it."""
+    """Its name in tests/guides/CMakeLists.txt."""
     return pathlib.PurePath(guide.removesuffix("/README")).name
 
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Checks the bill of materials of an unpacked archive: it is SPDX 2.3 (https://spdx.github.io/spdx-spec/v2.3/) in its
-members, forms and references, it lists every file with its checksums, and it knows where each DLL of the runtime
-and each library in the tools comes from.
+"""Checks the bill of materials of an unpacked archive. Its members, formats and references must follow SPDX 2.3
+(https://spdx.github.io/spdx-spec/v2.3/). It must list every file with its checksums, and the origin of each DLL of the
+runtime and of each library in the tools.
 
 usage: bill_of_materials.py UNPACKED-FOLDER
 """

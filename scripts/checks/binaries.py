@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Checks what was built: the DLL exports the listed interface and nothing else, and every program and DLL of
-ours is linked with ASLR, high-entropy addresses and DEP.
+"""Checks the built binaries: the DLL exports the listed interface and nothing else, and every program and DLL of ours
+is linked with ASLR, high-entropy addresses and DEP.
 
 usage: binaries.py EXPORTS-LIST FOLDER-WITH-PROGRAMS
 """
@@ -10,7 +10,7 @@ import subprocess
 import sys
 
 OBJDUMP = "x86_64-w64-mingw32-objdump"
-RUNTIME = {"libstdc++-6.dll", "libgcc_s_seh-1.dll", "libwinpthread-1.dll"}  # not ours to link
+RUNTIME = {"libstdc++-6.dll", "libgcc_s_seh-1.dll", "libwinpthread-1.dll"}  # Debian's build
 # winnt.h: IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA, _DYNAMIC_BASE, _NX_COMPAT
 HARDENED = 0x0020 | 0x0040 | 0x0100
 

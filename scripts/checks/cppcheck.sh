@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# A second opinion beside the linter's: cppcheck over the product, with what it infers but cannot prove, and over tests
-# and benchmarks without questions of style. What is not followed stands in cppcheck.txt, with the reason.
+# Runs cppcheck, a second static analyser: over the product with inconclusive findings, over tests and benchmarks
+# without findings of style. cppcheck.txt lists the exceptions, with the reason of each.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 
-# look NAMES... -- OPTIONS...: over those folders
+# look NAMES... -- OPTIONS...: checks those folders
 look() {
     local rooms=()
     while [ "$1" != -- ]; do rooms+=("$1") && shift; done

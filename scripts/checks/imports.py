@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Checks that Windows Vista's loader accepts what is shipped: each function that a binary imports by name stands in
-the table with the first Windows that has it, and none is younger than Vista; no binary asks for a younger subsystem.
+"""Checks that Windows Vista's loader accepts the shipped binaries. The table must list each function that a binary imports
+by name, with the first Windows that has it, and none may be newer than Vista. No binary may require a newer subsystem.
 
 usage: imports.py [--list] TABLE FILE ...      imports from another FILE of the list are not Windows'
 """
@@ -17,7 +17,7 @@ BY_ORDINAL = 1 << 63
 
 
 class Binary:
-    """What the loader reads of a 64-bit program or library."""
+    """The parts of a 64-bit program or library that the loader reads."""
 
     def __init__(self, file: pathlib.Path):
         self.data = file.read_bytes()
@@ -49,8 +49,8 @@ class Binary:
         return self.data[start:self.data.index(0, start)].decode("ascii")
 
     def imports(self) -> set[tuple[str, str]]:
-        """(library in lower case, function) of each; a function without a name is #NUMBER."""
-        # In a record of either kind: its size, and where it holds the library's name and the list of functions.
+        """The pair (library in lower case, function) of each import; a function without a name is #NUMBER."""
+        # For a record of each kind: its size, and the offsets of the library's name and of the list of functions.
         found = set()
         for entry, size, name_at, names_at in ((IMPORTS, 20, 12, 0), (DELAYED_IMPORTS, 32, 4, 16)):
             address = self.number("<I", self.directories + 8 * entry)

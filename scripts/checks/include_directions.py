@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Checks that no room includes one that it must not know: the road runs one way."""
+"""Checks that each room includes only the rooms that it may include."""
 import pathlib
 import re
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 
-# What each room may include besides itself. A file of service/ that is named here may include trackers too.
+# The rooms that each room may include besides itself. A file of service/ in this list may include trackers too.
 MAY_INCLUDE = {
     "include": set(),
     "foundation": {"include"},
@@ -30,10 +30,10 @@ MAY_INCLUDE = {
     "tools/trace/recording": {"tools/trace/lines", "tools/common"},
     "tools/trace/lines": {"tools/common"},
 }
-# Rooms whose folders are copied out one by one: there a file includes its neighbours by their bare names.
+# Rooms whose folders people copy one by one: a file there includes its neighbours without a path.
 STAND_ALONE = {"samples", "samples/simulators"}
 STARTS_TRACKERS = "service/service_start.cpp"
-# What trackers may know of the service.
+# The headers of service/ that trackers may include.
 SERVICE_FOR_TRACKERS = {"dispatch", "device_kind", "media_sniffer", "volume_file_system", "windows_version"}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
@@ -43,7 +43,7 @@ def room_of(path: str) -> str:
     if path.startswith("kestraboot/"):
         return "include"
     folders = path.split("/")[:-1]
-    for depth in range(len(folders), 0, -1):  # a room may lie in another one
+    for depth in range(len(folders), 0, -1):  # a room may be inside another one
         if "/".join(folders[:depth]) in MAY_INCLUDE:
             return "/".join(folders[:depth])
     return folders[0] if folders else path

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Checks that the interface changes with the major version alone: what tests/library/promised.txt promises for the
-major version of version.h is still exported (exports.txt) and laid out (layouts.txt) as it was. A new major version has
-a section of its own there, and CHANGELOG.md names each record and each operation that it changes. An export that is
-added breaks no host, and is promised from the next major version on.
+"""Checks that the interface changes only with the major version. tests/library/promised.txt lists, for each major version,
+the promised exports and layouts; those of the major version of version.h must still be in exports.txt and layouts.txt.
+A new major version has a section of its own, and CHANGELOG.md names each record and operation that it changes. An added
+export breaks no host; the next major version promises it.
 
 usage: interface.py [FOLDER]     the sources; these without one
 """
@@ -21,7 +21,7 @@ def entries(text: str) -> list[str]:
 
 
 def promises(text: str) -> dict[int, list[str]]:
-    """For each major version, what it promises."""
+    """The promises of each major version."""
     sections = {}
     for line in entries(text):
         if major := re.fullmatch(r"major (\d+)", line):
@@ -32,7 +32,7 @@ def promises(text: str) -> dict[int, list[str]]:
 
 
 def named(entry: str) -> str:
-    """The record or the operation that an entry is about, as CHANGELOG.md names it."""
+    """The record or the operation of an entry, as CHANGELOG.md names it."""
     if record := re.match(r"(?:RECORD|FIELD)\((\w+)", entry):
         return record[1]
     plain = subprocess.run(["c++filt", entry], check=True, capture_output=True, text=True).stdout
@@ -40,15 +40,15 @@ def named(entry: str) -> str:
 
 
 def broken(before: list[str], now: list[str]) -> list[str]:
-    """The names of what a host that was built before does not find any more."""
+    """The names that an older host needs and no longer finds."""
     layouts = [[entry for entry in each if "(" in entry] for each in (before, now)]
     gone = [entry for entry in before if entry not in now]
-    gone += [entry for entry in layouts[1] if entry not in layouts[0]]  # a member more is another layout
+    gone += [entry for entry in layouts[1] if entry not in layouts[0]]  # an added member changes the layout
     return sorted({named(entry) for entry in gone})
 
 
 def earlier_pages() -> list[str]:
-    """Each committed state of promised.txt; none where the history is not there."""
+    """Each committed state of promised.txt; none without a history."""
     def git(*words: str) -> str:
         run = subprocess.run(["git", "-C", ROOT, *words], capture_output=True, text=True)
         return run.stdout if run.returncode == 0 else ""
@@ -59,7 +59,7 @@ def earlier_pages() -> list[str]:
 
 
 def changes_of(major: int) -> str:
-    """What CHANGELOG.md says of that major version, or of the one in preparation."""
+    """The text of CHANGELOG.md on that major version, or on the one in preparation."""
     sections = re.split(r"^## ", (ROOT / "CHANGELOG.md").read_text(encoding="utf-8"), flags=re.MULTILINE)
     return "".join(each for each in sections if re.match(rf"\[?({major}\.|Unreleased)", each))
 

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Checks that each link of the pages for people leads to a file of the tree, and to a heading where it names one,
-and that README leads to each page of docs. Links into the web are not followed.
+"""Checks that each link of the pages leads to a file of the tree and, if it names a heading, to that heading; and that
+README links to each page of docs. Does not follow links into the web.
 
-usage: links.py [FOLDER]     the pages of that folder, such as an unpacked package; of these sources without one
+usage: links.py [FOLDER]     checks the pages of FOLDER, such as an unpacked package; default: these sources
 """
 import pathlib
 import re

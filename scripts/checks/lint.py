@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Runs clang-tidy over the product's sources, two rooms at a time. The files of a room are looked at as one, since
-what takes the time is Windows' headers; only where something is found, each file is looked at by itself, and that
-counts. A room is looked at again only when a file of it, a header of the project or the configuration has changed
-since it was last found clean.
+"""Runs clang-tidy over the product's sources, two rooms at a time. It checks the files of a room as one, because Windows'
+headers take most of the time. Only if it finds something there, it checks each file separately, and that result
+counts. It skips a room if no file of the room, no header of the project and no configuration has changed since the room
+was last clean.
 
 usage: lint.py BUILD-FOLDER (with a compile_commands.json of Clang's)
 """
@@ -28,19 +28,19 @@ def digest(files) -> str:
 
 
 def flags_of(entry: dict) -> str:
-    """What decides how it is compiled. Where headers are searched does not: that differs between targets of a room."""
+    """The options that affect the compilation, without the header search paths, which differ between a room's targets."""
     return " ".join(flag for flag in entry["command"].partition(" -o ")[0].split() if not flag.startswith("-I"))
 
 
 def tidy(commands: pathlib.Path, file: pathlib.Path) -> str:
-    """What it says of the file; nothing when it is clean."""
+    """The findings in the file; empty if it is clean."""
     run = subprocess.run([TIDY, "-p", commands, "--quiet", file], capture_output=True, text=True)
     clean = run.returncode == 0 and "warning:" not in run.stdout and "error:" not in run.stdout
     return "" if clean else run.stdout + run.stderr + f"{TIDY} of {file.name} ended with {run.returncode}\n"
 
 
 class Room:
-    """Files of one folder that are compiled alike."""
+    """Files of one folder that are compiled with the same options."""
 
     def __init__(self, folder: pathlib.Path, entries: list[dict], stamps: pathlib.Path, common: str):
         self.name = folder.relative_to(ROOT).as_posix()
@@ -51,7 +51,7 @@ class Room:
         self.entry = entry | {"file": str(self.whole), "command": entry["command"].replace(entry["file"], str(self.whole)) + f" -iquote {folder}"}
 
     def text(self) -> str:
-        """The files, one behind the other. What an earlier one includes is not included again: that would be found."""
+        """The files, one after the other, without repeated includes, which clang-tidy would report."""
         lines, included = [], set()
         for file in self.files:
             own = file.read_text(encoding="utf-8").splitlines()
@@ -74,7 +74,7 @@ def main() -> int:
     stamps.mkdir(exist_ok=True)
     common = digest([ROOT / ".clang-tidy"] + sorted(h for room in [*ROOMS, "include"] for h in (ROOT / room).rglob("*.h")))
 
-    # Tests compile some of these files once more, behind a precompiled header.
+    # Tests compile some of these files again, with a precompiled header.
     entries = {
         pathlib.Path(entry["file"]): entry
         for entry in json.loads((build / "compile_commands.json").read_text())

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Checks the archive that cpack made: it holds what the list says and nothing else, nothing in it names a folder
-of the machine that built it, and everything that tells a version tells the same.
+"""Checks the archive that cpack made: it contains the listed files and nothing else, nothing in it names a folder of the
+machine that built it, and all versions in it are the same.
 
 usage: package.py ARCHIVE LISTING SOURCES BUILD CONFIG [FURTHER-FILE ...]
 """
@@ -38,7 +38,7 @@ def listed(listing: pathlib.Path, sources: pathlib.Path, config: str, files: dic
 
 
 def resource_version(program: bytes) -> str | None:
-    """The version of a program's resource: the number, when the text beside it is the same."""
+    """The version of a program's resource: the number, if the text beside it is the same."""
     start = program.find(FIXED_VERSION, max(0, program.find("VS_VERSION_INFO".encode("utf-16-le"))))
     if start < 0:
         return None
@@ -54,7 +54,7 @@ def resource_version(program: bytes) -> str | None:
 
 
 def told_versions(files: dict[str, bytes], archive: pathlib.Path, top: str):
-    """Everything in and around the archive that tells a version, and which."""
+    """Every place in and around the archive that names a version, with that version."""
     kind = "-win64-ucrt" if b"#define KESTRABOOT_FOR_UCRT 1" in files["include/kestraboot/c_runtime.h"] else "-win64"
     yield "the archive's name", archive.name.removeprefix("kestraboot-").removesuffix(kind + ".zip")
     yield "its folder", top.removeprefix("kestraboot-").removesuffix(kind)
@@ -99,7 +99,7 @@ def main() -> int:
     wrong += [f"not listed: {name}" for name in sorted(files.keys() - expected)]
 
     counts_lines = "KESTRABOOT_COVERAGE:BOOL=ON" in (build / "CMakeCache.txt").read_text()
-    here = [] if counts_lines else [p for f in {sources.resolve(), build.resolve()}  # counting needs the paths
+    here = [] if counts_lines else [p for f in {sources.resolve(), build.resolve()}  # the coverage build needs the paths
                                     for p in (str(f).encode(), str(f).encode("utf-16-le"))]
     wrong += [f"{name} names a folder of this machine" for name, data in files.items() if any(p in data for p in here)]
 

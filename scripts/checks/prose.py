@@ -2,7 +2,7 @@
 """Checks the wording of the pages and of the public headers' comments: words that CONTRIBUTING's table replaces, long
 sentences, and procedures in table cells. Code, quotations and the fixed trace lines do not count.
 
-usage: prose.py [FILE ...]     those files; without any, all that people read
+usage: prose.py [FILE ...]     checks those files; default: all pages and public headers
 """
 import pathlib
 import re
@@ -32,7 +32,7 @@ CLAUSE = re.compile(r"(?:^|[.:;] )What (?!is |are |does |do |to |happens )[^?.]*
 
 
 def blanked(match: re.Match) -> str:
-    """As many lines, no words."""
+    """The same number of lines, without words."""
     return "\n" * match[0].count("\n")
 
 
@@ -43,7 +43,7 @@ def pages() -> list[pathlib.Path]:
 
 
 def prose_of(file: pathlib.Path) -> str:
-    """The file's text, line by line, with everything that is not prose left out."""
+    """The file's text, line by line, without everything that is not prose."""
     text = file.read_text(encoding="utf-8")
     if file.suffix == ".h":
         comments = [re.search(r"(///?<?|^\s*\*) ?(.*)$", line) for line in text.splitlines()]
@@ -56,7 +56,7 @@ def prose_of(file: pathlib.Path) -> str:
 
 
 def sentences(text: str):
-    """Each with the line that it begins on. A blank line, a heading, a list item and a table cell end one too."""
+    """Each sentence with its first line. A blank line, a heading, a list item and a table cell end a sentence too."""
     block, start = [], 0
     for number, line in enumerate([*text.splitlines(), ""], 1):
         item = re.match(r"\s*(?:[-*] |\d+\. |#+ |\||///|@)", line)

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Writes the reference of the exported interface to build/reference/ and checks it: Doxygen has no warning (each
-class, record, operation, argument, result, constant and macro of the headers is documented), and what the library
-exports is in it.
+"""Writes the reference of the exported interface to build/reference/ and checks it: Doxygen prints no warning (each
+class, record, operation, argument, result, constant and macro of the headers is documented), and the reference contains
+every export of the library.
 """
 import html
 import os
@@ -19,7 +19,7 @@ from package import version_of  # noqa: E402
 
 
 def exported_operations() -> list[str]:
-    """The names by which a host calls what tests/library/exports.txt lists."""
+    """The names by which a host calls the exports of tests/library/exports.txt."""
     listed = [line for line in EXPORTS.read_text().splitlines() if line and line[0] != "#"]
     plain = subprocess.run(["c++filt", *listed], check=True, capture_output=True, text=True).stdout
     return [re.match(r"[\w:]+", name).group(0) for name in plain.splitlines()]

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Checks that docs/support.md explains every line that the product writes, and no line that it does not.
+"""Checks that docs/support.md explains every line that the product writes, and no other line.
 
-Read from the code: the text of each OutputDebugStringW, FormatTraceLine, PrintConsole and ReportFailure. The boot
-program's answers to a question (Answer) explain themselves. Read from the page: the
-first cell of each row of the table whose head begins with "line". A variable part (%ls, %d) is "…" in the page;
-blanks and line ends at either end of a text play no part. A line that the code puts together from pieces stands in
-COMPOSED: its row is compared piece by piece.
+It reads from the code the text of each OutputDebugStringW, FormatTraceLine, PrintConsole and ReportFailure, without the
+boot program's answers to a question (Answer), which need no explanation. It reads from the page the first cell of each
+row of the tables whose head begins with "line". A variable part (%ls, %d) is "…" in the page. Blanks and line ends at
+either end of a text do not count. COMPOSED lists the lines that the code composes from pieces; their rows are compared
+piece by piece.
 
 usage: trace_table.py [SOURCE-FOLDER]
 """
@@ -18,14 +18,14 @@ ROOT = ROOT if len(sys.argv) > 1 else ROOT.parents[2]
 PAGE = "docs/support.md"
 ROOMS = ["boot", "foundation", "include", "launcher", "legacy", "registry", "service", "trackers"]
 
-# The rows of lines without a text of their own in the code, and the file whose literals hold their pieces.
+# The rows of composed lines, and the file whose literals contain their pieces.
 COMPOSED = {
     '"…" module=kestrafetch params mode=… devType=… priDevId="…"': "launcher/launch_command.cpp",
     '"…" module=kestrafetch params mode=…': "launcher/launch_command.cpp",
     '"…" -d "…"': "legacy/proxy_launch.cpp",
 }
 
-# The files that may use what the others must not.
+# The files that may call the functions that others must not.
 WRITERS = ["foundation/trace.cpp", "boot/console.cpp"]
 UNKNOWN_WRITERS = re.compile(
     r"\b(OutputDebugStringA|wcout|wcerr|cout|cerr|v?f?w?printf|f?put(?:w?s|w?c)|WriteConsole[AW]?|MessageBox(?:Ex)?[AW]?)"
@@ -37,7 +37,7 @@ ESCAPES = {"n": "\n", "t": "\t", "\\": "\\", '"': '"', "'": "'"}
 
 
 def without_comments(code: str) -> str:
-    """The same text, line by line, with blanks in the place of comments."""
+    """The same text, line by line, with blanks instead of comments."""
     return TOKEN.sub(lambda m: re.sub(r"[^\n]", " ", m[0]) if m[0].startswith(("//", "/*")) else m[0], code)
 
 
@@ -51,7 +51,7 @@ def as_in_page(text: str) -> str:
 
 
 def lines_of_code(name: str, code: str, wrong: list[str]) -> list[tuple[str, str]]:
-    """(text as in the page, file:line) of each line that one file writes."""
+    """The pair (text as in the page, file:line) of each line that one file writes."""
     found = []
     buffers = {"FormatTraceLine": r"\s*[A-Za-z]\w*\s*,", "PrintConsole": "", "OutputDebugStringW": "", "ReportFailure": ""}
     for call in re.finditer(r"(?<![\w:])(?:::)?(FormatTraceLine|PrintConsole|OutputDebugStringW|ReportFailure)\s*\(", code):
@@ -68,7 +68,7 @@ def lines_of_code(name: str, code: str, wrong: list[str]) -> list[tuple[str, str
             composed = argument in ("line.c_str(", "line.Join(") and name in COMPOSED.values()
             if not buffer and not composed:
                 wrong.append(f"{where}: writes a line whose text this check cannot read: {argument}")
-        elif not re.match(r"\s*\w*\s*(TraceBuffer|const wchar_t)", code[call.end():]):  # no declaration either
+        elif not re.match(r"\s*\w*\s*(TraceBuffer|const wchar_t)", code[call.end():]):  # nor a declaration
             wrong.append(f"{where}: {call[1]} without a literal text")
     for other in UNKNOWN_WRITERS.finditer(code):
         line = code.count("\n", 0, other.start()) + 1
@@ -77,7 +77,7 @@ def lines_of_code(name: str, code: str, wrong: list[str]) -> list[tuple[str, str
 
 
 def rows_of_page(page: str) -> list[tuple[str, int]]:
-    """(text, line number) of the first cell of each row of the tables whose head begins with "line"."""
+    """The pair (text, line number) of the first cell of each row of the tables whose head begins with "line"."""
     rows, in_table = [], False
     for number, line in enumerate(page.splitlines(), 1):
         if not line.startswith("|"):

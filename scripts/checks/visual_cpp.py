@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""How far the product is Visual C++'s, as far as that shows without a Windows SDK: Clang, told to take its dialect
-(/permissive-) and its ABI, reads the whole product with MinGW's headers of Windows and GCC's standard library; and
-what crosses the boundary of a plugin lies where it lies with MinGW: records, and the slots of the interfaces.
-docs/compilers.md says what that proves, and what it does not.
+"""Checks the product for Visual C++ as far as possible without a Windows SDK. Clang, with Microsoft's dialect
+(/permissive-) and ABI, reads the whole product with MinGW's headers of Windows and GCC's standard library. The records
+and the interface slots that cross the boundary of a plugin must have the same layout as with MinGW. docs/compilers.md
+explains what this proves.
 
-usage: visual_cpp.py [--layouts] [GXX]     GXX: the MinGW compiler whose headers are taken
-       --layouts                           the comparison alone
+usage: visual_cpp.py [--layouts] [GXX]     GXX: the MinGW compiler whose headers are used
+       --layouts                           only the comparison of layouts
 """
 import concurrent.futures
 import difflib
@@ -19,22 +19,22 @@ import tempfile
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 MINGW, MICROSOFT = "w64-mingw32", "pc-windows-msvc"
 ROOMS = ["boot", "foundation", "launcher", "legacy", "registry", "samples", "service", "tools", "trackers"]
-HOSTS = {"boot", "samples", "tools"}  # import what the others export
+HOSTS = {"boot", "samples", "tools"}  # these import what the others export
 DEFINES = ["UNICODE", "_UNICODE", "WIN32_LEAN_AND_MEAN", "NOMINMAX", "_WIN32_WINNT=0x0600"]
 # Microsoft's dialect as its driver sets it for /permissive-, and each extension of Microsoft's is an error.
 DIALECT = ["-fms-compatibility", "-fms-extensions", "-fms-compatibility-version=19.33", "-fno-delayed-template-parsing",
            "-foperator-names", "-Wall", "-Wextra", "-Wpedantic", "-Wmicrosoft", "-Werror"]
-# MinGW's headers must go on taking the compiler for one that they know.
+# MinGW's headers must still recognise the compiler.
 HEADERS_KNOW = ["-U_MSC_VER", "-U_MSC_FULL_VER", "-fgnuc-version=12.2", "-D__MINGW32__", "-D__MINGW64__",
                 "-D__STRICT_ANSI__", "-D__declspec=__declspec"]
 
-# What a plugin, TWAIN or a host and the library hand each other.
+# The records that the library exchanges with a plugin, with TWAIN or with a host.
 RECORDS = [*("kestraboot::mox::" + name for name in (
     "Identifier", "PluginDescriptor", "SourceInfo", "DeviceRecord", "IFxBase", "ICallbackInterface",
     "IPluginDescriptor", "ISourceManager", "IEnum", "IEnumSourceManager")),
     "kestraboot::twain::TW_VERSION", "kestraboot::twain::TW_IDENTITY",
     "formatInfo_tag", "appInfo_tag", "CKestraBootInformationHandler", "CKestraBootCommandHandler"]
-# Whose tables of functions are called from outside: both ends of a plugin, and what WIA calls.
+# The classes whose function tables others call: both sides of a plugin, and the WIA callback.
 IMPLEMENTERS = ["samples/mox_plugin/sample_plugin.cpp", "trackers/mox/callback_interface.cpp",
                 "trackers/mox/source_enumerator.cpp", "trackers/wia/wia_device_tracker.cpp"]
 
@@ -52,7 +52,7 @@ class Compiler:
         gcc = pathlib.Path(output_of(gxx, "-print-libgcc-file-name")).parent / "include" / "c++"
         clang = pathlib.Path(output_of("clang++", "-print-resource-dir")) / "include"
         self.command = ["clang++", f"--target=x86_64-{family}", "-std=c++20", "-nostdinc", "-I.", "-Iinclude"]
-        for library in ("CLI", "nlohmann"):  # what the tools stand on, without the rest of its folder
+        for library in ("CLI", "nlohmann"):  # the tools' libraries, without the rest of their folder
             link = work / "tool_libraries" / library
             link.parent.mkdir(exist_ok=True)
             if not link.exists():
@@ -64,7 +64,7 @@ class Compiler:
             self.command += DIALECT + HEADERS_KNOW
 
     def run(self, *arguments) -> tuple[str, str]:
-        """What it puts out, and what it complains of."""
+        """Its output and its diagnostics."""
         run = subprocess.run([*self.command, *map(str, arguments)], cwd=ROOT, capture_output=True, text=True)
         failed = "" if run.returncode == 0 else f"clang++ ended with {run.returncode}\n"
         return run.stdout, run.stderr + failed
@@ -76,7 +76,7 @@ class Compiler:
         return said
 
     def layouts(self) -> dict[str, list[str]]:
-        """Of each record its members with their offsets, its size and alignment."""
+        """The members of each record with their offsets, its size and its alignment."""
         source = self.work / "records.cpp"
         source.write_text('#include "kestraboot/kestraboot.h"\n#include "kestraboot/mox_plugin.h"\n'
                           '#include <windows.h>\n#include "trackers/still_image/twain.h"\n'
@@ -92,7 +92,7 @@ class Compiler:
         return found
 
     def tables(self) -> dict[str, list[str]]:
-        """Of each class and interface of ours: its functions and their slots."""
+        """The functions of each of our classes and interfaces, with their slots."""
         found = {}
         for source in IMPLEMENTERS:
             said = self.dump("-S", "-emit-llvm", "-o", os.devnull, "-Xclang", "-fdump-vtable-layouts", source)
@@ -134,7 +134,7 @@ def read_in_dialect(gxx: str, work: pathlib.Path) -> list[str]:
         f'#define KESTRABOOT_BUILD_{name} ""\n' for name in ("COMMIT", "COMPILER", "RUNTIME", "TEXT")))
     sources = sorted(file for room in ROOMS for file in (ROOT / room).rglob("*.cpp"))
     folders = sorted({file.parent for file in sources})
-    # The headers of Windows and of the standard library, read once: they take most of the time.
+    # The headers of Windows and of the standard library, read once, because they take most of the time.
     words = "".join(file.read_text() for room in ROOMS for file in (ROOT / room).rglob("*.[ch]*") if file.is_file())
     (work / "all.h").write_text("#include <windows.h>\n" + "".join(f"#include <{name}>\n" for name in sorted(set(
         re.findall(r"^#include <([a-z_]+)>$", words, re.MULTILINE)))))
@@ -143,7 +143,7 @@ def read_in_dialect(gxx: str, work: pathlib.Path) -> list[str]:
         return [complaint]
 
     def read(folder: pathlib.Path) -> str:
-        """A folder's files as one, as scripts/checks/lint.py does: what they include is read once."""
+        """Reads a folder's files as one, as scripts/checks/lint.py does, so that it reads their includes once."""
         one = work / (str(folder.relative_to(ROOT)).replace("/", "_") + ".cpp")
         one.write_text("".join(f'#line 1 "{file}"\n{file.read_text()}' for file in sources if file.parent == folder))
         kind = ["-I", work] if folder.relative_to(ROOT).parts[0] in HOSTS else ["-DKESTRABOOT_BUILDING_LIBRARY"]

@@ -1,6 +1,6 @@
-# Sourced by scripts/demo.sh: the sample application, a second one, and the act in which they change places.
+# Sourced by scripts/demo.sh: the sample application, a second one, and the act in which one replaces the other.
 
-# install_application FOLDER PROGRAM: an application's files, as its installer would lay them out.
+# install_application FOLDER PROGRAM: copies an application's files as its installer would.
 install_application() {
     mkdir -p "$1"
     cp "$package"/bin/* "$1/"

@@ -1,4 +1,4 @@
-# Sourced by scripts/demo.sh: cards, and the act in which they come and go.
+# Sourced by scripts/demo.sh: cards, and the act in which they are inserted and removed.
 
 # A real JPEG: a gradient of 64 by 48 pixels.
 make_picture() {

@@ -5,7 +5,7 @@ twain_scanner="$class\\0001"
 wia_camera="$class\\0002"
 wia_scanner="$class\\0003"
 
-# Still imaging and the TWAIN source manager of this act, beside the boot program: no device yet, one TWAIN source.
+# Installs this act's still imaging and TWAIN source manager beside the boot program: no device yet, one TWAIN source.
 install_still_imaging() {
     cp "$simulators/sti.dll" "$simulators/twain_32.dll" "$first/"
     : >"$first/sti_devices.txt"
@@ -14,7 +14,7 @@ install_still_imaging() {
         /v TwainDS /d 'Corvane Flatbed' /f >/dev/null
 }
 
-# A WIA service of the prefix's own, in a process of its own.
+# Installs a WIA service in the prefix, which runs in a process of its own.
 install_wia_service() {
     mkdir -p "$demo/wia"
     cp "$simulators"/wia_* "$demo/wia/"
@@ -22,7 +22,7 @@ install_wia_service() {
     in_wine 60 "$demo/wia/wia_service.exe" register
 }
 
-# connect_wia KIND ID: plugs a WIA device in.
+# connect_wia KIND ID: connects a WIA device.
 connect_wia() {
     echo "$1 $2" >>"$demo/wia/wia_devices.txt"
     in_wine 30 "$demo/wia/wia_connect.exe" "$2"

@@ -1,27 +1,27 @@
-# Sourced by scripts/demo.sh: the stage on which its acts are played, and the table at the end.
-# Uses $prefix (the Wine prefix), $bin (the built programs) and $demo (a folder for what the demo makes).
+# Sourced by scripts/demo.sh: the functions that its acts share, and the table at the end.
+# Uses $prefix (the Wine prefix), $bin (the built programs) and $demo (a folder for the demo's files).
 
 rows=()
 failures=0
-mark=0 # how many trace lines were there before the current step
+mark=0 # number of trace lines before the current step
 
 title() { printf '\n\033[1m== %s\033[0m\n' "$*"; }
 
-# step TEXT: says what happens next; expect_line looks at the trace from here on.
+# step TEXT: announces the next step; expect_line searches the trace from here on.
 step() {
     printf '\033[36m-- %s\033[0m\n' "$*"
     mark=$(wc -l <"$demo/trace.log")
 }
 
-# expect WHAT EXPECTED SEEN: one row of the table.
+# expect WHAT EXPECTED SEEN: adds one row to the table.
 expect() {
     local verdict=ok
     [ "$2" = "$3" ] || { verdict=DIFFERS; failures=$((failures + 1)); }
     rows+=("$1"$'\x1f'"$2"$'\x1f'"$3"$'\x1f'"$verdict")
 }
 
-# await WHAT SECONDS COMMAND ...: until the command succeeds. Says what it waits for where that is not at once. After
-# three waits in vain the rest is looked at, but no longer waited for: it builds on what did not come.
+# await WHAT SECONDS COMMAND ...: waits until the command succeeds. If it does not succeed at once, prints what it waits
+# for. After three expired waits it checks the rest without waiting, because later steps depend on earlier ones.
 await() {
     local what=$1 seconds=$2 start=$SECONDS said=
     shift 2
@@ -41,7 +41,7 @@ await() {
 }
 waits_in_vain=0
 
-# expect_line WHAT LINE SECONDS: the trace line, whole, within that time.
+# expect_line WHAT LINE SECONDS: expects the complete trace line within that time.
 expect_line() {
     local seen='(no such line)'
     ! await "$1" "$3" trace_has "$2" || seen=$2
@@ -49,13 +49,13 @@ expect_line() {
 }
 trace_has() { trace_since_mark | grep -qxF -- "$1"; }
 
-# What kestratrace shows, without time and process.
+# Prints the output of kestratrace, without time and process.
 trace_text() { tr -d '\r' | cut -c43-; }
 
-# The lines of the current step.
+# Prints the lines of the current step.
 trace_since_mark() { tail -n +$((mark + 1)) "$demo/trace.log" | trace_text; }
 
-# expect_report WHAT PROGRAM LINE SECONDS: a line that the started application wrote down since the step began.
+# expect_report WHAT PROGRAM LINE SECONDS: expects a line in the report of the started application since the step began.
 expect_report() {
     local file="$prefix/drive_c/users/$(id -un)/AppData/Local/Corvane Sample Viewer/$2.txt"
     local seen='(not started)'
@@ -63,10 +63,10 @@ expect_report() {
     expect "$1" "$3" "$seen"
 }
 
-# forget_report PROGRAM: so that the next start is seen for itself.
+# forget_report PROGRAM: deletes the report, so that only the next start is in it.
 forget_report() { rm -f "$prefix/drive_c/users/$(id -un)/AppData/Local/Corvane Sample Viewer/$1.txt"; }
 
-# in_wine SECONDS PROGRAM ...: a program of the demo, waited for. Says so where it fails, since the demo ends there.
+# in_wine SECONDS PROGRAM ...: runs a program and waits for it. If it fails, prints a message, because the demo then ends.
 in_wine() {
     local status=0
     wine_run "$prefix" "$@" || status=$?
@@ -78,14 +78,14 @@ in_wine() {
     return $status
 }
 
-# boot FOLDER [ARGUMENT ...]: kestraboot.exe of an installed application, in the background, as at log-on.
+# boot FOLDER [ARGUMENT ...]: runs kestraboot.exe of an installed application in the background, as at log-on.
 boot() {
     (cd "$1" && wine_in "$prefix" timeout 1800 wine kestraboot.exe "${@:2}" </dev/null >/dev/null 2>&1) &
 }
 
 trace_shown= # the process that shows it
 
-# The trace of every process of the prefix, with times, shown as it comes.
+# Shows the trace of every process of the prefix, with times, as it is written.
 trace_start() {
     : >"$demo/trace.log"
     wine_in "$prefix" timeout 1800 wine "$bin/kestratrace.exe" </dev/null >"$demo/trace.log" 2>&1 &
@@ -95,7 +95,7 @@ trace_start() {
 
 trace_end() { [ -z "$trace_shown" ] || kill "$trace_shown" 2>/dev/null || true; }
 
-# The table; false where a row differs.
+# Prints the table; fails if a row differs.
 print_table() {
     local row what expected seen verdict
     title "Expected against seen"

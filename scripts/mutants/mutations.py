@@ -1,10 +1,10 @@
-"""The places of a C++ file that can be broken, one change each."""
+"""Finds the places of a C++ file that can be broken, with one change each."""
 import dataclasses
 import pathlib
 import random
 import re
 
-# Comments, texts and preprocessor lines are left alone: they are matched first.
+# Comments, texts and preprocessor lines are matched first and remain unchanged.
 TOKEN = re.compile(
     r"(?P<skip>//[^\n]*|/\*.*?\*/|^\s*#[^\n]*|static_assert\([^;]*;|R\"\((?:.*?)\)\"|L?\"(?:[^\"\\\n]|\\.)*\"|'(?:[^'\\\n]|\\.)+')"
     r"|(?P<operator>==|!=|<=|>=|&&|\|\||\+\+|--|\+=|-=|<<|>>|->|::|<|>|\+|-|!|\|)"
@@ -35,14 +35,14 @@ class Mutation:
         return f"{self.file.as_posix()}:{self.line}: {' '.join(self.before.split())} -> {' '.join(self.after.split()) or '(nothing)'}"
 
     def name(self, text: str) -> str:
-        """What equivalent.txt calls it: it holds while the line stays what it is, wherever that is."""
+        """Its name in equivalent.txt. It is valid as long as the text of the line is unchanged, at any line number."""
         line = text.splitlines()[self.line - 1].strip()
         return f"{self.file.as_posix()} | {line} | {' '.join(self.before.split())} -> {' '.join(self.after.split()) or '(nothing)'}"
 
 
 def mutations(tree: pathlib.Path, file: pathlib.Path) -> list[Mutation]:
     text = (tree / file).read_text(encoding="utf-8")
-    blank = list(text)  # the same length, without what is left alone
+    blank = list(text)  # the same length, without the parts that remain unchanged
     found = []
 
     def add(start: int, end: int, after: str):
@@ -71,7 +71,7 @@ def mutations(tree: pathlib.Path, file: pathlib.Path) -> list[Mutation]:
 
 
 def choose(tree: pathlib.Path, folder: str, seed: int) -> list[Mutation]:
-    """All of a room, in the seed's order."""
+    """All mutations of a room, in the seed's order."""
     every = [each for file in sorted((tree / folder).rglob("*.cpp")) for each in mutations(tree, file.relative_to(tree))]
     random.Random(f"{seed} {folder}").shuffle(every)
     return every

@@ -13,7 +13,7 @@ from mutations import choose
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 GOAL = 0.95
-# Of each room: the programs that test it, the quickest first. A program of the system layer gets a prefix of its own.
+# For each room the programs that test it, the quickest first. A program of the system layer gets a prefix of its own.
 ROOMS = {
     "foundation": ["foundation_tests", "registry_tests", "launcher_tests"],
     "legacy": ["legacy_tests", "launcher_tests", "registry_tests"],
@@ -57,7 +57,7 @@ class Room:
         self.gaps = []
 
     def fate(self, mutation, text: str) -> str | None:
-        """The test that caught it, "" where none did, nothing where it does not compile."""
+        """The test that detected it; "" if none did; None if it does not compile."""
         (self.tree / mutation.file).write_text(mutation.apply(text), encoding="utf-8")
         try:
             if not build(self.folder, ROOMS[self.name]):

@@ -29,7 +29,7 @@ def landscape(file: pathlib.Path, seed: int) -> None:
 
 
 def exif(taken: str) -> bytes:
-    """A segment that holds nothing but when the picture was taken."""
+    """A segment that contains only the time of the picture."""
     tiff = b"II*\0" + struct.pack("<I", 8) + struct.pack("<HHHIII", 1, 0x8769, 4, 1, 26, 0)
     tiff += struct.pack("<HHHIII", 1, 0x9003, 2, 20, 44, 0) + taken.encode() + b"\0"
     return b"\xff\xe1" + struct.pack(">H", len(tiff) + 8) + b"Exif\0\0" + tiff

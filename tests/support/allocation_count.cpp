@@ -13,7 +13,7 @@ DWORD countedThread = 0;
 long taken = 0;
 void* (*original)(std::size_t) = std::malloc;
 
-// Stands in the import table of the runtime's DLL: operator new of everybody is there.
+// Is in the import table of the runtime's DLL, whose operator new all modules share.
 void* Allocate(std::size_t size)
 {
     if (::GetCurrentThreadId() == countedThread) {

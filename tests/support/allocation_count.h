@@ -5,8 +5,8 @@
 namespace kestraboot::tests
 {
 
-/// How often `work` takes memory with operator new on this thread, in this executable and in the
-/// functions of the C++ runtime that it uses.
+/// The number of allocations that `work` makes with operator new on this thread, in this executable and
+/// in the functions of the C++ runtime that it uses.
 [[nodiscard]] long AllocationsOf(const std::function<void()>& work);
 
 } // namespace kestraboot::tests

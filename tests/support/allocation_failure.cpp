@@ -20,7 +20,7 @@ Shortage kind = Shortage::FromThenOn;
 bool happened = false;
 volatile long liveBlocks = 0;
 
-// Stands in the import table of the runtime's DLL; memory of the C runtime itself is not touched.
+// Is in the import table of the runtime's DLL; the C runtime's own memory is not affected.
 void* Allocate(std::size_t size)
 {
     if (::GetCurrentThreadId() == failingThread) {
@@ -50,7 +50,7 @@ struct RuntimePatches {
     ImportPatch release{"free", reinterpret_cast<void*>(&Free)};
 };
 
-/// Patched once and for good: a patch itself needs memory.
+/// Patched once and never restored, because a patch itself needs memory.
 void PatchRuntime()
 {
     static const std::unique_ptr<RuntimePatches> patches = [] {

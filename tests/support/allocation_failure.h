@@ -7,34 +7,34 @@
 namespace kestraboot::tests
 {
 
-/// How long memory is short.
+/// How long memory stays short.
 enum class Shortage { FromThenOn, Once };
 
-/// Lets memory run out on this thread: the C++ runtime's operator new, which this executable and the
-/// strings and vectors inside the runtime share, fails while this lives.
+/// Makes memory run out on this thread: during the object's lifetime the C++ runtime's operator new
+/// fails. This executable and the strings and vectors inside the runtime share it.
 class AllocationFailure
 {
 public:
-    /// `successes` allocations still work, then one fails, or every one.
+    /// The first `successes` allocations succeed; then one fails, or all of them.
     explicit AllocationFailure(int successes, Shortage shortage = Shortage::FromThenOn);
     AllocationFailure(const AllocationFailure&) = delete;
     AllocationFailure& operator=(const AllocationFailure&) = delete;
     ~AllocationFailure();
 
-    /// Whether an allocation failed so far.
+    /// Whether an allocation has failed.
     [[nodiscard]] static bool Happened() noexcept;
 
-    /// How many allocations were asked for so far, those that failed among them.
+    /// The number of allocations requested so far, including those that failed.
     [[nodiscard]] static int AskedFor() noexcept;
 };
 
-/// How many blocks of the C++ runtime's memory are in use, counted from some time on: for differences.
+/// The number of blocks of the C++ runtime's memory in use, counted from some time on; use differences.
 [[nodiscard]] long LiveAllocations();
 
-/// Runs `operation` again and again, each time with one allocation more that works, until one run needs
-/// no more. After each run in which memory ran out, with memory back, checks that it left no handle open
-/// and tells `afterFailure` whether std::bad_alloc came out. Answers the number of such runs.
-/// `operation` runs a first time with all the memory it wants.
+/// Runs `operation` repeatedly, each time with one more successful allocation, until a run needs no
+/// more. After each run in which memory ran out, with memory restored, checks that it left no handle
+/// open and passes to `afterFailure` whether it threw std::bad_alloc. Returns the number of these runs.
+/// `operation` runs a first time with unlimited memory.
 int ForEveryAllocation(const std::function<void()>& operation,
                        const std::function<void(bool threw)>& afterFailure,
                        Shortage shortage = Shortage::FromThenOn);

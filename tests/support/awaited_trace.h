@@ -12,7 +12,7 @@
 namespace kestraboot::tests
 {
 
-/// Keeps every trace line of the module under test, and lets a test wait for one. Any thread.
+/// Records every trace line of the module under test, and lets a test wait for one. Any thread.
 class AwaitedTrace
 {
 public:
@@ -25,7 +25,7 @@ public:
     {
     }
 
-    /// Returns when exactly this line was written that many times; false after 20 seconds.
+    /// Returns when exactly this line has been written that many times; returns false after 20 seconds.
     [[nodiscard]] bool Await(const std::wstring& line, int times = 1)
     {
         std::unique_lock lock(mutex);

@@ -14,7 +14,7 @@ ConsoleRecorder::ConsoleRecorder() : file(folder.Path() / "output.txt")
 {
     std::fflush(stdout);
     before = _dup(1);
-    // As of a console: wide text becomes narrow, a line feed two characters.
+    // As on a console: wide text becomes narrow, and a line feed becomes two characters.
     const int out = _wopen(file.c_str(), _O_CREAT | _O_WRONLY | _O_TEXT, _S_IREAD | _S_IWRITE);
     _dup2(out, 1);
     _close(out);
@@ -27,7 +27,7 @@ ConsoleRecorder::~ConsoleRecorder()
 
 std::string ConsoleRecorder::Text()
 {
-    // Read before the flush below: a text that the product leaves in the buffer is not seen.
+    // Read before the flush below, so that text that the product leaves in the buffer is not included.
     std::ifstream in(file, std::ios::binary);
     std::string text{std::istreambuf_iterator<char>(in), {}};
     std::erase(text, '\r');

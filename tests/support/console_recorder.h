@@ -7,8 +7,8 @@
 namespace kestraboot::tests
 {
 
-/// Sends standard output, and no other stream, to a file while it lives. Nothing that a test itself
-/// prints meanwhile is seen: compare afterwards.
+/// During its lifetime redirects standard output, and no other stream, to a file. A test's own output is
+/// not visible meanwhile, so compare afterwards.
 class ConsoleRecorder
 {
 public:
@@ -17,8 +17,8 @@ public:
     ConsoleRecorder& operator=(const ConsoleRecorder&) = delete;
     ~ConsoleRecorder();
 
-    /// What was written and flushed, narrow, with bare line feeds; standard output is as before from
-    /// here on.
+    /// The output that was written and flushed, narrow, with bare line feeds. From here on standard
+    /// output is as before.
     [[nodiscard]] std::string Text();
 
 private:

@@ -12,8 +12,8 @@
 namespace kestraboot::tests
 {
 
-/// Waits for a program that the code under test starts, a copy of the echo program, and reads with
-/// which command line it was started.
+/// Waits for a program that the code under test starts, a copy of the echo program, and reads its
+/// command line.
 class EchoChild
 {
 public:
@@ -27,7 +27,7 @@ public:
     [[nodiscard]] const std::wstring& Program() const noexcept { return program; }
     [[nodiscard]] const std::filesystem::path& Folder() const noexcept { return folder.Path(); }
 
-    /// What a started program saw; nothing when none was started within half a minute. Each call waits
+    /// The command line of a started program; empty if none started within 30 seconds. Each call waits
     /// for one start.
     [[nodiscard]] std::optional<std::wstring> CommandLine() const;
 

@@ -1,6 +1,6 @@
-// A program that tells with which command line it was started: it writes it, as UTF-16, to the file that
-// the environment variable KESTRABOOT_ECHO_FILE names, then sets the event that KESTRABOOT_ECHO_EVENT
-// names. It needs no DLL but Windows' own, so that it runs in whatever folder it is copied to.
+// A program that reports its command line: it writes the line, as UTF-16, to the file that the
+// environment variable KESTRABOOT_ECHO_FILE names, then sets the event that KESTRABOOT_ECHO_EVENT names.
+// It needs no DLL except Windows' own, so that it runs in any folder.
 #include <windows.h>
 #include <cwchar>
 

@@ -1,4 +1,4 @@
-// What Windows answers about the modules of a process, where the test says it.
+// The modules of a process, as the test defines Windows' answers.
 #pragma once
 
 #include "tests/support/import_patch.h"

@@ -1,4 +1,4 @@
-// A C runtime that formats no wide text, which no text that one can write brings about.
+// A C runtime that fails to format wide text. No text that a test can write causes this failure.
 #pragma once
 
 #include "tests/support/import_patch.h"
@@ -10,7 +10,7 @@
 namespace kestraboot::tests
 {
 
-/// While it lives, the wide formatter of the module under test writes half a line and fails.
+/// During its lifetime, the wide formatter of the module under test writes half a line and fails.
 class FormatFailure
 {
 public:
@@ -27,7 +27,7 @@ private:
         return -1;
     }
 
-#if defined(_UCRT) // both of msvcrt's functions are made of this one there
+#if defined(_UCRT) // there it implements both of msvcrt's functions
     FAKE_IMPORT(__stdio_common_vswprintf)
     formats{[](unsigned long long, wchar_t* buffer, std::size_t, const wchar_t*, _locale_t, va_list) {
         return Fail(buffer);

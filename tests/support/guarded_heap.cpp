@@ -16,13 +16,13 @@ namespace
 {
 
 constexpr std::size_t kPage = 4096;
-constexpr std::size_t kAlignment = 16; // what malloc promises on 64-bit Windows
+constexpr std::size_t kAlignment = 16; // guaranteed by malloc on 64-bit Windows
 constexpr std::size_t kArenaPages = std::size_t{1} << 24;
-/// Each block in use splits the address space; the host of Wine stands 65,530 pieces (vm.max_map_count).
+/// Each block in use splits the address space; Wine's host allows 65,530 pieces (vm.max_map_count).
 constexpr long kMostBlocks = 20'000;
-constexpr unsigned char kSlack = 0xA5; ///< between a block and its page's other end
+constexpr unsigned char kSlack = 0xA5; ///< fills the gap between a block and its page's other end
 
-/// What malloc, calloc, realloc, free and _msize were before.
+/// The previous malloc, calloc, realloc, free and _msize.
 struct Original {
     void* (*malloc)(std::size_t);
     void (*free)(void*);
@@ -39,8 +39,8 @@ Original original;
     std::abort();
 }
 
-/// Address space that is handed out once round before anything in it is used again. A block's size is
-/// kept aside, by its first page: one more than the size, and 0 for a page where no block begins.
+/// Address space that is used once completely before any of it is used again. A block's size is stored
+/// separately, by its first page: one more than the size, and 0 for a page without the start of a block.
 class Arena
 {
 public:
@@ -62,7 +62,7 @@ public:
         return address >= start && address < start + kArenaPages * kPage;
     }
 
-    /// Null where no run of pages is free, or too many blocks are in use, or Windows has no memory.
+    /// Null if no run of pages is free, too many blocks are in use, or Windows has no memory.
     void* Allocate(std::size_t size) noexcept
     {
         if (size >= UINT32_MAX || blocks >= kMostBlocks) {
@@ -131,7 +131,7 @@ private:
         return static_cast<std::size_t>(static_cast<const unsigned char*>(block) - pages) / kPage;
     }
 
-    /// The first of `count` free pages with a free one behind them, which stays inaccessible.
+    /// The first of `count` free pages, followed by a free one that stays inaccessible.
     std::size_t TakePages(std::size_t count) noexcept
     {
         ::AcquireSRWLockExclusive(&lock);
@@ -139,7 +139,7 @@ private:
         std::size_t found = kArenaPages;
         for (int round = 0; round < 2 && found == kArenaPages; first = 1, ++round) {
             while (first + count + 1 < kArenaPages) {
-                std::size_t used = 0; // pages from `first` that cannot be had
+                std::size_t used = 0; // pages from `first` that are not available
                 for (std::size_t page = first; page <= first + count; ++page) {
                     if (sizes[page] != 0) {
                         used = page + PagesFor(sizes[page] - 1) + 1 - first;
@@ -163,7 +163,7 @@ private:
     bool blocksStartOnPage;
     unsigned char* pages = nullptr;
     std::uint32_t* sizes = nullptr;
-    std::size_t next = 1; ///< before the first block lies an inaccessible page too
+    std::size_t next = 1; ///< an inaccessible page is before the first block too
     LONG blocks = 0;      ///< in use
     SRWLOCK lock = SRWLOCK_INIT;
 };
@@ -222,7 +222,7 @@ void FindOriginal(Function& function, const char* name)
         reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"msvcrt.dll"), name)));
 }
 
-/// For good: blocks live as long as the process.
+/// Never restored: blocks live as long as the process.
 void PatchModule(const wchar_t* name)
 {
     const HMODULE module = ::GetModuleHandleW(name);

@@ -1,6 +1,6 @@
-// Counts handles by trying their values one after the other. GetProcessHandleCount answers 0 under Wine
-// 8, and asking for the system's list of all handles ends Wine's server where any process on the machine
-// has just started and has none yet: it reads behind the end of that process's table.
+// Counts handles by trying their values one after the other. GetProcessHandleCount returns 0 under Wine
+// 8. A request for the system's list of all handles terminates Wine's server if a process on the machine
+// has just started and has no handle yet: the server reads beyond the end of that process's table.
 #include "tests/support/handle_count.h"
 
 #include <cstddef>
@@ -15,7 +15,7 @@ namespace
 
 using QueryObject = LONG(WINAPI*)(HANDLE, ULONG, void*, ULONG, ULONG*);
 
-/// "Key", "Process", "File" and so on; empty where the value is no open handle of this process.
+/// "Key", "Process", "File" and so on; empty if the value is not an open handle of this process.
 std::wstring_view KindOf(HANDLE handle)
 {
     constexpr ULONG kObjectTypeInformation = 2;
@@ -42,8 +42,8 @@ bool IsOpenIn(HANDLE process, HANDLE handle)
     return ::GetLastError() != ERROR_INVALID_HANDLE; // some kinds cannot be duplicated
 }
 
-/// Calls `isOpen` with every value that a handle can have, until a long run of them is not open: handles
-/// are multiples of 4, and a free value low down is given out before a higher one.
+/// Calls `isOpen` with every possible value of a handle, until a long run of them is not open: handles
+/// are multiples of 4, and Windows allocates the lowest free value first.
 template <typename Predicate>
 int CountWhere(Predicate isOpen)
 {

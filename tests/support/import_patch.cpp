@@ -112,7 +112,7 @@ LookupPatch::LookupPatch(const char* function, void* replacement)
 
 LookupPatch::~LookupPatch()
 {
-    lookups.pop_back(); // the last one made, as the scopes end
+    lookups.pop_back(); // the most recent one, because scopes nest
     if (lookups.empty()) {
         lookupPatch.reset();
     }

@@ -1,5 +1,5 @@
-// Changes what Windows answers, by patching the import table of the module under test. The shipped code
-// runs as it is; what it calls is the test's.
+// Replaces functions of Windows by patching the import table of the module under test. The shipped code
+// runs unchanged; its calls reach the test.
 #pragma once
 
 #include <windows.h>
@@ -13,11 +13,11 @@
 namespace kestraboot::tests
 {
 
-/// Whose imports are patched: the test executable itself unless set otherwise.
+/// The module whose imports are patched: the test executable itself by default.
 HMODULE ModuleUnderTest() noexcept;
 void SetModuleUnderTest(HMODULE module) noexcept;
 
-/// Points every import slot of that name at `replacement` while it lives.
+/// During its lifetime points every import slot of that name at `replacement`.
 class ImportPatch
 {
 public:
@@ -34,8 +34,8 @@ private:
     void* original = nullptr;
 };
 
-/// The same for a function that the module under test looks up at run time: while it lives,
-/// GetProcAddress answers `replacement` for that name, in whatever library it is looked for.
+/// The same for a function that the module under test looks up at run time: during its lifetime
+/// GetProcAddress returns `replacement` for that name, in any library.
 class LookupPatch
 {
 public:
@@ -44,7 +44,7 @@ public:
     LookupPatch& operator=(const LookupPatch&) = delete;
     ~LookupPatch();
 
-    /// What kernel32 has under that name, or null.
+    /// The function of kernel32 with that name, or null.
     [[nodiscard]] void* Original() const noexcept { return original; }
 
 private:

@@ -5,7 +5,7 @@ namespace kestraboot::tests
 namespace
 {
 
-/// The one section: what is put into it, and at which address it then lies.
+/// The only section: its contents, and the address at which each part is loaded.
 class Section
 {
 public:

@@ -5,12 +5,12 @@
 namespace kestraboot::tests
 {
 
-/// Thrown in place of the end of the process.
+/// Thrown instead of ending the process.
 struct ProcessEnded {
     UINT exitCode;
 };
 
-/// Lets a test live on when the module under test ends the process: ExitProcess throws ProcessEnded.
+/// Keeps a test running when the module under test ends the process: ExitProcess throws ProcessEnded.
 class ProcessEndCatcher
 {
 private:

@@ -7,8 +7,8 @@
 namespace kestraboot::tests
 {
 
-/// What the host is told while this lives: it is the registered callback. One at a time; any thread
-/// that reports must have stopped before it ends.
+/// The reports to the host: during its lifetime this object is the registered callback. One at a time;
+/// every reporting thread must have stopped before it is destroyed.
 class RecordedEvents
 {
 public:

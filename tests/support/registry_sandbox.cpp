@@ -91,7 +91,7 @@ void PutBytes(HKEY root, const std::wstring& path, const wchar_t* name, DWORD ty
               std::size_t size)
 {
     const Key key(Create(root, path));
-    // Wine looks at the characters before and behind what it is given as text.
+    // Wine reads the characters before and after a text argument.
     constexpr std::size_t kMargin = 8;
     std::vector<BYTE> data(kMargin + size + kMargin, BYTE{'x'});
     std::copy_n(static_cast<const BYTE*>(bytes), size, data.begin() + kMargin);

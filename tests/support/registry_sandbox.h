@@ -11,8 +11,8 @@
 namespace kestraboot::tests
 {
 
-/// Puts empty keys of the test's own in the place of HKEY_LOCAL_MACHINE and HKEY_CURRENT_USER for this
-/// process while it lives, and removes them afterwards.
+/// During its lifetime replaces HKEY_LOCAL_MACHINE and HKEY_CURRENT_USER for this process by empty keys
+/// of the test's own, and removes them afterwards.
 class RegistrySandbox
 {
 public:
@@ -25,7 +25,7 @@ private:
     std::wstring home; ///< below the real HKEY_CURRENT_USER
 };
 
-/// Removes what the sandboxes of a process left that ended without warning.
+/// Removes the sandbox keys of a process that was terminated.
 void RemoveSandboxesOf(unsigned long processId);
 
 /// Creates a key (and those above it) under a root.
@@ -35,13 +35,13 @@ void RemoveKey(HKEY root, const std::wstring& path);
 
 [[nodiscard]] bool KeyExists(HKEY root, const std::wstring& path);
 
-/// Each creates the key where it is missing. Text is stored with its terminator, as most programs do.
+/// Each creates the key if it is missing. Text is stored with its terminator, as most programs do.
 void PutText(HKEY root, const std::wstring& path, const wchar_t* name, std::wstring_view text);
 void PutDword(HKEY root, const std::wstring& path, const wchar_t* name, std::uint32_t value);
 void PutBytes(HKEY root, const std::wstring& path, const wchar_t* name, DWORD type, const void* bytes,
               std::size_t size);
 
-/// What is stored; nothing where key or value is missing.
+/// The stored value; empty if key or value is missing.
 [[nodiscard]] std::optional<std::uint32_t> StoredDword(HKEY root, const std::wstring& path,
                                                        const wchar_t* name);
 [[nodiscard]] std::optional<std::wstring> StoredText(HKEY root, const std::wstring& path,

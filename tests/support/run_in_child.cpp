@@ -19,7 +19,7 @@ namespace
 // Both are set for a child alone.
 constexpr const wchar_t* kTraceFile = L"KESTRABOOT_CHILD_TRACE";
 constexpr const wchar_t* kCall =
-    L"KESTRABOOT_CHILD_CALL"; // which call of RunInChild in the test it is for
+    L"KESTRABOOT_CHILD_CALL"; // the number of the call of RunInChild in the test
 
 std::wstring Environment(const wchar_t* name)
 {
@@ -70,7 +70,7 @@ void RunAsTheChild(const std::function<void()>& operation)
     ::TerminateProcess(::GetCurrentProcess(), kOperationReturned);
 }
 
-/// Until its end; the child's process identifier and exit code.
+/// Waits for the end; returns the child's process identifier and exit code.
 std::pair<DWORD, DWORD> Run(std::wstring command)
 {
     constexpr DWORD kLongestChild = 60'000; // milliseconds

@@ -7,7 +7,7 @@
 namespace kestraboot::tests
 {
 
-/// How a process ended that really ended.
+/// The end of a process that really ended.
 struct ChildEnd {
     unsigned long exitCode;
     std::vector<std::wstring> traceLines; ///< that the operation wrote
@@ -16,12 +16,11 @@ struct ChildEnd {
 /// The exit code of a child whose operation returned.
 inline constexpr unsigned long kOperationReturned = 77;
 
-/// Runs `operation` in a process of its own, with a registry sandbox of its own, for what may end a
+/// Runs `operation` in a process of its own, with a registry sandbox of its own, because it may end the
 /// process.
 ///
-/// The process is this very executable, running the test that calls, which begins anew in it and ends at
-/// this call: what stands before the call happens there too, and what the operation refers to is the
-/// child's.
+/// The process is this executable again. It runs the calling test from the start, and ends at this call.
+/// So the code before the call runs there too, and `operation` refers to objects of the child.
 [[nodiscard]] ChildEnd RunInChild(const std::function<void()>& operation);
 
 /// Whether this process is such a child.

@@ -34,7 +34,7 @@ SampleApplication RegisterSample(const std::filesystem::path& folder, const std:
 /// The same for an application whose proxy is the running executable.
 SampleApplication RegisterOwnSample(const std::filesystem::path& folder, const std::wstring& product);
 
-/// Installs the legacy organiser in that folder as far as the registry tells.
+/// Writes the registry values of a legacy organiser that is installed in that folder.
 void RegisterOrganiser(const std::wstring& folder);
 
 /// The full path of the running executable.

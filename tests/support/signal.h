@@ -5,7 +5,7 @@
 namespace kestraboot::tests
 {
 
-/// One thread tells others that something has come about. (std::promise does not link with Clang here.)
+/// One thread signals an event to others. (std::promise does not link with Clang here.)
 class Signal
 {
 public:
@@ -15,7 +15,7 @@ public:
     ~Signal() { ::CloseHandle(event); }
 
     void Set() const { ::SetEvent(event); }
-    /// Returns once it was set; the watchdog of the tests ends a wait for ever.
+    /// Returns once it is set. If it is never set, the tests' watchdog terminates the wait.
     void Wait() const { ::WaitForSingleObject(event, INFINITE); }
 
 private:

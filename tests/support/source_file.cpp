@@ -7,11 +7,11 @@ namespace kestraboot::tests
 namespace
 {
 
-/// Empty where this program does not come from the archive.
+/// Empty if this program does not come from the archive.
 std::filesystem::path SourcesOfTheArchive()
 {
     const std::filesystem::path programs = std::filesystem::path(OwnExecutablePath()).parent_path();
-    // A program that is to find the stand-ins lies with them, one folder below the others.
+    // A program that needs the stand-ins is in their folder, one level below the others.
     for (const std::filesystem::path& folder : {programs, programs.parent_path()}) {
         if (std::filesystem::exists(folder / "sources")) {
             return folder / "sources";

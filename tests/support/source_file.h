@@ -5,11 +5,12 @@
 namespace kestraboot::tests
 {
 
-/// Whether this program comes from the archive of tests: no source tree and no build folder is at hand.
+/// Whether this program comes from the archive of tests, so that neither the source tree nor the build
+/// folder is available.
 [[nodiscard]] bool FromTheArchive();
 
 /// A file or folder of the source tree that tests read, by its path in the tree. The archive of tests
-/// has these few in a folder of its own.
+/// contains these few in a folder of its own.
 [[nodiscard]] std::filesystem::path SourceFile(const std::filesystem::path& relative);
 
 } // namespace kestraboot::tests

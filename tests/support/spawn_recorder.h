@@ -19,7 +19,8 @@ struct SpawnCall {
     friend bool operator==(const SpawnCall&, const SpawnCall&) = default;
 };
 
-/// Keeps what the module under test starts, in place of starting it, while it lives. One at a time.
+/// During its lifetime records the programs that the module under test would start, and starts none. One
+/// at a time.
 class SpawnRecorder
 {
 public:
@@ -28,11 +29,11 @@ public:
     SpawnRecorder& operator=(const SpawnRecorder&) = delete;
     ~SpawnRecorder();
 
-    /// What every start answers: -1 for a failed one (the default is 0, as of a detached one), or a
-    /// handle, which the module under test is to close.
+    /// The result of every start: -1 for a failed one (the default is 0, as of a detached one), or a
+    /// handle, which the module under test must close.
     void Answer(std::intptr_t result) noexcept { answer = result; }
 
-    /// Called at every start too, for tests of an order.
+    /// Called at every start as well, for tests of an order.
     void OnSpawn(std::function<void(const SpawnCall&)> hook) { onSpawn = std::move(hook); }
 
     [[nodiscard]] const std::vector<SpawnCall>& Calls() const noexcept { return calls; }

@@ -26,7 +26,7 @@ void StandInFolder::Write(const char* file, const std::vector<std::string>& line
     }
     const std::filesystem::path whole = folder.AddFile(std::string(file) + ".new", contents);
     const std::filesystem::path target = folder.Path() / file;
-    // A reader that has the old file open holds up the move for a moment.
+    // A reader that has the old file open delays the move for a moment.
     for (int tries = 0; !::MoveFileExW(whole.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING);
          ++tries) {
         if (tries == 100) {

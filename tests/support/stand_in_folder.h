@@ -9,8 +9,8 @@
 namespace kestraboot::tests
 {
 
-/// The folder from which the imaging stand-ins of this process, and of those that it starts, take what
-/// to be. One at a time.
+/// The folder from which the imaging stand-ins of this process, and of those that it starts, read their
+/// behaviour. One at a time.
 class StandInFolder
 {
 public:
@@ -22,7 +22,7 @@ public:
     /// Replaces a file in one move. Lines are UTF-8.
     void Write(const char* file, const std::vector<std::string>& lines) const;
 
-    /// Starts a log, or starts it anew: stand-ins write into logs that exist.
+    /// Starts or restarts a log: stand-ins write only into existing logs.
     void StartLog(const char* file) const { Write(file, {}); }
     [[nodiscard]] std::vector<std::string> Log(const char* file) const;
 

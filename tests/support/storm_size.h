@@ -6,8 +6,8 @@
 namespace kestraboot::tests
 {
 
-/// How often a storm blows: `usual` in the test command, `full` where KESTRABOOT_STORM=full is in the
-/// environment.
+/// The number of rounds of a storm: `usual` in the test command, `full` if KESTRABOOT_STORM=full is in
+/// the environment.
 [[nodiscard]] inline int StormSize(int usual, int full)
 {
     const char* const asked = std::getenv("KESTRABOOT_STORM");

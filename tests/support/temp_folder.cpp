@@ -21,7 +21,7 @@ TempFolder::TempFolder()
 
 TempFolder::~TempFolder()
 {
-    std::error_code ignored; // what is left lies in the prefix, which ends with the run
+    std::error_code ignored; // any remainder is in the prefix, which is removed after the run
     std::filesystem::remove_all(path, ignored);
 }
 

@@ -18,7 +18,7 @@ public:
 
     [[nodiscard]] const std::filesystem::path& Path() const noexcept { return path; }
 
-    /// Makes a file, and the folders above it, below this folder. Answers its full path.
+    /// Makes a file, and the folders above it, below this folder. Returns its full path.
     std::filesystem::path AddFile(const std::filesystem::path& relative,
                                   std::string_view contents = {}) const;
 
@@ -28,7 +28,7 @@ private:
     std::filesystem::path path;
 };
 
-/// All bytes of a file; none where it cannot be opened.
+/// All bytes of a file; empty if it cannot be opened.
 [[nodiscard]] std::string Contents(const std::filesystem::path& file);
 
 } // namespace kestraboot::tests

@@ -1,5 +1,5 @@
-// The main program of every test executable: a guarded heap where asked for, no error boxes, a watchdog
-// for a test that hangs, and no end of the process before the end of the tests.
+// The main program of every test executable: a guarded heap if requested, no error boxes, a watchdog for
+// a test that hangs, and no end of the process before the end of the tests.
 #include "tests/support/guarded_heap.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/run_in_child.h"
@@ -17,7 +17,7 @@
 namespace
 {
 
-/// Milliseconds that a test may take: a minute, or as many seconds as KESTRABOOT_LONGEST_TEST says.
+/// Milliseconds that a test may take: a minute, or the number of seconds in KESTRABOOT_LONGEST_TEST.
 DWORD LongestTest()
 {
     const char* const asked = std::getenv("KESTRABOOT_LONGEST_TEST");
@@ -31,7 +31,7 @@ class Watchdog : public testing::EmptyTestEventListener
 public:
     void OnTestStart(const testing::TestInfo& test) override
     {
-        // GoogleTest sets the process error mode, which would hide a product that does not.
+        // GoogleTest sets the process error mode, which would hide that a product does not set it.
         ::SetErrorMode(0);
         std::snprintf(name, sizeof name, "%s.%s", test.test_suite_name(), test.name());
         ::CreateTimerQueueTimer(&timer, nullptr, Bark, this, LongestTest(), 0, WT_EXECUTEONLYONCE);
@@ -65,7 +65,7 @@ void EndedByTheProduct(UINT exitCode)
 std::unique_ptr<kestraboot::tests::ImportPatch> KeepRunning()
 {
     if (kestraboot::tests::IsChild()) {
-        return nullptr; // made to be ended
+        return nullptr; // this process is meant to end
     }
     try {
         return std::make_unique<kestraboot::tests::ImportPatch>(

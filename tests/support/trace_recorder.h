@@ -9,7 +9,8 @@
 namespace kestraboot::tests
 {
 
-/// Keeps every trace line of the module under test, whole and in UTF-16, while it lives. Any thread.
+/// During its lifetime records every trace line of the module under test, complete and in UTF-16. Any
+/// thread.
 class TraceRecorder
 {
 public:
@@ -17,7 +18,7 @@ public:
 
     [[nodiscard]] std::vector<std::wstring> Lines() const;
 
-    /// How often exactly this line was written.
+    /// The number of times that exactly this line was written.
     [[nodiscard]] int Count(const std::wstring& line) const;
 
     void Clear();

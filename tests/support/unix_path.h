@@ -6,7 +6,7 @@
 namespace kestraboot::tests
 {
 
-/// The path by which Wine's host system knows a folder; for the mount manager.
+/// The path of a folder on Wine's host system, for the mount manager.
 [[nodiscard]] std::string UnixPath(const std::filesystem::path& folder);
 
 } // namespace kestraboot::tests

@@ -3,7 +3,7 @@
 namespace kestraboot::tests
 {
 
-/// Grants the running test its whole time once more: for tests of many cases, as long as they get on.
+/// Restarts the time limit of the running test: for tests of many cases, as long as they make progress.
 void RestartWatchdog();
 
 } // namespace kestraboot::tests

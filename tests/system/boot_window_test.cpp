@@ -1,4 +1,4 @@
-// The window by which others ask the boot program to quit.
+// The window through which others ask the boot program to quit.
 #include "tests/system/system_test.h"
 
 namespace kestraboot::tests
@@ -15,8 +15,9 @@ protected:
         ASSERT_NE(window, nullptr);
     }
 
-    /// Whether what is posted now is served, and what is posted after that: a program that ends leaves
-    /// its loop between the two. The message marks a window as visible or not, which shows from outside.
+    /// Whether the program handles a message that is posted now, and one that is posted after it: a
+    /// program that exits leaves its loop between the two. The message marks a window as visible or not,
+    /// which another process can see.
     [[nodiscard]] bool GoesOnServing() const
     {
         for (const BOOL visible : {TRUE, FALSE}) {

@@ -1,4 +1,4 @@
-// The road from a card in a reader to a started application, with real drives.
+// A card in a reader starts an application, with real drives.
 #include "samples/simulators/cards/card_slot.h"
 #include "samples/simulators/cards/volume_message.h"
 #include "tests/support/registry_sandbox.h"
@@ -32,7 +32,7 @@ protected:
         AwaitTrackers({kNoWia, kNoSti, kNoPhones});
     }
 
-    /// Under Wine a process that ends while one of its threads is busy with COM may wait for ever.
+    /// Under Wine a process that exits while one of its threads is busy with COM may never exit.
     void AwaitTrackers(const std::vector<std::string>& lines) const
     {
         for (const std::string& line : lines) {
@@ -40,7 +40,7 @@ protected:
         }
     }
 
-    /// Puts the card in and tells the tracker's window, as Windows would.
+    /// Inserts the card and notifies the tracker's window, as Windows would.
     void Insert()
     {
         ASSERT_TRUE(simulators::InsertCard(L'E', UnixPath(card.Path())));
@@ -88,7 +88,7 @@ TEST_F(Card, WithoutPicturesStartsNothing)
 TEST_F(Card, IsFoundByPollingWhereNothingIsTold)
 {
     Start();
-    Insert(); // an empty card brings the tracker into polling
+    Insert(); // an empty card makes the tracker poll
     ASSERT_TRUE(trace.Await(kTracker + "<Entering in polling mode.>"));
     card.AddFile(L"IMG_0001.JPG", "picture");
     for (int round = 1; round <= 3; ++round) {
@@ -152,7 +152,7 @@ TEST_F(Card, WithNoApplicationLeftStartsTheLegacyOrganisersProgramAndEndsTheProc
     ASSERT_TRUE(AwaitOrders(organiser, {"-d"}));
     app.Unregister();
     ASSERT_TRUE(simulators::InsertCard(L'E', UnixPath(card.Path())));
-    // The process may end before its window answers.
+    // The process may exit before its window answers.
     static_cast<void>(
         simulators::SendVolumeMessage(window, DBT_DEVICEARRIVAL, L'E', SMTO_NORMAL, 30'000));
     EXPECT_EQ(boot->ExitCode(), kDone);
@@ -163,7 +163,7 @@ TEST_F(Card, WithNoApplicationLeftStartsTheLegacyOrganisersProgramAndEndsTheProc
 struct VersionCase {
     const wchar_t* version;
     bool watched;
-    std::vector<std::string> others; ///< what the other trackers say
+    std::vector<std::string> others; ///< lines of the other trackers
 };
 
 class OnWindows : public Card, public testing::WithParamInterface<VersionCase>

@@ -13,7 +13,8 @@
 namespace kestraboot::tests
 {
 
-/// A boot program with the rights of the account alone, as log-on starts it. Ended with this object.
+/// A boot program with only the privileges of the account, as log-on starts it. This object terminates
+/// it at the latest.
 class LimitedProcess
 {
 public:
@@ -28,7 +29,7 @@ private:
     PROCESS_INFORMATION information = {};
 };
 
-/// A machine whose kestractl is told Windows Vista, and on which nothing is installed.
+/// A machine on which nothing is installed and kestractl sees Windows Vista.
 class CheckedMachine : public testing::Test
 {
 protected:
@@ -37,7 +38,7 @@ protected:
 
     std::string Check(DWORD expectedExitCode, const std::wstring& arguments = {});
 
-    /// Checks too that the registry is the same afterwards, and all files below `folders`.
+    /// Also checks that the registry is unchanged afterwards, and all files below `folders`.
     std::string CheckWithoutChange(DWORD expectedExitCode);
     nlohmann::json CheckJson(DWORD expectedExitCode);
 
@@ -46,7 +47,7 @@ protected:
 
     static void PutAutoRun(const std::filesystem::path& program);
 
-    /// Makes the user's own preferences, as an installer does.
+    /// Creates the user's own preferences, as an installer does.
     static void PutUserPreferences(const Installation& application, std::uint32_t defaultFlag = 0);
 
     std::vector<std::filesystem::path> folders;

@@ -12,7 +12,7 @@ namespace kestraboot::tests
 namespace
 {
 
-/// An inheritable handle; null where the process is given none.
+/// An inheritable handle; null if the process gets none.
 HANDLE OpenToWriteOn(WritesOn output, const wchar_t* file)
 {
     if (output == WritesOn::Nothing || output == WritesOn::Console) {
@@ -48,7 +48,7 @@ ChildProcess::ChildProcess(const std::filesystem::path& program, const std::wstr
     const std::wstring startFolder = (folder.empty() ? program.parent_path() : folder).wstring();
     BOOL started = FALSE;
     DWORD error = ERROR_INTERNAL_ERROR;
-    // With that error Wine's new process ended before it began: once in some ten thousand starts.
+    // With that error Wine's new process ended before it began: about once in ten thousand starts.
     for (int attempt = 1; attempt <= 3 && !started && error == ERROR_INTERNAL_ERROR; ++attempt) {
         started =
             ::CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, output != WritesOn::Nothing,

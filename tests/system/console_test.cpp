@@ -1,4 +1,4 @@
-// The boot program and the console window that it is started from.
+// The boot program and the console window from which it is started.
 #include "tests/system/console_window.h"
 #include "tests/system/faults.h"
 #include "tests/system/system_test.h"
@@ -14,7 +14,7 @@ namespace
 class AtAPrompt : public SystemTest
 {
 protected:
-    /// What a short run leaves on the window, after the prompt's line.
+    /// The text that a short run leaves in the window, after the prompt's line.
     std::string Says(const std::wstring& arguments, DWORD exitCode, WritesOn output = WritesOn::Console)
     {
         const ConsoleWindow console;
@@ -25,10 +25,10 @@ protected:
         return text.substr(4);
     }
 
-    /// What inherited.exe writes down.
+    /// The report of inherited.exe.
     static std::string ToldBy(const std::filesystem::path& program)
     {
-        std::string told; // a file that is just being moved to its place cannot be read yet
+        std::string told; // a file cannot be read while it is being moved
         EXPECT_TRUE(Within(30'000, [&] {
             std::ifstream in(std::filesystem::path(program) += L".txt", std::ios::binary);
             told.assign(std::istreambuf_iterator<char>(in), {});
@@ -132,7 +132,7 @@ TEST_P(Serving, HasNothingOfTheWindowAndOutlivesIt)
 
     ASSERT_TRUE(console->PressCtrlC());
     EXPECT_EQ(console->Text(), "C:\\>");
-    console.reset(); // the shell ends
+    console.reset(); // the shell exits
     EXPECT_TRUE(Within(30'000, [window] {
         return !::IsWindow(window);
     })) << "the boot program keeps it open";
@@ -153,7 +153,7 @@ TEST_P(Serving, HandsNothingOfTheWindowOn)
     EXPECT_EQ(told.find("not attached\n"), 0U) << told;
     EXPECT_EQ(console.Text(), "C:\\>");
     Quit(boot);
-    // What was redirected is handed on as the parent set it.
+    // The redirected handles are passed on as the parent set them.
     const bool toAFile = GetParam() == WritesOn::File;
     EXPECT_EQ(told.find("file") != std::string::npos, toAFile) << told;
     EXPECT_EQ(boot.Output().starts_with("inherited"), toAFile);

@@ -7,8 +7,8 @@
 namespace kestraboot::tests
 {
 
-/// A console window of this process's own, in place of any that it has, and what is to be seen on it.
-/// Programs that are started meanwhile inherit it, as from a prompt. One at a time.
+/// A console window of this process's own, instead of any that it has, and its visible text. Programs
+/// that start meanwhile inherit it, as from a prompt. One at a time.
 class ConsoleWindow
 {
 public:
@@ -23,8 +23,7 @@ public:
     /// Whether that process has this console.
     [[nodiscard]] static bool Has(DWORD processId);
 
-    /// As if Ctrl+C were pressed: for every process that has this console. Returns when
-    /// this one has got it.
+    /// Sends Ctrl+C to every process that has this console. Returns when this one has received it.
     [[nodiscard]] bool PressCtrlC() const;
 
 private:

@@ -193,7 +193,7 @@ TEST_F(Control, TheNextInstanceCanTakeItAfterTheOemFileStoppedOne)
 
 TEST_F(Control, TheExecutablesFolderBecomesTheCurrentOne)
 {
-    // The OEM file is looked up there, wherever the program was started from.
+    // The OEM file is looked up there, from whatever folder the program was started.
     app.AddOemFile(Section("1"));
     ::SetCurrentDirectoryW(L"C:\\");
     ChildProcess boot(app.Proxy());

@@ -11,7 +11,7 @@ namespace kestraboot::tests
 namespace
 {
 
-/// A reader that has just gone may be held open by a writer for as long as that waits for its turn.
+/// A waiting writer may keep a recent reader's objects open until its turn comes.
 void AwaitChannel(tools::DebugChannel& channel)
 {
     using Opening = tools::DebugChannel::Opening;
@@ -54,11 +54,11 @@ void DebugReader::Read()
 
 void DebugReader::CatchUp() const
 {
-    // Writers take turns: once a line of our own is here, all that were written before it are.
+    // Writers take turns. Once a line of our own is here, all earlier lines are here too.
     static std::atomic<int> number = 0;
     const std::string marker = "caught up " + std::to_string(++number);
     for (int attempt = 0; attempt < 10; ++attempt) {
-        ::OutputDebugStringA(marker.c_str()); // a writer gives its line up when its turn does not come
+        ::OutputDebugStringA(marker.c_str()); // a writer drops its line if its turn does not come
         for (const ULONGLONG end = ::GetTickCount64() + 2'000; ::GetTickCount64() < end; ::Sleep(1)) {
             if (CountSoFar(marker) != 0) {
                 return;

@@ -11,7 +11,8 @@
 namespace kestraboot::tests
 {
 
-/// Receives the trace lines of every other process of this session while it lives. One in a session.
+/// During its lifetime receives the trace lines of every other process of this session. One in a
+/// session.
 class DebugReader
 {
 public:
@@ -20,13 +21,13 @@ public:
     DebugReader& operator=(const DebugReader&) = delete;
     ~DebugReader();
 
-    /// The lines of one process so far, in order. What was written before this call is among them.
+    /// The lines of one process so far, in order. They include those written before this call.
     [[nodiscard]] std::vector<std::string> LinesOf(DWORD processId) const;
 
-    /// Waits until some process has written the line; false after `milliseconds`.
+    /// Waits until any process has written the line; returns false after `milliseconds`.
     [[nodiscard]] bool Await(const std::string& line, DWORD milliseconds = 30'000) const;
 
-    /// How often the line was written before this call.
+    /// The number of times that the line was written before this call.
     [[nodiscard]] int Count(const std::string& line) const;
 
     void Clear();

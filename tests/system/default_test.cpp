@@ -27,7 +27,7 @@ protected:
         return code;
     }
 
-    /// The flags of A, B and C; 99 where none is stored.
+    /// The flags of A, B and C; 99 if none is stored.
     std::array<std::uint32_t, 3> Flags(HKEY hive) const
     {
         const auto flag = [&](const Installation& app) {
@@ -36,7 +36,8 @@ protected:
         return {flag(a), flag(b), flag(c)};
     }
 
-    // None begins with a letter of "SOFTWARE\Corvane\", which would keep the user's key from being made.
+    // No name begins with a letter of "SOFTWARE\Corvane\", which would prevent the user's key from being
+    // created.
     Installation a{L"Maker One"};
     Installation b{L"Maker Two"};
     Installation c{L"Maker Three"};

@@ -8,7 +8,7 @@
 namespace kestraboot::tests
 {
 
-/// A folder that the drop folder plugin is told of in the registry, to be looked at without long pauses.
+/// A folder that the registry assigns to the drop folder plugin, with short polling pauses.
 class DropFolder
 {
 public:
@@ -20,7 +20,7 @@ public:
         PutDword(HKEY_CURRENT_USER, key, L"RetryMilliseconds", 200);
     }
 
-    /// What the plugin traces of it.
+    /// The plugin's trace lines about it.
     [[nodiscard]] std::string Line(const std::string& text) const
     {
         return "<DropFolder><" + folder.Path().string() + text + ">";

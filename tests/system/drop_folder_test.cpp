@@ -1,4 +1,4 @@
-// The road from a picture that is dropped into a folder to a started application, by way of the plugin.
+// A picture that is dropped into a folder starts an application, through the plugin.
 #include "tests/system/drop_folder.h"
 #include "tests/system/plugin_test.h"
 
@@ -13,7 +13,7 @@ namespace
 
 namespace fs = std::filesystem;
 
-/// Holds all threads of a process while it lives.
+/// During its lifetime suspends all threads of a process.
 class HeldProcess
 {
 public:
@@ -62,7 +62,7 @@ protected:
                drop.folder.Path().string() + "\"";
     }
 
-    /// Throws in so many pictures at once, in folders: a large one is slow under Wine.
+    /// Drops that many pictures at once, in folders, because a large folder is slow under Wine.
     void Throw(int pictures, std::size_t nameLength) const
     {
         for (int i = 0; i < pictures; ++i) {
@@ -104,7 +104,7 @@ TEST_F(DropFolderSystem, NoPictureIsLostWhereTheChangesOverflow)
     StartWatching();
     {
         const HeldProcess held(boot->Id());
-        Throw(200, 150); // at least two changes of 300 bytes each, where there is room for 64 KB
+        Throw(200, 150); // at least two changes of 300 bytes each, and the buffer holds 64 KB
     }
     ASSERT_TRUE(trace.Await(drop.Line(": too many changes at once. The whole folder is read.")));
     ASSERT_TRUE(trace.Await(drop.Reported(200)));

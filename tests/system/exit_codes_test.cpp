@@ -1,5 +1,4 @@
-// The exit codes of kestraboot.exe, each seen in a real process; README's table is what comes out of
-// here.
+// The exit codes of kestraboot.exe, each from a real process; docs/exit-codes.md holds them as a table.
 #include "samples/simulators/cards/card_slot.h"
 #include "tests/support/source_file.h"
 #include "tests/support/unix_path.h"
@@ -27,12 +26,12 @@ protected:
 
     DWORD ServeUntilACardArrives()
     {
-        app.AddOemFile(""); // no longer stops it
+        app.AddOemFile(""); // an empty file does not stop it
         app.Register();
         SetWindowsVersion(L"kestraboot.exe", L"vista");
         ChildProcess boot(app.Proxy());
         const HWND window = AwaitWindow(boot.Id(), kVolumeWindow);
-        // Under Wine a process that ends while one of its threads is busy with COM may wait for ever.
+        // Under Wine a process that exits while one of its threads is busy with COM may never exit.
         for (const char* const line :
              {"<***DeviceConnect***><WiaTracker><WIA devices will not be detected>.",
               "<***DeviceConnect***><StiTracker><STI Devices will not be detected.>",
@@ -59,7 +58,7 @@ protected:
     std::vector<std::pair<DWORD, std::string>> rows;
 };
 
-TEST_F(ExitCodes, AreThoseOfTheReadme)
+TEST_F(ExitCodes, AreThoseOfThePage)
 {
     {
         ChildProcess boot(app.Proxy());
@@ -68,7 +67,7 @@ TEST_F(ExitCodes, AreThoseOfTheReadme)
         Row("another instance is in control", Run(L"-install"));
         ::SendMessageW(window, WM_QUIT, 0, 0);
         Row("it was in control and was asked to quit, or the session ended", boot.ExitCode());
-        Row("`-uninstall` did what there was to do", Run(L"-uninstall"));
+        Row("`-uninstall` did its work", Run(L"-uninstall"));
         Row("`-default \"Maker\" yes`: the flag is set where the user may write",
             Run(L"-default Maker yes"));
         Row("`-default \"Maker\" maybe`: neither yes nor no", Run(L"-default Maker maybe"));
@@ -85,8 +84,8 @@ TEST_F(ExitCodes, AreThoseOfTheReadme)
     Row("no compatible application is installed, or this user wants none", Run(L""));
     Row("it was in control, a device arrived, and no compatible application was installed any more",
         ServeUntilACardArrives());
-    Row("a window, memory or a folder to work in cannot be had", RunWithoutWindows());
-    EXPECT_EQ(Run(L"--version"), kDone); // the other arguments do not ask for an application
+    Row("a window, memory or a working folder is not available", RunWithoutWindows());
+    EXPECT_EQ(Run(L"--version"), kDone); // the other arguments need no application
     EXPECT_EQ(Run(L"/install"), kUsage);
     EXPECT_EQ(Run(L"-default Maker"), kUsage);
 
@@ -95,9 +94,9 @@ TEST_F(ExitCodes, AreThoseOfTheReadme)
     for (const auto& [code, situation] : rows) {
         table += "| " + std::to_string(code) + " | " + situation + " |\n";
     }
-    std::ifstream file(SourceFile("README.md"), std::ios::binary);
-    const std::string readme(std::istreambuf_iterator<char>(file), {});
-    EXPECT_NE(readme.find(table), std::string::npos) << "README should hold this table:\n\n" << table;
+    std::ifstream file(SourceFile("docs/exit-codes.md"), std::ios::binary);
+    const std::string page(std::istreambuf_iterator<char>(file), {});
+    EXPECT_NE(page.find(table), std::string::npos) << "The page should hold this table:\n\n" << table;
 }
 
 } // namespace

@@ -8,8 +8,8 @@
 namespace kestraboot::tests
 {
 
-/// Lets calls of an installation's boot program be seen, fail or hang, while it lives: in each that is
-/// started meanwhile. `what` is that of tests/stand_ins/faulty_library.
+/// During its lifetime records, fails or blocks calls of an installation's boot program, in each process
+/// that starts meanwhile. `what` has the syntax of tests/stand_ins/faulty_library.
 class Faults
 {
 public:

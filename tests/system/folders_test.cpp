@@ -1,4 +1,4 @@
-// From where the boot program takes libraries and plugins.
+// The folders from which the boot program loads libraries and plugins.
 #include "tests/system/faults.h"
 #include "tests/system/system_test.h"
 
@@ -13,7 +13,7 @@ const std::string kNoPhones = "<***DeviceConnect***><NOKIA Devices will not be d
 class Folders : public SystemTest
 {
 protected:
-    /// Lays hanging.mox into a folder, with that name.
+    /// Copies hanging.mox into a folder, with that name.
     static void Lay(const std::filesystem::path& file)
     {
         std::filesystem::create_directories(file.parent_path());
@@ -38,8 +38,8 @@ TEST_F(Folders, NothingIsTakenFromAnotherWhereTheProgramsOwnCannotBeTheCurrentOn
 {
     Lay(elsewhere.Path() / L"moxplugins" / L"nokiamanager.mox");
     elsewhere.AddFile(L"OEM/album.ini", "[KestraProxyStopInstall]\r\n1\r\n");
-    // Whoever makes a folder the current one does not let it be removed, so a right to remove keeps it
-    // from becoming one.
+    // A process that makes a folder its current one prevents its removal. So a handle with the right to
+    // delete prevents the folder from becoming current.
     const HANDLE held = ::CreateFileW(app.folder.Path().c_str(), DELETE,
                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                       OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
@@ -47,7 +47,7 @@ TEST_F(Folders, NothingIsTakenFromAnotherWhereTheProgramsOwnCannotBeTheCurrentOn
     ChildProcess boot(app.Proxy(), L"", WritesOn::Nothing, elsewhere.Path());
     EXPECT_TRUE(trace.Await(kNotItsFolder));
     EXPECT_TRUE(trace.Await(kNoPhones));
-    Quit(boot); // it serves all the same
+    Quit(boot); // it serves nevertheless
     ::CloseHandle(held);
     EXPECT_EQ(trace.Count(kFolderSet), 0);
     EXPECT_EQ(trace.Count(kHangingIsLoaded), 0);
@@ -55,8 +55,8 @@ TEST_F(Folders, NothingIsTakenFromAnotherWhereTheProgramsOwnCannotBeTheCurrentOn
 
 TEST_F(Folders, PluginsAreLookedForInTheProgramsOwnWhereTheLibraryTookAnotherForIt)
 {
-    // It keeps 259 characters of a path: cut, a longer one names a folder above. Wine starts no such
-    // program.
+    // It stores 259 characters of a path; a longer path, truncated, names a folder above. Wine starts no
+    // such program.
     elsewhere.AddFolder(L"moxplugins");
     app.Put(L"nokiamanager.mox", L"moxplugins/nokiamanager.mox");
     const Faults faults(app, L"kestraboot.dll!SetCurrentDirectoryW=above");
@@ -70,7 +70,7 @@ TEST_F(Folders, PluginsAreLookedForInTheProgramsOwnWhereTheLibraryTookAnotherFor
 
 TEST_F(Folders, ALibraryIsNotLookedForInTheCurrentOne)
 {
-    // One that is nowhere else; Wine has one built in, which is not to be taken.
+    // A library that is nowhere else; Wine has a built-in one, which must not be loaded.
     std::filesystem::remove(L"C:\\windows\\system32\\sti.dll");
     Lay(elsewhere.Path() / L"sti.dll");
     ::SetEnvironmentVariableW(L"WINEDLLOVERRIDES", L"sti=n");

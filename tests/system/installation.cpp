@@ -23,7 +23,7 @@ std::filesystem::path ReportFile(const std::wstring& program)
            (program + L".txt");
 }
 
-/// What viewer.exe under another name (without ".exe") wrote down.
+/// The report of viewer.exe under another name (without ".exe").
 std::string ReportOf(const std::wstring& program)
 {
     std::ifstream in(ReportFile(program), std::ios::binary);
@@ -72,7 +72,7 @@ void Installation::Put(const std::filesystem::path& built, const std::filesystem
 
 std::filesystem::path Installation::Application() const
 {
-    // A name of its own, and so a report of its own.
+    // A name of its own, and therefore a report of its own.
     return folder.Path() / (folder.Path().filename().wstring() + L".exe");
 }
 
@@ -100,7 +100,7 @@ void ClearCorvaneRegistry()
     ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane");
     ::RegDeleteTreeW(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane");
     ::RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kRunKey, L"Corvane Kestrafetch");
-    // Installers of compatible applications make the user's root, or nobody does.
+    // Installers of compatible applications create the user's root; nothing else does.
     MakeKey(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane");
 }
 
@@ -127,7 +127,7 @@ std::filesystem::path LegacyOrganiser::DeviceConnect() const
 
 std::vector<std::string> LegacyOrganiser::Orders() const
 {
-    // The organisers of all tests write into one report.
+    // The organisers of all tests write to one report.
     const std::string ownLine = "command line: \"" + DeviceConnect().string() + "\" ";
     std::vector<std::string> orders;
     std::istringstream report(ReportOf(kDeviceConnect));

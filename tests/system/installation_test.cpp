@@ -1,4 +1,4 @@
-// What keeps the tests of the shipped programs from a machine on which somebody works.
+// The safeguard that keeps the tests of the shipped programs off a machine on which somebody works.
 #include "tests/support/import_patch.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/system/installation.h"

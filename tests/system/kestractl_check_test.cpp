@@ -1,4 +1,4 @@
-// What kestractl --check finds on real machines, healthy and not, and that it changes nothing on them.
+// The findings of kestractl --check on real machines, healthy and not; it changes nothing on them.
 #include "tests/support/compatible_application.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/pe_builder.h"
@@ -91,7 +91,7 @@ TEST_F(HealthyMachine, TellsWhoHasControlWithoutAWindow)
     ASSERT_NE(claim, nullptr);
     EXPECT_THAT(RowsOf(CheckJson(kFine), "control"),
                 ElementsAre(HasSubstr("a program has control that has no window")));
-    // Known by its path, where it is the boot program of an application.
+    // It is identified by its path, if it is the boot program of an application.
     PutText(HKEY_LOCAL_MACHINE, viewer.KeyPath(), L"ProxyPath", RunningExecutable());
     EXPECT_THAT(
         RowsOf(CheckJson(kFine), "control"),
@@ -104,7 +104,7 @@ TEST_F(HealthyMachine, TellsWhoHasControlWithoutAWindow)
 TEST_F(HealthyMachine, TellsThatTheDebugOutputIsRead)
 {
     const auto rows = [&] {
-        return RowsOf(CheckJson(kBroken), "debug-output"); // nobody has control
+        return RowsOf(CheckJson(kBroken), "debug-output"); // no instance is in control
     };
     EXPECT_THAT(rows(), ElementsAre(StartsWith("fine ")));
     const DebugReader reader;
@@ -124,7 +124,7 @@ TEST_F(HealthyMachine, TellsThatAProgramOfTheListIsSwitchedOff)
 
 TEST_F(HealthyMachine, IsToldWhatItsLibrariesLack)
 {
-    // A library without a version resource; and one that Windows would load in the place of its own.
+    // A library without a version resource, and one that Windows would load instead of its own.
     viewer.folder.AddFile(L"kestraboot.dll", PeFile().Bytes());
     viewer.folder.AddFile(L"sti.dll", "a text");
     const json told = CheckJson(kBroken);
@@ -134,7 +134,7 @@ TEST_F(HealthyMachine, IsToldWhatItsLibrariesLack)
     EXPECT_THAT(RowsOf(told, "still-image"), ElementsAre(HasSubstr("sti.dll is no program file")));
 }
 
-/// What can be wrong, all at once.
+/// All possible faults at once.
 class MachineWithFaults : public CheckedMachine
 {
 protected:
@@ -193,7 +193,7 @@ TEST_F(MachineWithFaults, IsToldEachOfThem)
     EXPECT_EQ(told["broken"], 10);
     EXPECT_EQ(told["suspicious"], 3);
     EXPECT_THAT(text, EndsWith("\n10 broken, 3 suspicious, " + told["fine"].dump() + " fine\n"));
-    for (const json& row : told["rows"]) { // the text says the same
+    for (const json& row : told["rows"]) { // the text output agrees
         EXPECT_THAT(text, HasSubstr(row["reason"].get<std::string>() + "\n"));
     }
     EXPECT_THAT(organiser.Orders(), testing::IsEmpty());
@@ -217,11 +217,11 @@ TEST_F(HealthyMachine, IsToldOfEveryKindOfBadPlugin)
     PeFile beside;
     beside.needs = {"far.dll"};
     viewer.folder.AddFile(L"beside.dll", beside.Bytes());
-    put("moxplugins_only.dll", PeFile().Bytes()); // Windows does not look there
+    put("moxplugins_only.dll", PeFile().Bytes()); // Windows does not search that folder
     put("e.mox", PeFile().Bytes());
     put("f.mox", PeFile().Bytes());
     put("g.mox", "");
-    viewer.folder.AddFolder(L"moxplugins/h.mox"); // no file
+    viewer.folder.AddFolder(L"moxplugins/h.mox"); // a folder, not a file
     std::filesystem::copy_file(BuiltPrograms() / L"sample_plugin.mox", plugins / L"z.mox");
     EXPECT_THAT(RowsOf(CheckJson(kBroken), "plugin"),
                 testing::UnorderedElementsAre(

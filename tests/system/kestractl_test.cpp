@@ -1,4 +1,4 @@
-// What kestractl shows of real installations, and that it changes nothing on the machine.
+// The output of kestractl for real installations; it changes nothing on the machine.
 #include "samples/simulators/cards/card_slot.h"
 #include "samples/simulators/cards/volume_message.h"
 #include "tests/support/registry_sandbox.h"
@@ -33,7 +33,7 @@ std::string Escaped(std::string text)
     return text;
 }
 
-/// The JSON without the build that it is of, which SaysWhichBuildItIs looks at.
+/// The JSON without the build, which SaysWhichBuildItIs checks.
 std::string WithoutBuild(const std::string& json)
 {
     return std::regex_replace(json, std::regex(R"("build":\{[^}]*\},)"), "");
@@ -42,7 +42,7 @@ std::string WithoutBuild(const std::string& json)
 class Kestractl : public SystemTest
 {
 protected:
-    /// Runs it and checks that the registry is the same, that nothing was started and nothing traced.
+    /// Runs it and checks that the registry is unchanged, and that it started and traced nothing.
     std::string Run(const std::wstring& arguments = {}, DWORD expected = 0)
     {
         const std::vector<std::string> before = RegistryDump();
@@ -157,8 +157,8 @@ TEST_F(ThreeApplications, ThatShareAProxyAreToldTheSame)
 
 TEST_F(Kestractl, ChangesNothingWhereTheLibraryWould)
 {
-    // For a user without preferences the library creates them; there is no entry, so it would set one;
-    // the flag of the machine counts once only.
+    // For a user without preferences the library creates them. There is no entry, so it would set one.
+    // The machine's flag counts only once.
     const Installation application(L"App");
     PutDword(HKEY_LOCAL_MACHINE, application.KeyPath() + L"\\Preferences", L"DefaultFlag", 1);
     for (int time = 1; time <= 2; ++time) {
@@ -170,8 +170,9 @@ TEST_F(Kestractl, ChangesNothingWhereTheLibraryWould)
     EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, application.KeyPath()));
 }
 
-/// The default of two is the machine's alone. The library then makes the user's flag, which hides it: a
-/// camera is served by the first loading, a card by the second, since its search loads too.
+/// Only the machine has a default among two applications. The library then creates the user's flag,
+/// which hides it: the first loading serves a camera, the second one a card, because the search for the
+/// card loads too.
 class MachineDefault : public Kestractl
 {
 protected:
@@ -223,7 +224,7 @@ TEST_F(MachineDefault, IsToldAsTheLibraryThenTreatsIt)
 
 TEST_F(Kestractl, ChangesAndStartsNothingWhereNoApplicationIsLeft)
 {
-    // The library would give devices back to the organiser, remove the entry and end the process.
+    // The library would return the devices to the organiser, remove the entry and end the process.
     const LegacyOrganiser organiser;
     const Installation application(L"App");
     Break(application);
@@ -351,7 +352,7 @@ TEST_F(Kestractl, ChangesNothingWhereItsOutputCannotBeWritten)
     HANDLE writeEnd = nullptr;
     SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
     ASSERT_TRUE(::CreatePipe(&readEnd, &writeEnd, &inherited, 0));
-    ::CloseHandle(readEnd); // nobody reads
+    ::CloseHandle(readEnd); // there is no reader
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;

@@ -1,4 +1,4 @@
-// Where a plugin and what it needs must lie, and what its reports start.
+// The folders of a plugin and of its dependencies, and the application that its reports start.
 #include "tests/system/plugin_test.h"
 
 namespace kestraboot::tests

@@ -1,5 +1,5 @@
-// What the end of the process does to a plugin. It is never asked; its static objects are destroyed
-// where the process exits, and are not where it is terminated, as at log-off.
+// The effect of the end of the process on a plugin. The host does not call it. Its static objects are
+// destroyed if the process exits, and are not if it is terminated, as at log-off.
 #include "samples/simulators/cards/card_slot.h"
 #include "samples/simulators/cards/volume_message.h"
 #include "tests/support/unix_path.h"
@@ -19,7 +19,7 @@ protected:
     PluginAtTheEnd() { SetWindowsVersion(L"kestraboot.exe", L"vista"); }
     ~PluginAtTheEnd() override { static_cast<void>(simulators::TakeCardOut(L'E')); }
 
-    /// Tells every program of this session that it ends, as Windows does. Answers how the boot program
+    /// Notifies every program of the end of this session, as Windows does. Returns how the boot program
     /// ended.
     DWORD LogOff()
     {
@@ -30,15 +30,15 @@ protected:
         return boot->ExitCode();
     }
 
-    /// A card arrives when no application is left: the library ends the process by ExitProcess. Answers
-    /// how it ended.
+    /// A card arrives when no application is left: the library ends the process with ExitProcess.
+    /// Returns how it ended.
     DWORD LeaveNoApplication()
     {
         const HWND window = AwaitWindow(boot->Id(), kVolumeWindow);
         EXPECT_NE(window, nullptr);
         app.Unregister();
         EXPECT_TRUE(simulators::InsertCard(L'E', UnixPath(card.Path())));
-        // The process ends before the window answers.
+        // The process exits before the window answers.
         static_cast<void>(
             simulators::SendVolumeMessage(window, DBT_DEVICEARRIVAL, L'E', SMTO_NORMAL, 30'000));
         return boot->ExitCode();
@@ -93,7 +93,7 @@ TEST_F(PluginAtTheEnd, IsNotDestroyedAtLogOff)
 
 TEST_F(PluginAtTheEnd, WithAThreadInAStaticObjectEndsBadlyAProcessThatExits)
 {
-    constexpr DWORD kTerminated = 3; // what abort ends a process with
+    constexpr DWORD kTerminated = 3; // the exit code of abort
     StartWith(L"static_thread.mox", "Players");
     EXPECT_EQ(LeaveNoApplication(), kTerminated);
 }

@@ -1,4 +1,4 @@
-// The copy of the registry's keys that kestractl works on, and what is left when it cannot be made.
+// The copy of the registry's keys that kestractl works on, and its remains if it cannot be made.
 #include "tools/ctl/registry_copy.h"
 
 #include "tests/support/import_patch.h"
@@ -85,7 +85,7 @@ TEST_F(CopyOfTheRegistry, TakesNewKeysAsTheLibraryMakesThem)
 
 TEST_F(CopyOfTheRegistry, LeavesNothingWhicheverStepFails)
 {
-    // Fails the n-th registry call of each kind in turn, until one copy is made to its end.
+    // Fails the n-th registry call of each kind in turn, until a copy is completed.
     for (long failing = 1;; ++failing) {
         ASSERT_LT(failing, 200);
         long calls = 0;

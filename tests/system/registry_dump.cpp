@@ -15,8 +15,8 @@ namespace
 
 using std::string_view_literals::operator""sv;
 
-/// Keys of Windows' own, nine in ten of all, that no program of ours has a reason to open for writing:
-/// to read them too took nearly all the time of the tests that compare dumps.
+/// Keys of Windows' own, nine of every ten keys, which no program of ours has a reason to open for
+/// writing. Reading them took nearly all the time of the tests that compare dumps.
 constexpr std::array kWindowsOwn = {L"Classes"sv,   L"Cryptography"sv,      L"Explorer"sv,
                                     L"Fonts"sv,     L"Internet Explorer"sv, L"Telephony"sv,
                                     L"Time Zones"sv};
@@ -32,7 +32,7 @@ std::string Narrow(const std::wstring& text)
 
 void DumpValues(HKEY key, std::vector<std::string>& lines)
 {
-    static std::wstring name(16'384, L'\0'); // of any value; made once
+    static std::wstring name(16'384, L'\0'); // of any value; allocated once
     static std::vector<BYTE> data(1 << 20);
     for (DWORD index = 0;; ++index) {
         auto length = static_cast<DWORD>(name.size());

@@ -58,8 +58,8 @@ std::string RunningViewer::Await(const std::string& text)
 bool AwaitReader()
 {
     for (const ULONGLONG end = ::GetTickCount64() + 30'000; ::GetTickCount64() < end; ::Sleep(10)) {
-        // The section is the last thing that a reader makes; that of one which has just ended may still
-        // be there without its events.
+        // A reader creates the section last. The section of a reader that has just exited may still
+        // exist without its events.
         const HANDLE dataReady = ::OpenEventW(SYNCHRONIZE, FALSE, L"DBWIN_DATA_READY");
         const HANDLE section = ::OpenFileMappingW(FILE_MAP_READ, FALSE, L"DBWIN_BUFFER");
         const bool reads = dataReady != nullptr && section != nullptr;

@@ -13,15 +13,15 @@ class RunningViewer
 {
 public:
     explicit RunningViewer(const std::wstring& arguments = {});
-    /// Holds what it showed as JSON against the schema of its page.
+    /// Validates its JSON output against the schema of its page.
     ~RunningViewer();
     RunningViewer(const RunningViewer&) = delete;
     RunningViewer& operator=(const RunningViewer&) = delete;
 
-    /// What it has shown so far, whole lines only.
+    /// Its output so far, complete lines only.
     [[nodiscard]] std::vector<std::string> Lines();
 
-    /// Waits until a line holds that text and answers the line; empty when none comes.
+    /// Waits until a line contains that text and returns the line; empty if none comes.
     [[nodiscard]] std::string Await(const std::string& text);
 
     ChildProcess process;
@@ -30,7 +30,7 @@ private:
     bool json;
 };
 
-/// Waits until kestratrace.exe, or whatever reads the debug output, is ready for lines.
+/// Waits until kestratrace.exe, or another reader of the debug output, is ready for lines.
 [[nodiscard]] bool AwaitReader();
 
 } // namespace kestraboot::tests

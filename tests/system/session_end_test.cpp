@@ -1,4 +1,4 @@
-// The end of a session, or of the boot program alone, whatever the trackers are doing then.
+// The end of a session, or of the boot program alone, during any activity of the trackers.
 #include "samples/simulators/cards/card_slot.h"
 #include "tests/support/unix_path.h"
 #include "tests/system/faults.h"
@@ -13,13 +13,13 @@ namespace kestraboot::tests
 namespace
 {
 
-/// How a boot program is asked to end.
+/// The ways to ask a boot program to end.
 struct End {
     const char* name;
     UINT message;
     WPARAM wParam;
     bool posted;
-    const char* next; ///< what the boot program calls first after it
+    const char* next; ///< the boot program's first call after it
 };
 
 const End kEnds[] = {{"TheSession", WM_ENDSESSION, TRUE, false, "PostQuitMessage"},
@@ -41,12 +41,12 @@ protected:
 
     void AskToEnd(const End& end) const
     {
-        // Sent, it is not waited for: in some tests the answer never comes.
+        // The test sends it without waiting, because in some tests the answer never comes.
         EXPECT_TRUE(
             (end.posted ? ::PostMessageW : ::SendNotifyMessageW)(window, end.message, end.wParam, 0));
     }
 
-    /// A device is reported; returns when the callback has.
+    /// Reports a device; returns when the callback has returned.
     static void Report(const std::wstring& phone)
     {
         ChildProcess news(BuiltPrograms() / L"phone.exe", L"ready " + phone, WritesOn::Nothing);
@@ -130,7 +130,7 @@ TEST_F(Ending, TheQuestionIsAnsweredAtOnceAndEndsNothing)
     DWORD_PTR answer = 0;
     ASSERT_NE(::SendMessageTimeoutW(window, WM_QUERYENDSESSION, 0, 0, SMTO_BLOCK, 2'000, &answer), 0);
     EXPECT_EQ(answer, 1U);
-    ::SendMessageW(window, WM_ENDSESSION, FALSE, 0); // another program said no
+    ::SendMessageW(window, WM_ENDSESSION, FALSE, 0); // another program refused
     Report(L"Later");
     EXPECT_EQ(trace.Count(StartLine("Later")), 1);
     Quit(*boot);
@@ -148,7 +148,7 @@ TEST_F(Ending, ALogOffBeforeAnyDeviceFindsTheEntryOfAHandOverRight)
 {
     Installation other(L"Other");
     Start();
-    // As an uninstaller may do it: first the hand-over, then the key and the files.
+    // As an uninstaller may do: first the hand-over, then the key and the files.
     ChildProcess uninstall(app.Proxy(), L"-uninstall");
     EXPECT_EQ(uninstall.ExitCode(), kDone);
     ASSERT_TRUE(Within(30'000, [] {

@@ -1,4 +1,4 @@
-// What a start of the boot program does, in which order, and what is left of one that does not come far.
+// The steps of a start of the boot program, their order, and the state after a start that fails.
 #include "tests/support/registry_sandbox.h"
 #include "tests/system/faults.h"
 #include "tests/system/registry_dump.h"
@@ -60,7 +60,7 @@ protected:
 
     static std::string Called(const std::string& import) { return "<calls " + import + ">"; }
 
-    // A product of whose name the library makes a key for the user, as of most.
+    // A product for which the library creates a user's key, as for most names.
     Installation app{L"Maker"};
 };
 
@@ -83,7 +83,7 @@ TEST_F(Start, TakesControlThenPutsTheEntryRightThenMakesItsWindowThenListens)
 
 TEST_F(Start, TheFirstOneWritesTheAutoRunEntry)
 {
-    Installation first(L"A product that is found before"); // its proxy would stand there otherwise
+    Installation first(L"A product that is found before"); // the entry must not name its proxy
     ChildProcess boot(app.Proxy(), L"-install");
     ASSERT_NE(AwaitWindow(boot.Id(), kBootTitle), nullptr);
     EXPECT_EQ(AutoRunEntry(), Quoted(app.Proxy()));
@@ -142,10 +142,10 @@ TEST_F(Start, TheMachinesDefaultIsOverBeforeTheFirstDevice)
 
 struct Failure {
     const char* name;
-    std::vector<std::string> imports; ///< of the boot program, all of them
+    std::vector<std::string> imports; ///< imports of the boot program; the fault applies to all of them
     const char* what;
-    std::string line;                ///< that tells of it
-    std::vector<std::string> orders; ///< that the organiser gets
+    std::string line;                ///< the trace line about it
+    std::vector<std::string> orders; ///< the orders to the organiser
     bool writesTheEntry;
 };
 

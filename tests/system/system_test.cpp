@@ -26,8 +26,8 @@ void SystemTest::Quit(ChildProcess& boot)
 {
     const HWND window = AwaitWindow(boot.Id(), kBootTitle);
     ASSERT_NE(window, nullptr);
-    // Under Wine a process may wait for ever when it ends while one of its threads asks a drive: when
-    // its tracker has answered, it waits for messages.
+    // Under Wine a process may never exit if one of its threads queries a drive at that time. Once its
+    // tracker has answered, the thread waits for messages.
     if (const HWND tracker = AwaitWindow(boot.Id(), kVolumeWindow, 0)) {
         DWORD_PTR answer = 0;
         EXPECT_NE(::SendMessageTimeoutW(tracker, WM_NULL, 0, 0, SMTO_NORMAL, 30'000, &answer), 0);
@@ -54,7 +54,7 @@ void SystemTest::EndServing()
 testing::AssertionResult SystemTest::AwaitOrders(const LegacyOrganiser& organiser,
                                                  const std::vector<std::string>& orders)
 {
-    // In any order: each is a program of its own, which reports when it gets to run.
+    // In any order, because each is a program of its own and reports when it gets to run.
     if (Within(20'000,
                [&] {
                    return organiser.Orders().size() >= orders.size();

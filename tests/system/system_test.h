@@ -36,7 +36,7 @@ inline const std::string kNotItsFolder =
     "<KestraBoot><!!! The boot program's folder cannot be made the current one. No plugin is loaded.>";
 inline const std::string kVolumes = "<***DeviceConnect***><VolumeTracker><Volumes will be detected.>";
 
-/// What kestraboot.exe says of itself, and what the library says of its "-default".
+/// The answers of kestraboot.exe, and of the library to its "-default".
 inline const std::string kUsageText =
     "kestraboot.exe [-install]                      takes control and serves\n"
     "kestraboot.exe -uninstall                      ends the others and hands over\n"
@@ -47,7 +47,7 @@ inline const std::string kDefaultSyntax =
     "\n !!! Please follow the syntax:"
     "\n [Qualified path]\\kestraboot.exe -default [app name] [yes | no] \n";
 
-/// What a program answers to "--version": what VERSION.txt says, with its own name.
+/// The output of a program for "--version": the text of VERSION.txt, with the program's own name.
 [[nodiscard]] std::string VersionText(const std::string& program = "kestraboot");
 
 /// The exit codes of kestraboot.exe.
@@ -63,16 +63,16 @@ class SystemTest : public testing::Test
 protected:
     SystemTest() { ClearCorvaneRegistry(); }
 
-    /// Sets the version of Windows that a program is told, by its file name, from its next start on.
+    /// Sets the version of Windows that a program sees, by its file name, from its next start on.
     static void SetWindowsVersion(const std::wstring& program, const std::wstring& version);
 
-    /// Asks a boot program to quit, as an uninstall does, and checks that it ends cleanly.
+    /// Asks a boot program to quit, as an uninstaller does, and checks that it exits cleanly.
     static void Quit(ChildProcess& boot);
 
-    /// Asks whichever boot program serves, or comes to, to quit, and waits until it is gone.
+    /// Asks the boot program that serves now, or soon, to quit, and waits until it has exited.
     static void EndServing();
 
-    /// Waits until the legacy organiser was started with exactly these, in any order.
+    /// Waits until the legacy organiser was started with exactly these arguments, in any order.
     static testing::AssertionResult AwaitOrders(const LegacyOrganiser& organiser,
                                                 const std::vector<std::string>& orders);
 

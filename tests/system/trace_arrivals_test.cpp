@@ -50,7 +50,7 @@ protected:
     void Insert()
     {
         ASSERT_TRUE(simulators::InsertCard(L'E', UnixPath(card.Path())));
-        // Without an answer where the boot program finds no application left, and ends on it.
+        // There is no answer if the boot program finds no application left, and exits for that reason.
         simulators::SendVolumeMessage(window, DBT_DEVICEARRIVAL, L'E', SMTO_NORMAL, 30'000);
     }
 

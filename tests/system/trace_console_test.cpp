@@ -50,7 +50,7 @@ protected:
         EXPECT_TRUE(AwaitReader());
     }
 
-    /// The colours of the first character of that text on the screen; 0 when it does not come.
+    /// The colours of the first character of that text on the screen; 0 if it does not appear.
     WORD ColoursOf(const std::wstring& text) const
     {
         for (const ULONGLONG end = ::GetTickCount64() + 30'000; ::GetTickCount64() < end; ::Sleep(10)) {
@@ -119,7 +119,7 @@ TEST_F(TraceConsole, EndsCleanlyWhenItIsInterrupted)
     ASSERT_TRUE(made);
     Start(L"--arrivals");
     ::OutputDebugStringW(L"<***DeviceConnect***><VolumeTracker><REMOVABLE DEVICE><V|E:>");
-    // Goes to every program of the console; this one does not mind.
+    // Goes to every program of the console; this one ignores it.
     ASSERT_TRUE(::SetConsoleCtrlHandler(nullptr, TRUE));
     ASSERT_TRUE(::GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0));
     EXPECT_EQ(::WaitForSingleObject(viewer.hProcess, 30'000), WAIT_OBJECT_0);

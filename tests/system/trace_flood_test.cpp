@@ -1,4 +1,4 @@
-// The live trace viewer under more lines than it can show.
+// The live trace viewer with more lines than it can show.
 #include "tests/system/installation.h"
 #include "tests/system/running_viewer.h"
 
@@ -44,7 +44,7 @@ public:
         ::CloseHandle(readEnd);
     }
 
-    /// Reads until a line holds that text.
+    /// Reads until a line contains that text.
     std::string ReadTo(const std::string& text)
     {
         std::string all;
@@ -80,7 +80,7 @@ TEST(TraceFlood, LetsNoWriterWaitForASlowOutput)
 {
     UnreadViewer viewer;
     const ULONGLONG before = ::GetTickCount64();
-    constexpr int kLines = 300; // several times what the pipe holds
+    constexpr int kLines = 300; // several times the capacity of the pipe
     for (int i = 0; i < kLines; ++i) {
         ::OutputDebugStringW(L"<a line that is waited for by nobody>");
     }
@@ -106,13 +106,13 @@ int LostIn(const std::string& text)
 TEST(TraceFlood, TellsHowManyLinesWereLost)
 {
     UnreadViewer viewer;
-    constexpr int kLines = 9'000; // more than are kept, and as many on their way
+    constexpr int kLines = 9'000; // more than the viewer stores, and as many in transit
     for (int i = 0; i < kLines; ++i) {
         ::OutputDebugStringW(L"<x>");
     }
     std::string seen = viewer.ReadTo(kLinesLost);
     EXPECT_GT(LostIn(seen), 0);
-    // What was kept was taken before the loss is told: there is room again.
+    // The stored lines were read before the loss is reported, so there is room again.
     ::OutputDebugStringW(L"<the last>");
     seen += viewer.ReadTo("<the last>");
     EXPECT_EQ(CountOf("<x>", seen) + LostIn(seen), kLines);
@@ -146,7 +146,7 @@ TEST(TraceFlood, LeavesMemoryFlat)
             ::OutputDebugStringW(device.c_str());
         }
         const std::string last = "camera " + std::to_string(from + count - 33) + ' ';
-        EXPECT_NE(viewer.Await(last), ""); // the ones behind it are still waited for
+        EXPECT_NE(viewer.Await(last), ""); // it still waits for the following ones
     };
     write(0, 1000);
     const std::size_t before = CommittedBytes(viewer.process.Handle());

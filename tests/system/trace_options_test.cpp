@@ -1,4 +1,4 @@
-// What the live trace viewer shows where, by its options.
+// The output of the live trace viewer, by its options.
 #include "tests/support/compatible_application.h"
 #include "tests/support/temp_folder.h"
 #include "tests/system/debug_reader.h"
@@ -71,7 +71,7 @@ TEST(TraceOptions, JsonIsOneEscapedObjectALine)
 TEST(TraceOptions, TextComesAsUtf8)
 {
     RunningViewer viewer(L"--json");
-    // What Windows makes of a line on the way is in the ANSI code page; what that cannot hold is lost.
+    // Windows converts a line to the ANSI code page on the way; other characters are lost.
     const std::wstring sent = L"caf\u00e9 \u20ac";
     char ansi[64] = {};
     wchar_t received[64] = {};
@@ -91,7 +91,7 @@ TEST(TraceOptions, FileGetsTheSameBehindWhatItHolds)
     const std::string shown = viewer.Await("<into the file>");
     ASSERT_NE(shown, "");
     for (int tries = 0; tries < 1000 && !Contents(file).ends_with(">\r\n"); ++tries) {
-        ::Sleep(10); // the file comes after standard output
+        ::Sleep(10); // the file is written after standard output
     }
     EXPECT_THAT(Contents(file), AllOf(StartsWith("kept\r\n-- "), EndsWith(shown + "\r\n"))) << "at once";
 }

@@ -1,4 +1,4 @@
-// What the live trace viewer does when nobody takes what it writes on standard output.
+// The live trace viewer without a reader of its standard output.
 #include "tests/support/temp_folder.h"
 #include "tests/system/installation.h"
 #include "tests/system/running_viewer.h"
@@ -12,7 +12,7 @@ namespace
 
 using testing::HasSubstr;
 
-/// kestratrace.exe with a standard output that nobody reads.
+/// kestratrace.exe with a standard output that has no reader.
 class TraceOutput : public testing::Test
 {
 protected:

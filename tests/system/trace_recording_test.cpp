@@ -30,7 +30,7 @@ using testing::StartsWith;
 constexpr std::size_t kLineColumn = 42;
 const std::string kHead = "13:26:59.994  kestraboot.exe         556  ";
 const std::string kFound = "<***DeviceConnect***><VolumeTracker><REMOVABLE DEVICE><V|E:>";
-/// Refused by the very line: the last of what is compared.
+/// This line itself refuses the arrival, and is the last line that is compared.
 const std::string kLast = "Could not get the device type.";
 
 std::vector<std::string> LinesOf(const std::string& text)
@@ -46,7 +46,7 @@ std::vector<std::string> LinesOf(const std::string& text)
     return lines;
 }
 
-/// The arrivals of a viewer's output, without what differs from one run to the next.
+/// The arrivals in a viewer's output, without the parts that differ between runs.
 std::vector<std::string> Comparable(const std::vector<std::string>& lines)
 {
     static const std::regex changing(
@@ -63,7 +63,7 @@ std::vector<std::string> Comparable(const std::vector<std::string>& lines)
 class TraceRecording : public testing::Test
 {
 protected:
-    /// What the viewer shows of a recording with these contents.
+    /// The viewer's output for a recording with these contents.
     std::string Shown(const std::string& contents, const std::wstring& options = {}, DWORD code = 0)
     {
         const std::filesystem::path file = folder.AddFile(L"a recording.log", contents);
@@ -78,7 +78,7 @@ protected:
 
 TEST_F(TraceRecording, GivesTheSameArrivalsAsTheLiveLines)
 {
-    // What the demo wrote, as if one process had written all of it.
+    // The lines of the demo, as if one process had written all of them.
     std::string recording = "-- 2026-11-21\r\n";
     std::vector<std::string> texts;
     for (const std::string& line : LinesOf(Contents(SourceFile("tests/tools/recordings/demo.log")))) {
@@ -117,7 +117,7 @@ TEST_F(TraceRecording, IsShownAsItWas)
         live = viewer.Await("another program's");
         ASSERT_NE(live, "");
         while (!Contents(file).ends_with("another program's\r\n")) {
-            ::Sleep(10); // the file comes after standard output; the watchdog ends it
+            ::Sleep(10); // the file is written after standard output; the watchdog limits this loop
         }
     }
     ChildProcess again{BuiltPrograms() / "kestratrace.exe", L"--from \"" + file.wstring() + L"\""};

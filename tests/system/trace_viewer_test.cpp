@@ -14,7 +14,7 @@ using testing::HasSubstr;
 class TraceViewer : public testing::Test
 {
 protected:
-    /// The event that gives a writer its turn, once the viewer has made it.
+    /// The event that gives a writer its turn, once the viewer has created it.
     HANDLE TurnOfAWriter() const
     {
         for (int tries = 0; tries < 1000; ++tries) {

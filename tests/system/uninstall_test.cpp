@@ -73,8 +73,8 @@ TEST_F(Uninstalling, StopsTheOtherInstanceAndStartsTheNextApplicationsProxy)
 
 TEST_F(Uninstalling, StopsTwoInstancesOneAfterTheOther)
 {
-    // Two instances of one executable: the second is a stubborn host, since a second kestraboot.exe ends
-    // at once.
+    // Two instances of one executable: the second is a stubborn host, because a second kestraboot.exe
+    // exits at once.
     Installation stubborn(L"Stubborn", L"stubborn_host.exe");
     Installation other(L"Other");
     const auto first = Serve(stubborn);

@@ -1,4 +1,4 @@
-// The checks themselves: what they are there to see, done on purpose.
+// The checks themselves: each must detect a fault that the test plants.
 #include "tests/system/imaging/host_process.h"
 #include "tests/system/imaging/leak_check.h"
 
@@ -31,7 +31,7 @@ TEST(AHost, ThatEndsBadlyFailsTheTest)
     EXPECT_NONFATAL_FAILURE(host.reset(), "the host ended by itself, or badly: code 3");
 }
 
-constexpr int kLookUps = 100; // as few as any test of leaks makes
+constexpr int kLookUps = 100; // the smallest number in any test of leaks
 
 std::string Leaks(const std::function<void()>& lookUp)
 {

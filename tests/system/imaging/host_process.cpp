@@ -14,7 +14,7 @@ namespace
 
 constexpr std::chrono::seconds kLongestWait(30);
 constexpr DWORD kLongestWaitMilliseconds = 30'000;
-constexpr UINT kHangs = 97; // told already
+constexpr UINT kHangs = 97; // already reported
 
 HANDLE MakePipe(const std::wstring& name, DWORD direction)
 {
@@ -78,7 +78,7 @@ HostProcess::~HostProcess()
 
 void HostProcess::End()
 {
-    ::CloseHandle(input); // ends it
+    ::CloseHandle(input); // this ends it
     if (::WaitForSingleObject(process.hProcess, timeToEnd) != WAIT_OBJECT_0) {
         ADD_FAILURE() << "the host hangs: it does not end when it is told to";
         ::TerminateProcess(process.hProcess, kHangs);
@@ -87,7 +87,7 @@ void HostProcess::End()
     DWORD code = kHangs;
     ::GetExitCodeProcess(process.hProcess, &code);
     EXPECT_TRUE(code == 0 || code == kHangs) << "the host ended by itself, or badly: code " << code;
-    // A reader that still waits for a host to connect is set free.
+    // Releases a reader that still waits for a host to connect.
     const HANDLE instead =
         ::CreateFileW((pipe + L"-out").c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     if (instead != INVALID_HANDLE_VALUE) {
@@ -137,7 +137,7 @@ bool HostProcess::HasTrackerWindow()
 
 bool HostProcess::AwaitTrackerWindow()
 {
-    // The window comes after the line that says whether devices will be detected.
+    // The window appears after the line that reports whether devices will be detected.
     for (const ULONGLONG end = ::GetTickCount64() + kLongestWaitMilliseconds; !HasTrackerWindow();
          ::Sleep(5)) {
         if (::GetTickCount64() > end) {

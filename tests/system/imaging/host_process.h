@@ -12,40 +12,40 @@
 namespace kestraboot::tests
 {
 
-/// A running imaging_host.exe (or a copy under another name), and what it tells.
+/// A running imaging_host.exe (or a copy under another name), and its output.
 class HostProcess
 {
 public:
-    /// Starts it and waits until its service is started. `program` is looked for beside this executable.
+    /// Starts it and waits until its service has started. `program` is in the folder of this executable.
     explicit HostProcess(const std::wstring& program);
     HostProcess(const HostProcess&) = delete;
     HostProcess& operator=(const HostProcess&) = delete;
-    /// Ends it. Fails the test where it does not end by itself, or ends otherwise than it should.
+    /// Ends it. Fails the test if it does not exit by itself, or exits with an error.
     ~HostProcess();
 
-    /// Waits for a line that is exactly this. False when it does not come.
+    /// Waits for exactly this line. Returns false if it does not come.
     [[nodiscard]] bool WaitFor(const std::string& line) { return WaitForCount(line, 1); }
     [[nodiscard]] bool WaitForCount(const std::string& line, int count);
 
-    /// All lines so far that begin so, in their order.
+    /// All lines so far with that prefix, in their order.
     [[nodiscard]] std::vector<std::string> Lines(const std::string& beginning = {}) const;
 
-    /// Returns when all that the host has told before is here. False when it does not answer.
+    /// Returns when all earlier output of the host is here. Returns false if the host does not answer.
     [[nodiscard]] bool CatchUp();
 
     void Forget();
 
-    /// Tells its still-image tracker that the tree of devices changed. False when the tracker's window
-    /// does not come.
+    /// Notifies its still-image tracker that the device tree changed. Returns false if the tracker's
+    /// window does not appear.
     [[nodiscard]] bool NotifyDeviceChange();
 
-    /// The same; returns when the tracker has served it, and when what it told about it is here.
+    /// The same; returns when the tracker has handled it and the tracker's output about it is here.
     [[nodiscard]] bool ServeDeviceChange();
 
     /// Whether it has the still-image tracker's window.
     [[nodiscard]] bool HasTrackerWindow();
 
-    /// How long it may take to end; 30 seconds unless this is called.
+    /// The time limit for its exit; 30 seconds unless this is called.
     void GiveToEnd(DWORD milliseconds) noexcept { timeToEnd = milliseconds; }
 
     [[nodiscard]] DWORD Id() const noexcept { return process.dwProcessId; }
@@ -60,8 +60,8 @@ private:
     std::wstring pipe;
     HWND trackerWindow = nullptr;
     DWORD timeToEnd = 30'000; ///< milliseconds
-    HANDLE input = nullptr;   ///< the host ends when this side closes it
-    HANDLE output = nullptr;  ///< what the host tells
+    HANDLE input = nullptr;   ///< the host exits when this side closes it
+    HANDLE output = nullptr;  ///< the host's output
     mutable std::mutex mutex;
     std::condition_variable more;
     std::vector<std::string> lines;

@@ -1,7 +1,7 @@
-// A host process for the system tests: loads the shipped kestraboot.dll, starts the service, and tells
-// on its standard output, a UTF-8 line each, what reaches it: "trace LINE" and "event KIND|IDENTIFIER";
-// at first "threads N" and "ready". Tells
-// "here" for each character that comes in, and ends when no more can come.
+// A host process for the system tests. It loads the shipped kestraboot.dll, starts the service, and
+// writes to its standard output one UTF-8 line for each event: "trace LINE" and "event KIND|IDENTIFIER";
+// at first "threads N" and "ready". It writes "here" for each character of its input, and exits at the
+// end of the input.
 #include "kestraboot/device_connect.h"
 #include "tests/support/import_patch.h"
 
@@ -68,7 +68,7 @@ int wmain(int argc, wchar_t** argv)
     while (::ReadFile(input, &question, 1, &got, nullptr) && got != 0) {
         Tell("here", L"");
     }
-    // Ends the tracker threads with the process, under the patches.
+    // Ends the tracker threads with the process, while the patches are in place.
     ::TerminateProcess(::GetCurrentProcess(), 0);
     return 0;
 }

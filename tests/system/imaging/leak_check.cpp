@@ -9,11 +9,11 @@ namespace kestraboot::tests
 namespace
 {
 
-// COM opens and drops a few connections as it likes, and the heap grows by pieces of 64 KB.
+// COM opens and closes a few connections of its own, and the heap grows by 64 KB at a time.
 constexpr long kHandlesOfNoise = 4;
 constexpr long long kBytesOfNoise = 256 * 1024;
 
-/// The names of what grew by more than noise; empty when nothing did.
+/// The names of the resources that grew by more than noise; empty if none did.
 std::string Grown(const ResourceUse& after, const ResourceUse& before)
 {
     std::string grown;

@@ -22,7 +22,7 @@ public:
     void SetUp() override
     {
         if (folder) {
-            return; // a repetition: the service runs and keeps to that folder
+            return; // a repetition: the service runs and uses that folder
         }
         folder = std::make_unique<StandInFolder>();
         std::wstring command = L'"' + OwnFolder() + L"..\\wia_service.exe\" register";

@@ -5,7 +5,8 @@
 namespace kestraboot::tests
 {
 
-/// The stand-ins' folder of the whole run: the WIA service keeps to the one of whoever started it.
+/// The stand-ins' folder of the whole run: the WIA service uses the folder of the process that started
+/// it.
 [[nodiscard]] const StandInFolder& WiaStandIns();
 
 } // namespace kestraboot::tests

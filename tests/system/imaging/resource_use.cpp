@@ -10,7 +10,7 @@ namespace kestraboot::tests
 namespace
 {
 
-/// Committed memory that is no image and no mapped file. Wine's own counter answers 0.
+/// Committed memory except for images and mapped files. Wine's own counter returns 0.
 long long CountPrivateBytes(HANDLE process)
 {
     long long bytes = 0;

@@ -7,12 +7,12 @@
 namespace kestraboot::tests
 {
 
-/// What a process holds at one moment.
+/// The resources of a process at one moment.
 struct ResourceUse {
     long handles = 0;
     long threads = 0;
     long windows = 0;     ///< top-level ones
-    long gdiObjects = 0;  ///< as Windows counts them; Wine answers 0
+    long gdiObjects = 0;  ///< Windows' count; Wine returns 0
     long userObjects = 0; ///< the same
     long long privateBytes = 0;
 };

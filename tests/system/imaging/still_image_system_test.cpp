@@ -1,4 +1,4 @@
-// The shipped library in a real host process, with still imaging and a TWAIN source manager beside it.
+// The shipped library in a real host process, with a replaced still imaging and TWAIN source manager.
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/stand_in_folder.h"
 #include "tests/system/imaging/host_process.h"
@@ -20,7 +20,7 @@ constexpr const char* kNotDetected =
 
 const std::wstring kClassKey = L"SYSTEM\\CurrentControlSet\\Control\\Class\\";
 
-/// Device names of this process's own: the registry is everyone's here.
+/// Device names of this process's own, because all processes share the registry here.
 class StillImageSystem : public testing::Test
 {
 protected:
@@ -44,7 +44,7 @@ protected:
 
     void Plug(const std::vector<std::string>& lines) const { standIns.Write("sti_devices.txt", lines); }
 
-    /// Waits until still imaging was asked since its log was started. Another process writes the log.
+    /// Waits until still imaging was queried since its log was started. Another process writes the log.
     [[nodiscard]] bool AwaitLook() const
     {
         for (const ULONGLONG end = ::GetTickCount64() + 30'000; ::GetTickCount64() < end; ::Sleep(5)) {
@@ -107,7 +107,7 @@ TEST_F(StillImageSystem, TellsNothingOfSourcesThatAreNotListedOrComeFromWia)
         standIns.StartLog("sti_calls.txt");
         Plug(plugged);
         ASSERT_TRUE(host.NotifyDeviceChange());
-        ASSERT_TRUE(AwaitLook()); // each change is looked at for itself
+        ASSERT_TRUE(AwaitLook()); // the tracker handles each change separately
     }
     EXPECT_TRUE(host.WaitFor("event camera|\"FINE SCAN\""));
     EXPECT_THAT(host.Lines("event"), ElementsAre("event camera|\"FINE SCAN\""));
@@ -149,7 +149,7 @@ class WindowsVersions : public StillImageSystem, public testing::WithParamInterf
 {
 };
 
-// Without a WIA service of ours: what starts, and that Wine's own service is taken as it is.
+// Without a WIA service of ours: the threads that start, and the use of Wine's own service.
 TEST_P(WindowsVersions, StartsTheTrackersThatSuit)
 {
     const OfWindows& expected = GetParam();
@@ -165,7 +165,7 @@ TEST_P(WindowsVersions, StartsTheTrackersThatSuit)
     if (expected.wia) {
         EXPECT_TRUE(host.WaitFor(wia));
     }
-    // Whose thread was never made can tell nothing, however long one waits.
+    // A tracker without a thread cannot report, so no wait is needed.
     EXPECT_EQ(host.Lines("threads").front(), "threads " + std::to_string(expected.threads));
     ASSERT_TRUE(host.CatchUp());
     EXPECT_EQ(host.HasTrackerWindow(), expected.stillImage);

@@ -1,4 +1,5 @@
-// Thousands of look-ups of a TWAIN source in a real host process, and what it holds before and after.
+// Thousands of look-ups of a TWAIN source in a real host process, and the resources of the host before
+// and after.
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/stand_in_folder.h"
 #include "tests/support/storm_size.h"
@@ -22,12 +23,12 @@ TEST(TwainLookUps, LeaveNothingBehind)
     standIns.Write("twain_sources.txt", {"source Other", "source Fine Scan"});
     HostProcess host(L"imaging_host_6_0.exe");
     ASSERT_TRUE(host.WaitFor("trace <***DeviceConnect***><StiTracker><STI Devices will be detected.>"));
-    // Every second look finds the device, so that it comes and goes all the time.
+    // Every second look-up finds the device, so that it arrives and leaves all the time.
     standIns.Write("sti_devices.txt",
                    {"every-second",
                     "scanner {Kestraboot-Leak-" + std::to_string(::GetCurrentProcessId()) + "}\\1"});
     const auto lookUp = [&](int times) {
-        constexpr int kAtOnce = 500; // a queue of messages has an end
+        constexpr int kAtOnce = 500; // a message queue is limited
         for (int done = 0; done < times; done += kAtOnce) {
             host.Forget();
             for (int i = 0; i < 2 * kAtOnce; ++i) {

@@ -1,5 +1,5 @@
-// Thousands of look-ups of a WIA device in a real host process, and what it and the service hold before
-// and after.
+// Thousands of look-ups of a WIA device in a real host process, and the resources of the host and of the
+// service before and after.
 #include "samples/simulators/wia/service_window.h"
 #include "tests/support/storm_size.h"
 #include "tests/system/imaging/host_process.h"
@@ -26,14 +26,14 @@ testing::AssertionResult LeaveNothingBehind(const HostProcess& host, const std::
                                  AskServiceForCount(ServiceObjects::Registrations),
                                  AskServiceForCount(ServiceObjects::Lists)};
     };
-    operation(); // what is made once
+    operation(); // creates the one-time objects
     const std::vector<long> objectsBefore = serviceUse();
     const auto result = LeavesNothingBehind(host.Handle(), what, [&] {
         for (int tenth = 0; tenth < 10; ++tenth) {
             operation();
         }
     });
-    // Of a host that was ended before, COM drops them some time later.
+    // COM releases the objects of an ended host some time later.
     EXPECT_THAT(serviceUse(), testing::Pointwise(testing::Le(), objectsBefore))
         << "COM references in the service";
     return result;
@@ -66,8 +66,8 @@ TEST(WiaLookUps, OfTheStillImageTrackerOnXpLeaveNothingBehind)
     HostProcess host(L"imaging_host_5_1.exe");
     ASSERT_TRUE(host.WaitFor("trace <***DeviceConnect***><StiTracker><STI Devices will be detected.>"));
     standIns.Write("sti_devices.txt", {"every-second", "camera C"});
-    // Each enters and leaves an apartment and connects to the service anew. Wine's COM was seen to stop
-    // in the middle of that, once in some thousand times.
+    // Each look-up enters and leaves an apartment and connects to the service again. In this, Wine's COM
+    // hung about once in a thousand times.
     constexpr int kAtOnce = 10;
     const int turns = StormSize(1, 100);
     EXPECT_TRUE(LeaveNothingBehind(

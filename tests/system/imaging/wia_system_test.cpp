@@ -1,5 +1,5 @@
-// The shipped library in a real host process, with a WIA service in a third one. Changes what the whole
-// prefix takes for the WIA service, so it runs in a prefix of its own.
+// The shipped library in a real host process, with a WIA service in a third process. It replaces the WIA
+// service of the whole prefix, so it runs in a prefix of its own.
 #include "samples/simulators/wia/service_window.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/system/imaging/host_process.h"
@@ -156,7 +156,7 @@ TEST_F(WiaSystem, On2000AWiaDeviceThatConnectsIsNotHeardOf)
 {
     HostProcess vista(L"imaging_host_6_0.exe");
     ASSERT_TRUE(vista.WaitFor(kDetected));
-    // Of hosts that ended before, some still count: nobody tells the service that a process is gone.
+    // Some ended hosts still count, because nothing notifies the service of the end of a process.
     const long registrations = AskServiceForCount(simulators::ServiceObjects::Registrations);
     HostProcess windows2000(L"imaging_host_5_0.exe");
     ASSERT_TRUE(windows2000.WaitFor(kStiDetected));
@@ -175,7 +175,7 @@ TEST_F(WiaSystem, IsLeftByAHostThatEnds)
         HostProcess host(L"imaging_host_6_0.exe");
         ASSERT_TRUE(host.WaitFor(kDetected));
     }
-    // A host that comes later is served as if the first had never been.
+    // A later host is served as if there had been no earlier one.
     HostProcess host(L"imaging_host_6_0.exe");
     ASSERT_TRUE(host.WaitFor(kDetected));
     List({"camera C"});

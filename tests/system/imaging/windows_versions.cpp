@@ -1,4 +1,4 @@
-// Which Windows each copy of the host is told that it runs on, before the first test.
+// The Windows version that each copy of the host sees, set before the first test.
 #include "tests/support/registry_sandbox.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@ public:
     {
         const struct {
             const wchar_t* program;
-            const wchar_t* version; ///< in Wine's words
+            const wchar_t* version; ///< Wine's name of it
         } hosts[] = {{L"imaging_host_5_1.exe", L"winxp"},          {L"imaging_host_5_0.exe", L"win2k"},
                      {L"imaging_host_6_0.exe", L"vista"},          {L"imaging_host_5_2.exe", L"win2003"},
                      {L"imaging_host_6_0_server.exe", L"win2008"}, {L"imaging_host_6_1.exe", L"win7"}};
