@@ -28,7 +28,7 @@ public:
     /// Valid until the next Add, and until Join.
     [[nodiscard]] const wchar_t* Argument(std::size_t index) const noexcept
     {
-        return text + begins[index];
+        return &text[begins[index]];
     }
 
     /// The whole line. After this call there are no single arguments.

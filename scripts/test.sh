@@ -30,6 +30,9 @@ stage "Spelling"
 codespell --ignore-words scripts/checks/spelling.txt $(git ls-files | grep -vE '\.(svg|png)$')
 echo "no misspelling that codespell knows"
 
+stage "Wording"
+scripts/checks/prose.py
+
 stage "Include directions"
 scripts/checks/include_directions.py
 

@@ -22,7 +22,7 @@ HANDLE OpenFolder(const std::wstring& path)
 
 ChangeFeed::~ChangeFeed()
 {
-    if (asked) { // Windows writes into `buffer` until the request has ended
+    if (asked) { // Windows writes into `buffer` until the request is complete
         ::CancelIo(directory.Get());
         DWORD bytes = 0;
         ::GetOverlappedResult(directory.Get(), &overlapped, &bytes, TRUE);

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// What Windows tells of the changes in a folder and in those below it. For one thread.
+/// Windows' reports of changes in a folder and in those below it. For one thread.
 class ChangeFeed
 {
 public:
@@ -15,7 +15,7 @@ public:
         Unrelated, ///< a change that brings no picture
         Pictures,  ///< there may be new pictures, or fewer
         Overflow,  ///< too many changes at once: which ones is not known
-        Lost,      ///< the folder went, or its server
+        Lost,      ///< the folder or its server was removed
     };
 
     ChangeFeed() = default;
@@ -23,14 +23,14 @@ public:
     ChangeFeed& operator=(const ChangeFeed&) = delete;
     ~ChangeFeed();
 
-    /// Begins. From here on no change is missed. After false GetLastError() says why.
+    /// Begins. From here on no change is missed. After false GetLastError() gives the reason.
     [[nodiscard]] bool Open(const std::wstring& path);
 
     /// Waits for news, or for that event.
     [[nodiscard]] News Await(HANDLE ending, DWORD milliseconds);
 
-    /// Whether the path still names the folder that was opened: Windows does not tell of a folder that
-    /// was renamed, nor in any case of a server that went.
+    /// Whether the path still names the folder that was opened: Windows does not report that a folder
+    /// was renamed, and does not always report that a server was removed.
     [[nodiscard]] bool StillThere() const;
 
 private:
@@ -42,6 +42,6 @@ private:
     Handle directory;
     Handle changed;
     OVERLAPPED overlapped = {};
-    std::vector<DWORD> buffer; // of numbers, since the records in it begin at multiples of four
+    std::vector<DWORD> buffer; // of numbers, because the records in it begin at multiples of four
     bool asked = false;
 };

@@ -4,7 +4,7 @@
 
 #include <atomic>
 
-/// The counting that every object of a plugin has. It begins with the reference of whoever made it.
+/// The counting that every object of a plugin has. It begins with its creator's reference.
 template <typename Interface>
 class Counted : public Interface
 {

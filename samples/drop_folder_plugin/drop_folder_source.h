@@ -9,7 +9,7 @@ class FolderWatch;
 /// The source manager, interface 13: a device source whose one device is the folder.
 ///
 /// It is made with `new` and freed with its last reference. At the end of the process the host never
-/// gives that back, so no destructor waits for a thread that Windows has ended already.
+/// gives that back, so no destructor waits for a thread that Windows has stopped already.
 class DropFolderSource final : public Counted<kestraboot::mox::ISourceManager>
 {
 public:

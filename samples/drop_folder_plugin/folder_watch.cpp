@@ -55,7 +55,7 @@ void FolderWatch::WatchWhileThere()
     if (!BeginWith(feed)) {
         return;
     }
-    bool due = true; // what came while the folder was away
+    bool due = true; // for pictures that came while the folder was away
     ULONGLONG until = ::GetTickCount64() + settings.settle;
     for (;;) {
         const ULONGLONG now = ::GetTickCount64();
@@ -78,12 +78,12 @@ void FolderWatch::WatchWhileThere()
     }
 }
 
-/// Opens the folder and sees to it that `known` holds what is no arrival.
+/// Opens the folder, and makes `known` hold the pictures that are no arrival.
 bool FolderWatch::BeginWith(ChangeFeed& feed)
 {
     if (!feed.Open(settings.folder)) {
         if (::GetLastError() == ERROR_FILE_NOT_FOUND) {
-            // The folder above it is there, so this is no server that is away: all is new that comes.
+            // The folder above it is there, so this is no server that is away: every arrival is new.
             known.clear();
             beginningSeen = true;
         }
@@ -106,7 +106,7 @@ bool FolderWatch::BeginWith(ChangeFeed& feed)
     return true;
 }
 
-/// Answers whether nothing is left to be reported.
+/// Returns whether nothing is left to report.
 bool FolderWatch::LookAndReport()
 {
     Pictures present;
@@ -132,7 +132,7 @@ bool FolderWatch::LookAndReport()
         Trace(settings.folder, texts::kNotReported);
         return false;
     }
-    known.swap(settled); // nothing between the report and this throws: it would be told again
+    known.swap(settled); // nothing between the report and this throws: it would be reported again
     busyTold.clear();
     if (fresh != 0) {
         Trace(settings.folder, text);

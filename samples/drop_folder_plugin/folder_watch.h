@@ -9,9 +9,9 @@
 
 /// Watches a folder on a thread of its own and reports it when pictures have settled in it.
 ///
-/// The changes that Windows tells of say when to look, not what is there: the pictures of the folder are
-/// listed, and those that were not there before are new. So it does not matter how many changes one
-/// picture makes, whether their list overflows, or what happens while the folder is away. Once no change
+/// Windows' reports of changes decide when to list the pictures of the folder, not which are new: those
+/// that were not in the list before are new. So it does not matter how many changes one picture makes,
+/// whether their list overflows, or what happens while the folder is away. Once no change
 /// has come for the settling time, and nobody has any of the new pictures open for writing, all of them
 /// are one report.
 class FolderWatch

@@ -34,7 +34,7 @@ private:
 
 bool IsFolderBelow(const WIN32_FIND_DATAW& found)
 {
-    // What a reparse point leads to may be the folder above it.
+    // A reparse point may lead to the folder above it.
     return (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 &&
            (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0 &&
            std::wcscmp(found.cFileName, L".") != 0 && std::wcscmp(found.cFileName, L"..") != 0;
@@ -71,7 +71,7 @@ bool ListPictures(const std::wstring& folder, HANDLE ending, Pictures& pictures)
     do {
         const std::wstring path = folder + L'\\' + found.cFileName;
         if (IsFolderBelow(found)) {
-            static_cast<void>(ListPictures(path, ending, pictures)); // left out where it cannot be read
+            static_cast<void>(ListPictures(path, ending, pictures)); // left out if it cannot be read
         } else if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 && IsPicture(path)) {
             pictures.insert(path);
         }

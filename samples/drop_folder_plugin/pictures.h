@@ -17,11 +17,11 @@ using Pictures = std::set<std::wstring, IgnoreCase>;
 /// Adds the pictures of a folder and of those below it. A folder below it that cannot be read is left
 /// out.
 ///
-/// @param ending an event that breaks it off
-/// @return false: the folder itself cannot be read, or it was broken off
+/// @param ending an event that breaks the search off
+/// @return false: the folder itself cannot be read, or the search was broken off
 [[nodiscard]] bool ListPictures(const std::wstring& folder, HANDLE ending, Pictures& pictures);
 
-/// What can be said of a picture that is new.
+/// The state of a new picture.
 enum class PictureState {
     Settled, ///< it has contents, and nobody has it open for writing
     Busy,    ///< somebody writes it

@@ -17,7 +17,8 @@ namespace
 constexpr mox::Identifier kIdentifier = {
     0xB1D4A96E, 0x0C57, 0x4F3A, {0xA8, 0x19, 0x72, 0xE0, 0x5D, 0xC3, 0x48, 0x1F}};
 
-// What the plugin is: interface 1. It also makes the source manager when it is asked for interface 13.
+// The plugin's description: interface 1. It also makes the source manager when it is asked for
+// interface 13.
 class DropFolderDescriptor final : public Counted<mox::IPluginDescriptor>
 {
 public:

@@ -50,7 +50,7 @@ bool ReadFolder(std::wstring& folder)
     return true; // one that is not there may come
 }
 
-/// A value that is not there leaves `duration` as it is.
+/// A missing value leaves `duration` unchanged.
 bool ReadDuration(const wchar_t* value, DWORD& duration)
 {
     DWORD found = 0;

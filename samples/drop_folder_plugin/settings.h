@@ -3,12 +3,12 @@
 #include <windows.h>
 #include <string>
 
-/// What the registry says: see README.md.
+/// The settings in the registry: see README.md.
 struct Settings {
     std::wstring folder;  ///< its full path, without a backslash at the end
     DWORD settle = 2'000; ///< milliseconds without a change until the pictures count as arrived
-    DWORD retry = 5'000;  ///< milliseconds until a folder that is not there is looked for again
+    DWORD retry = 5'000;  ///< milliseconds until a missing folder is checked again
 };
 
-/// Reads them. A value that is wrong is traced, and the answer is false.
+/// Reads them. Traces a wrong value, and returns false.
 [[nodiscard]] bool ReadSettings(Settings& settings);

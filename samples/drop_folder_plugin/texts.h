@@ -15,7 +15,7 @@ inline constexpr const wchar_t* kRetryValue = L"RetryMilliseconds";
 inline constexpr const wchar_t* kPictureExtensions[] = {L".jpg",  L".jpeg", L".png", L".tif", L".tiff",
                                                         L".heic", L".dng",  L".bmp", L".gif"};
 
-// ---- What a person reads
+// ---- Texts for people
 inline constexpr const wchar_t* kPluginName = L"Drop folder"; // at most 259 characters
 
 // The trace: kOpening, the folder or the value, one of the texts below, kClosing.

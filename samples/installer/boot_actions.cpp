@@ -1,9 +1,9 @@
-// boot_actions.dll: what an installer does with a running boot program and kestraboot.exe has no switch
-// for. It ends one without a hand-over, so that an upgrade can replace its files, and starts one as the
-// user.
+// boot_actions.dll: an installer's actions on a running boot program for which kestraboot.exe has no
+// switch. It stops one without a hand-over, so that an upgrade can replace its files, and starts one as
+// the user.
 //
 // Both get their data as "BOOTSTART|PATH", in the property "BootProgram" or, in a script, in the
-// action's own. What they do stands in the installer's log.
+// action's own. They write what they do to the installer's log.
 #include "boot_actions.h"
 
 #include "process_list.h"
@@ -22,7 +22,7 @@ constexpr const wchar_t* kRunValue = L"Corvane Kestrafetch";
 constexpr DWORD kMillisecondsToAnswer = 2000; // as long as "-uninstall" gives it
 constexpr DWORD kMillisecondsToEnd = 5000;
 
-/// What the action was called with.
+/// The data that the action was called with.
 struct BootData {
     std::wstring start; ///< BOOTSTART: "user", "always" or "never"
     std::wstring program;
@@ -90,8 +90,8 @@ std::wstring End(const BootProcess& process)
     return name + (ended ? L" did not quit, and was terminated" : L" does not end");
 }
 
-/// Whether what starts from here would have more rights than the user's own programs, or be another
-/// account's.
+/// Whether a program that starts from here would have more privileges than the user's own programs, or
+/// run as another account.
 bool HasMoreThanTheUser()
 {
     HANDLE token = nullptr;
@@ -131,7 +131,7 @@ std::wstring Start(MSIHANDLE install, const BootData& data)
     return L"process " + std::to_wstring(process.dwProcessId) + L" started";
 }
 
-/// Empty where there is none. Read with a size to spare: the library stores no terminator.
+/// Empty if there is none. Reads with room to spare, because the library stores no terminator.
 std::wstring AutoRun()
 {
     wchar_t line[2048] = {};

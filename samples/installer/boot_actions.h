@@ -1,26 +1,26 @@
-// boot_actions.dll: custom actions for what kestraboot.exe has no switch for. They end a running boot
+// boot_actions.dll: custom actions for which kestraboot.exe has no switch. They stop a running boot
 // program without a hand-over, so that an upgrade can replace its files, and start one as the user.
 //
 // Both get their data as "BOOTSTART|PATH OF THE BOOT PROGRAM", in the property "BootProgram" or,
-// deferred, in the action's own. What they did stands in the installer's log, after "kestraboot: ". No
-// exception can leave them that the installer would have to understand: out of memory ends its helper
-// process, and the installation rolls back.
+// deferred, in the action's own. They write what they did to the installer's log, after "kestraboot: ".
+// The installer need not understand their exceptions: if memory runs out, its helper process terminates,
+// and the installation rolls back.
 #pragma once
 
 #include <windows.h>
 
 #include <msi.h>
 
-/// Ends each process of the program, in whatever session, as far as this account may: by its window, or
-/// else the hard way. Always succeeds: where one cannot be ended, the installer finds its files in use.
+/// Stops each process of the program, in every session, as far as this account may: by its window, or by
+/// terminating it. Always succeeds: if one cannot be stopped, the installer finds its files in use.
 extern "C" __declspec(dllexport) UINT __stdcall EndBootProgram(MSIHANDLE install);
 
-/// Starts the program as the user, or not at all (BOOTSTART, or a file that was in use). Where another
-/// one is in control it ends by itself.
+/// Starts the program as the user, or not at all (BOOTSTART, or a file that was in use). If another one
+/// is in control, the program exits by itself.
 extern "C" __declspec(dllexport) UINT __stdcall StartBootProgram(MSIHANDLE install);
 
-/// Hands what starts at log-on now to RestoreAutoRun.
+/// Passes the present auto-run entry to RestoreAutoRun.
 extern "C" __declspec(dllexport) UINT __stdcall RememberAutoRun(MSIHANDLE install);
 
-/// After a failure: what started at log-on before does so again, or nothing where nothing did.
+/// After a failure: restores the auto-run entry of before, or deletes it if there was none.
 extern "C" __declspec(dllexport) UINT __stdcall RestoreAutoRun(MSIHANDLE install);

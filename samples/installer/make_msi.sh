@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
-# Makes the MSI of a product with wixl, and puts in what wixl 0.101 leaves out. Needs the Debian packages wixl and
+# Makes the MSI of a product with wixl, and adds what wixl 0.101 omits. Needs the Debian packages wixl and
 # msitools, and python3.
 #   make_msi.sh PRODUCT.wxi VERSION FOLDER RESULT.msi
-# FOLDER holds what is installed and boot_actions.dll: the package's bin/ and the application.
+# FOLDER holds the files to install and boot_actions.dll: the package's bin/ and the application.
 set -euo pipefail
 [ $# = 4 ] || { sed -n '2,5s/^# \?//p' "$0" >&2; exit 2; }
 here=$(cd "$(dirname "$0")" && pwd)
 product=$(realpath -- "$1") version=$2 folder=$3 msi=$(realpath -m -- "$4")
 
 rm -f "$msi"
-# wixl looks for files below the current folder alone.
+# wixl searches for files below the current folder alone.
 (cd "$folder" && wixl --arch x64 --includedir "$(dirname "$product")" -D Wixl=1 -D ProductFile="$(basename "$product")" \
     -D Version="$version" --output "$msi" "$here/application.wxs")
 
@@ -20,18 +20,18 @@ set_in() { msibuild "$msi" -q "UPDATE \`$1\` SET \`$2\` = $3 WHERE \`$4\` = '$5'
 for action in "StartAgain 1281" "RestoreAutoRun 3329" "MakeDefault 3666" "MakeDefaultForUser 1618"; do
     set_in CustomAction Type "${action#* }" Action "${action% *}"
 done
-# Actions that run at once: wixl marks them Impersonate="no", which means nothing there.
+# Actions that run at once: wixl marks them Impersonate="no", which has no meaning for them.
 for action in SetBootProgram SetEndAsUser SetEndAsAdministrator SetStartAgain; do
     set_in CustomAction Type 51 Action $action
 done
 for action in RememberAutoRun StartBoot; do
     set_in CustomAction Type 1 Action $action
 done
-# Properties that an installer that is not elevated hands to its elevated half (Secure="yes").
+# Properties that an installer's unelevated part passes to its elevated part (Secure="yes").
 set_in Property Value "'BOOTSTART;MAKEDEFAULT;NEWERFOUND;OLDERFOUND'" Property SecureCustomProperties
 
 # The version of each file that has one. Without it Windows Installer would keep every older file: one with a version
-# goes before one without. What has a version is compared by that, and not by its contents.
+# goes before one without. Files with a version are compared by it, and not by their contents.
 python3 - "$folder" <<'PY' | while read -r file version; do
 import pathlib, struct, sys
 for file in sorted(pathlib.Path(sys.argv[1]).iterdir()):

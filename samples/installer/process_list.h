@@ -9,8 +9,8 @@
 struct BootProcess {
     DWORD id;
     HANDLE
-    handle; ///< the caller's to close; may be waited for and, as far as the account may, terminated
+    handle; ///< the caller closes it; allows waiting and, as far as the account may, terminating
 };
 
-/// The processes whose program is this file, but not those that this account may not even look at.
+/// The processes whose program is this file, except for those that this account may not query.
 std::vector<BootProcess> ProcessesOf(const std::wstring& program);

@@ -3,12 +3,12 @@
 // It needs the kit's one header and Windows. A real plugin talks to its devices; this one takes the
 // named event "KestrabootSampleDevice" for one: each time somebody sets it, a camera has arrived.
 //
-// Three things make a plugin: an object that says what it is (SampleDescriptor), a source manager that
-// tells of devices (SampleSource), and FxPluginMain, which hands out the first.
+// Three things make a plugin: an object that describes it (SampleDescriptor), a source manager that
+// reports devices (SampleSource), and FxPluginMain, which hands out the first.
 //
 // None of them is a static object, because of the thread: at the end of the process nobody unregisters
-// the callback or calls ShutDown. Where the host ends by ExitProcess, Windows ends the thread where it
-// is, and then destroys what is static, under the loader's lock. A static std::thread would call
+// the callback or calls ShutDown. If the host exits by ExitProcess, Windows stops the thread where it
+// is, and then destroys static objects, under the loader's lock. A static std::thread would call
 // std::terminate there. The thread here belongs to the source manager, and the host never gives back its
 // last reference to that at the end: no destructor runs.
 #include "kestraboot/mox_plugin.h"
@@ -63,7 +63,7 @@ public:
         return mox::kSuccess;
     }
 
-    // From here on the plugin tells of devices, from a thread of its own: it must not keep the host
+    // From here on the plugin reports devices, from a thread of its own: it must not keep the host
     // waiting.
     mox::Status RegisterCallback(mox::ICallbackInterface* given) override
     {
@@ -111,7 +111,7 @@ private:
             device.size = mox::kDeviceRecordSize;
             device.deviceKind = mox::kKindCamera;
             std::wcscpy(device.deviceId, L"Sample camera");
-            // Returns when the application has been told. Nothing can be done about a failure here.
+            // Returns when the application was started. Nothing can be done about a failure here.
             static_cast<void>(callback->Notify(0, &device));
         }
     }
@@ -135,14 +135,15 @@ private:
         }
     }
 
-    volatile LONG references = 1; // whoever made it
+    volatile LONG references = 1; // its creator's
     mox::ICallbackInterface* callback = nullptr;
     HANDLE deviceArrived = nullptr;
     HANDLE ending = nullptr;
     HANDLE thread = nullptr;
 };
 
-// What the plugin is: interface 1. It also makes the source manager when it is asked for interface 13.
+// The plugin's description: interface 1. It also makes the source manager when it is asked for
+// interface 13.
 class SampleDescriptor final : public mox::IPluginDescriptor
 {
 public:
@@ -206,7 +207,7 @@ private:
 
 } // namespace
 
-// Called often: for what the plugin is, for its source manager, for its end.
+// Called often: for the description, for the source manager, for the end.
 mox::Status FxPluginMain(mox::IFxBase** object)
 {
     *object = new (std::nothrow) SampleDescriptor;

@@ -5,7 +5,7 @@
 namespace
 {
 
-/// Where the pixel at (x, y) of the turned picture comes from.
+/// The source of the pixel at (x, y) of the turned picture.
 std::pair<unsigned, unsigned> Origin(const Pixels& source, unsigned orientation, unsigned x, unsigned y)
 {
     const unsigned right = source.width - 1;

@@ -12,7 +12,7 @@ struct Pixels {
     std::vector<std::uint32_t> values;
 };
 
-/// Turned as an EXIF orientation (1 to 8) asks.
+/// Turned by an EXIF orientation (1 to 8).
 Pixels Turn(const Pixels& source, unsigned orientation);
 
 /// In the middle of a canvas of that size and colour (0xRRGGBB). `source` is no larger.

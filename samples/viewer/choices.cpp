@@ -55,7 +55,7 @@ std::vector<Choice> ListChoices(CKestraBootCommandHandler& library)
 
 bool IsStillThere(CKestraBootCommandHandler& library, const Choice& choice)
 {
-    // The library looks for the files of applications, but not for the organiser's.
+    // The library checks that the files of applications exist, but not the organiser's.
     const bool isFile =
         ::GetFileAttributesW(choice.application.CmdLine.c_str()) != INVALID_FILE_ATTRIBUTES;
     return isFile && std::ranges::any_of(ListChoices(library), [&choice](const Choice& now) {
@@ -69,7 +69,7 @@ bool MakeDefault(CKestraBootCommandHandler& library, const Choice& choice)
     std::wstring name = choice.application.Name;
     std::wstring yes = L"yes";
     std::vector<appInfo_tag> defaults;
-    // A flag that cannot be written is not reported: what is stored tells.
+    // The library does not report a flag that cannot be written: read back what is stored.
     return library.SetApplicationDefaultStatus(name, yes) &&
            library.GetDefaultApplicationInfo(defaults) && defaults.size() == 1 &&
            SameApplication(defaults.front(), choice.application);

@@ -1,4 +1,4 @@
-// What the user can choose from, and what is done with the choice. The library keeps the list.
+// The user's choices, and the actions on them. The library keeps the list.
 #pragma once
 
 #include "launch_request.h"
@@ -13,7 +13,7 @@ struct Choice {
     appInfo_tag application;
     bool isOrganiser = false;  ///< the legacy organiser, which is started in a way of its own
     bool canBeDefault = false; ///< the library knows applications by name: only the first of a name can
-    std::wstring title;        ///< the name, told from others of the same name
+    std::wstring title;        ///< the name, distinguished from others of the same name
 };
 
 /// Reads the registry afresh.
@@ -22,8 +22,8 @@ std::vector<Choice> ListChoices(CKestraBootCommandHandler& library);
 /// Whether the choice, made from an earlier list, can still be started.
 bool IsStillThere(CKestraBootCommandHandler& library, const Choice& choice);
 
-/// Makes it the only default. False where that could not be stored. The choice must still be there: the
-/// library ends the process where no application is left.
+/// Makes it the only default. False if that could not be stored. The choice must still exist: the
+/// library exits the process if no application is left.
 bool MakeDefault(CKestraBootCommandHandler& library, const Choice& choice);
 
 /// Starts it for the device of the request.

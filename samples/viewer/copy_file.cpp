@@ -11,7 +11,7 @@ struct CloseFile {
 };
 using File = std::unique_ptr<void, CloseFile>;
 
-/// Null where it cannot be opened; GetLastError then tells why.
+/// Null if it cannot be opened; GetLastError then gives the reason.
 File Open(const std::filesystem::path& path, DWORD access, DWORD share, DWORD how)
 {
     File file(

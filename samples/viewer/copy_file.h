@@ -7,16 +7,16 @@
 #include <functional>
 
 struct CopyResult {
-    DWORD error = 0;           ///< of Windows; ERROR_REQUEST_ABORTED where `goOn` said so
+    DWORD error = 0;           ///< of Windows; ERROR_REQUEST_ABORTED if `goOn` returned false
     bool alreadyThere = false; ///< a file of this name, size and time: nothing was done
 };
 
-/// Copies a file into a folder, under its own name or, where that is taken, under "name (2)" and so on.
-/// Nothing is overwritten. `goOn` is told how many bytes were copied since it was called last, and
-/// answers whether to go on.
+/// Copies a file into a folder, under its own name or, if that is taken, under "name (2)" and so on.
+/// Overwrites nothing. `goOn` gets the number of bytes copied since its last call, and returns whether
+/// to go on.
 ///
-/// The file appears under its name when it is whole. Until then Windows itself is told to delete it when
-/// it is closed: whatever ends the copying, the end of the process included, no half-written file is
-/// left.
+/// The file appears under its name when it is complete. Until then it is marked so that Windows deletes
+/// it when it is closed. If the copying stops for any reason, the end of the process included, no
+/// half-written file is left.
 CopyResult CopyWhole(const std::filesystem::path& from, const std::filesystem::path& folder,
                      const std::function<bool(std::uint64_t)>& goOn);

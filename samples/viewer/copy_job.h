@@ -21,11 +21,11 @@ struct CopyProgress {
     std::uint64_t allBytes = 0;
     std::wstring name; ///< of the file that is being copied
     std::wstring firstFailed;
-    unsigned long error = 0; ///< of the first that failed, or what ended the copying
+    unsigned long error = 0; ///< of the first that failed, or the one that ended the copying
 };
 
-/// Copies files into a folder, on a thread of its own. A file that fails is passed over; a drive that is
-/// gone, or a folder without room, ends it. `changed` is called on that thread after each change.
+/// Copies files into a folder, on a thread of its own. Skips a file that fails. A removed drive, or a
+/// folder without room, ends the copying. Calls `changed` on that thread after each change.
 class CopyJob
 {
 public:
@@ -37,7 +37,7 @@ public:
 
 private:
     void Run(const std::stop_token& stop);
-    /// False where it is the end.
+    /// False at the end.
     bool CopyOne(const PictureFile& file, const std::stop_token& stop);
     void Count(const PictureFile& file, bool isThere, unsigned long error);
     void End(CopyEnd how, unsigned long error);

@@ -27,9 +27,9 @@ struct DecodedPicture {
     unsigned width = 0; ///< as it is to be seen, turned
     unsigned height = 0;
     std::string taken; ///< as in Exif
-    Pixels thumbnail;  ///< empty where none was asked for
+    Pixels thumbnail;  ///< empty if none was requested
 };
 
-/// `style`: null where only the facts are asked for. Nothing is left open.
+/// `style`: null if only the facts are requested. Nothing is left open.
 DecodedPicture Decode(IWICImagingFactory& factory, const std::filesystem::path& file,
                       const ThumbnailStyle* style);

@@ -5,7 +5,7 @@
 
 #include <optional>
 
-/// Shows what arrived, and under which identifier: a camera, a scanner, a phone, or nothing where the
+/// Shows the device that arrived and its identifier: a camera, a scanner, a phone, or nothing if the
 /// program was started by hand. The identifier can be copied.
 class DeviceWindow final : public Dialog
 {

@@ -23,7 +23,7 @@ LRESULT Dialog::Send(int id, UINT message, WPARAM wide, LPARAM value) const
 
 void Dialog::SetText(int id, const std::wstring& text) const
 {
-    if (GetText(id) != text) { // setting it again would flicker, and a screen reader would say it again
+    if (GetText(id) != text) { // setting it again would flicker, and a screen reader would repeat it
         ::SetWindowTextW(Item(id), text.c_str());
     }
 }
@@ -70,7 +70,7 @@ INT_PTR Dialog::Handle(UINT message, WPARAM wide, LPARAM value)
         theme = ReadTheme();
         OnInit();
         ApplyTheme(window, theme);
-        return FALSE; // OnInit said where the focus is
+        return FALSE; // OnInit has set the focus
     }
     case WM_COMMAND:
         OnCommand(LOWORD(wide));

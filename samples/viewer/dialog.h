@@ -32,7 +32,7 @@ protected:
     virtual void OnCommand(unsigned id) = 0;
     /// The answer goes to the control.
     virtual LRESULT OnNotify(NMHDR& /*notice*/) { return 0; }
-    /// Any other message; true where it was dealt with.
+    /// Any other message; true if it was handled.
     virtual bool OnMessage(UINT /*message*/, WPARAM /*wide*/, LPARAM /*long*/) { return false; }
     virtual void OnThemeChange() {}
 
@@ -40,7 +40,7 @@ protected:
     LRESULT Send(int id, UINT message, WPARAM wide = 0, LPARAM value = 0) const;
     void SetText(int id, const std::wstring& text) const;
     [[nodiscard]] std::wstring GetText(int id) const;
-    /// How many dots there are to an inch, where the window is.
+    /// The dots per inch of the window's monitor.
     [[nodiscard]] int Dpi() const;
 
     HWND window = nullptr;

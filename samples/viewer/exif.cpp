@@ -15,7 +15,7 @@ public:
     {
     }
 
-    /// Beyond the end everything is zero.
+    /// Beyond the end everything reads as zero.
     [[nodiscard]] std::uint32_t Number(std::size_t at, unsigned size) const
     {
         std::uint32_t number = 0;
@@ -25,7 +25,7 @@ public:
         return number;
     }
 
-    /// Where the value of a tag stands in the entry of a table; nothing where it is not there.
+    /// The position of a tag's value in the entry of a table; nothing if the table has no such tag.
     [[nodiscard]] std::optional<std::size_t> Find(std::size_t table, std::uint32_t tag) const
     {
         const std::uint32_t count = table == 0 ? 0 : Number(table, 2);

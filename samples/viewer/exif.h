@@ -4,12 +4,12 @@
 #include <span>
 #include <string>
 
-/// What a camera writes beside the picture.
+/// The data that a camera writes beside the picture.
 struct Exif {
-    std::string taken;        ///< "2026:11:21 13:26:59"; empty where it does not say
+    std::string taken;        ///< "2026:11:21 13:26:59"; empty if it is missing
     unsigned orientation = 1; ///< 1 to 8: how the picture is to be turned
 };
 
-/// Reads it from the beginning of a JPEG or TIFF file. Nothing is read beyond `file`, whatever stands
-/// there. (Windows' own decoders can read it too; this reads the date before anything is decoded.)
+/// Reads it from the beginning of a JPEG or TIFF file. Reads nothing beyond `file`, even if the contents
+/// are invalid. (Windows' own decoders can read it too; this reads the date before anything is decoded.)
 Exif ReadExif(std::span<const std::uint8_t> file);

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-/// What the boot executable asks for. Without a device, deviceType and deviceId are empty.
+/// The boot executable's request. Without a device, deviceType and deviceId are empty.
 struct LaunchRequest {
     std::wstring
         mode; ///< "direct": show this device; "select": let the user choose an application first
@@ -15,7 +15,7 @@ struct LaunchRequest {
 
 /// Reads a whole command line, as GetCommandLineW gives it:
 ///   "<program>" module=kestrafetch params mode=<mode> [devType=<kind> priDevId="<identifier>"]
-/// The identifier is not escaped and may hold blanks, quotes and backslashes: it is all that stands
-/// between the first quote and the last. Splitting into arguments first would spoil it. Nothing when the
+/// The identifier is not escaped and may hold blanks, quotes and backslashes: it is the whole text
+/// between the first quote and the last. Splitting into arguments first would damage it. Nothing if the
 /// line is no request of this kind.
 std::optional<LaunchRequest> ParseLaunchRequest(std::wstring_view commandLine);

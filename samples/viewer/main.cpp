@@ -23,7 +23,7 @@ int ExitCode(bool reported, INT_PTR closedWith)
     return reported && closedWith != -1 ? kDone : kFailed;
 }
 
-/// A plugin may call anything a volume: only a drive is looked at.
+/// A plugin may call anything a volume, so only a drive is opened.
 bool IsDrive(const std::wstring& identifier)
 {
     return identifier.size() == 2 && identifier[1] == L':' &&

@@ -33,7 +33,7 @@ struct FolderContents {
     std::vector<std::filesystem::path> folders;
 };
 
-/// False where it could not be read to its end. What was found stands in `contents` in any case.
+/// False if it could not be read to its end. `contents` has the entries found until then in any case.
 bool ReadFolder(const std::filesystem::path& folder, FolderContents& contents)
 {
     WIN32_FIND_DATAW entry = {};

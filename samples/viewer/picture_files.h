@@ -1,4 +1,4 @@
-// Which files of a drive are pictures.
+// The pictures among the files of a drive.
 #pragma once
 
 #include <cstdint>
@@ -12,11 +12,11 @@ struct PictureFile {
     std::uint64_t size = 0; ///< in bytes
 };
 
-/// Looks through a folder and all below it, by the names' extensions. Links are not followed, nor are
-/// the folders that Windows hides as its own.
+/// Searches a folder and all below it, by the names' extensions. Does not follow links, nor enter the
+/// folders that Windows hides as its own.
 ///
-/// `found` is called once for each folder with pictures, which are in the order of their names; where it
-/// answers false, the search ends. Answers the folders that could not be read.
+/// Calls `found` once for each folder with pictures, which are in the order of their names; if `found`
+/// returns false, the search ends. Returns the folders that could not be read.
 std::vector<std::filesystem::path>
 FindPictures(const std::filesystem::path& root,
              const std::function<bool(std::vector<PictureFile>&&)>& found);

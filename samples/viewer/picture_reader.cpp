@@ -104,7 +104,7 @@ std::optional<PictureReader::Task> PictureReader::TakeTask()
 
 void PictureReader::Finish(const Task& task, DecodedPicture&& decoded)
 {
-    // A drive that is gone makes no picture unreadable.
+    // A removed drive makes no picture unreadable.
     const bool gone = decoded.result != DecodeResult::Decoded &&
                       ::GetFileAttributesW(root.c_str()) == INVALID_FILE_ATTRIBUTES;
     const std::scoped_lock lock(mutex);

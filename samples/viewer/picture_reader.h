@@ -1,8 +1,8 @@
 // The pictures of a drive, found and decoded on threads of their own.
 //
-// One thread looks for them; as many as there are processors, four at most, decode. They take the
-// pictures that somebody asked to see first, the newest request before older ones, and read the facts of
-// all others meanwhile. Nothing is kept of a picture but its facts: small pictures are handed over once.
+// One thread searches for them. As many threads as there are processors, four at most, decode: first the
+// requested pictures, the newest request before older ones; meanwhile they read the facts of all others.
+// The reader keeps the facts of a picture alone: it hands each small picture over once.
 #pragma once
 
 #include "decode.h"

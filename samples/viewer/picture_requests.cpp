@@ -1,4 +1,4 @@
-// What the window asks of the reader.
+// The window's requests to the reader.
 #include "picture_reader.h"
 
 #include <utility>

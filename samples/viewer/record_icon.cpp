@@ -7,7 +7,7 @@
 namespace
 {
 
-/// Null where the file is not there or has no such icon.
+/// Null if the file does not exist or has no such icon.
 HICON Extract(const std::wstring& file, int index, int size)
 {
     HICON icon = nullptr;

@@ -1,10 +1,10 @@
-// The numbers of what viewer.rc holds. Plain preprocessor text, so that a resource compiler reads it
-// too.
+// The numbers of the resources in viewer.rc. Plain preprocessor text, so that a resource compiler reads
+// it too.
 #pragma once
 
 #define IDI_VIEWER 1
 
-// ---- Windows, and what is in them
+// ---- Windows and their controls
 #define IDD_CHOOSER 100
 #define IDC_QUESTION 101
 #define IDC_APPLICATIONS 102
@@ -41,7 +41,7 @@
 #define IDS_COLUMN_NAME 207
 #define IDS_COLUMN_DESCRIPTION 208
 
-// What arrived, by the words of the command line.
+// The device that arrived, by the words of the command line.
 #define IDS_VOLUME 220
 #define IDS_CAMERA 221
 #define IDS_SCANNER 222

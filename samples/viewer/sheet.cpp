@@ -16,7 +16,7 @@ std::wstring ProposedFolder()
     return std::wstring(pictures) + L'\\' + Text(IDS_FOLDER_NAME);
 }
 
-/// The message by which Windows tells every window that a drive was removed.
+/// The message by which Windows notifies every window that a drive was removed.
 bool TellsOfRemoval(WPARAM event, LPARAM device, wchar_t letter)
 {
     const auto* const volume = reinterpret_cast<const DEV_BROADCAST_VOLUME*>(device);

@@ -8,16 +8,16 @@
 #include <memory>
 
 /// Shows the pictures of a drive ("E:") until its window is closed, and writes the report:
-/// `reportStart`, and what was found. False where there is no window, or no report.
+/// `reportStart`, and the pictures that it found. False if there is no window, or no report.
 bool ShowSheet(const std::wstring& drive, const std::wstring& reportStart);
 
-/// The contact sheet: a list of all pictures, and a row to copy them with. The list view asks for what
-/// it shows and keeps nothing itself; PictureReader and CopyJob work on threads of their own and say
-/// when to look again.
+/// The contact sheet: a list of all pictures, and a row to copy them with. The list view requests the
+/// items that it shows and keeps nothing itself. PictureReader and CopyJob work on threads of their own,
+/// and report each change.
 class Sheet final : public Dialog
 {
 public:
-    // What it posts to itself.
+    // The messages that it posts to itself.
     static constexpr UINT kChanged = WM_APP; ///< the reader or the copying has news
     static constexpr UINT kAsk = WM_APP + 1; ///< the list has been drawn
 
@@ -68,7 +68,7 @@ private:
     std::unique_ptr<PictureReader> reader;
     std::unique_ptr<Thumbnails> thumbnails;
     std::unique_ptr<CopyJob> copying; ///< while it goes on
-    std::vector<std::size_t> toAsk;   ///< what the list shows and has not
+    std::vector<std::size_t> toAsk;   ///< pictures that the list shows and does not have yet
     std::size_t listed = 0;
     bool gone = false;
 };

@@ -1,5 +1,4 @@
-// What changes in the contact sheet: what was found and decoded, and how large and of which colours it
-// is.
+// Changes in the contact sheet: pictures that were found and decoded, its size and its colours.
 #include "report.h"
 #include "resource.h"
 #include "sheet.h"
@@ -42,7 +41,7 @@ void Sheet::TellChange()
 
 void Sheet::Changed()
 {
-    changeTold = false; // before it looks: what changes from here on is told again
+    changeTold = false; // before it reads: a change from here on is reported again
     const ReadingProgress progress = reader->Progress();
     gone = progress.gone;
     if (progress.found != listed) {

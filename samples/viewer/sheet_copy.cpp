@@ -1,4 +1,4 @@
-// The row below the pictures: where they are copied to.
+// The row below the pictures: the folder that they are copied to.
 #include "resource.h"
 #include "sheet.h"
 #include "text.h"

@@ -1,4 +1,4 @@
-// Where the controls of the contact sheet stand. Lengths are those of dialogs, which grow with the font.
+// The layout of the contact sheet's controls. Lengths are dialog units, which grow with the font.
 #include "resource.h"
 #include "sheet.h"
 
@@ -27,7 +27,7 @@ SIZE Sheet::Least() const
 
 void Sheet::Layout() const
 {
-    // How many dialog units the window is wide and high: what MapDialogRect does, the other way round.
+    // The window's width and height in dialog units: the inverse of MapDialogRect.
     RECT inside = {};
     ::GetClientRect(window, &inside);
     const RECT unit = ToPixels(window, 0, 0, 1000, 1000);

@@ -1,4 +1,4 @@
-// What the list view asks of the contact sheet.
+// The list view's requests to the contact sheet.
 #include "resource.h"
 #include "sheet.h"
 #include "text.h"

@@ -1,4 +1,4 @@
-// What the contact sheet says about its work.
+// The contact sheet's messages about its work.
 #include "resource.h"
 #include "sheet.h"
 #include "text.h"

@@ -1,5 +1,5 @@
-// Light or dark, as the user set it for programs. Standard controls know the light one alone, so the
-// dark one is given to them colour by colour.
+// Light or dark, as the user set it for programs. Standard controls support light alone, so the program
+// sets the dark colours one by one.
 #pragma once
 
 #include <windows.h>
@@ -21,5 +21,5 @@ void ApplyTheme(HWND window, const Theme& theme);
 /// null leaves the system's colours. `isField`: an edit control. The brush belongs to the program.
 HBRUSH ControlColours(HDC context, const Theme& theme, bool isField);
 
-/// Whether this WM_SETTINGCHANGE tells that the user changed light and dark.
+/// Whether this WM_SETTINGCHANGE reports that the user changed light and dark.
 bool IsThemeChange(LPARAM setting);

@@ -37,7 +37,7 @@ Thumbnails::~Thumbnails()
     ::ImageList_Destroy(list);
 }
 
-/// A frame; with a cross where there is nothing to wait for.
+/// A frame; with a cross if there is nothing to wait for.
 void Thumbnails::AddSign(const Theme& theme, bool isUnreadable)
 {
     const int width = static_cast<int>(style.width);
@@ -103,7 +103,7 @@ void Thumbnails::Put(const Thumbnail& thumbnail)
     void* room = nullptr;
     const HBITMAP bitmap = MakeBitmap(style.width, style.height, &room);
     if (bitmap == nullptr) {
-        return; // it is asked for again when it is shown
+        return; // it is requested again when it is shown
     }
     std::memcpy(room, pixels.values.data(), pixels.values.size() * sizeof pixels.values.front());
     const auto known = placeOf.find(thumbnail.index);

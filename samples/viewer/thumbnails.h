@@ -9,8 +9,7 @@
 #include <unordered_map>
 
 /// The image list of the contact sheet: one picture that waits, one that is unreadable, and a bounded
-/// number of small pictures. When all places are taken, the one goes whose picture was shown longest
-/// ago.
+/// number of small pictures. If all places are taken, the picture that was shown longest ago is dropped.
 class Thumbnails
 {
 public:
@@ -23,14 +22,14 @@ public:
     ~Thumbnails();
 
     [[nodiscard]] HIMAGELIST List() const { return list; }
-    /// The place of a picture in the image list; kWaiting where it is not there. It counts as shown now.
+    /// The place of a picture in the image list; kWaiting if it has none. It counts as shown now.
     int PlaceOf(std::size_t index);
     void Put(const Thumbnail& thumbnail);
 
 private:
     struct Place {
         std::size_t index = 0;
-        std::uint64_t shown = 0; ///< grows with each look
+        std::uint64_t shown = 0; ///< grows each time it is shown
     };
 
     void AddSign(const Theme& theme, bool isUnreadable);

@@ -50,7 +50,8 @@ for script in "$source"/scripts/*.sh "$source"/scripts/demo_picture.py; do
     nothing_called "$script --no-such-option"
 done
 for called in 'setup.sh everything' 'setup.sh demo demo' 'demo.sh fast' 'test.sh -R card' 'test-clang.sh -R' \
-    'test-ucrt.sh card' 'test-prefix.sh begin' 'test-debian.sh' 'test-debian.sh 7' 'bench.sh --rows'; do
+    'test-ucrt.sh card' 'test-prefix.sh begin' 'test-debian.sh' 'test-debian.sh 7' 'bench.sh --rows' \
+    'mutants.sh nowhere' 'mutants.sh 0' 'mutants.sh launcher 5 6'; do
     # shellcheck disable=SC2086 # words
     run 2 "$source"/scripts/$called
     nothing_called "$called"
@@ -65,7 +66,7 @@ run 0 "$source/scripts/setup.sh"
 for package in g++-mingw-w64-x86-64-posix clang-tidy doxygen; do called " $package"; done
 run 0 "$source/scripts/setup.sh" ucrt
 called ' g++-mingw-w64-ucrt64'
-! grep -Eq 'clang|cppcheck|codespell' calls || { cat calls; fail "the UCRT's suite installs what it does not need"; }
+! grep -Eq 'clang|codespell|cppcheck' calls || { cat calls; fail "the UCRT's suite installs what it does not need"; }
 stand_in apt-get '[ "$1" != -y ]'
 run 1 "$source/scripts/setup.sh" ucrt
 says 'apt-get did not install them'

@@ -253,9 +253,10 @@ TEST_F(Kestractl, ShowsAnEmptyRegistry)
 {
     ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane");
     ::RegDeleteTreeW(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane");
-    EXPECT_EQ(Run(L"--json"), "{\"type\":\"report\",\"schema\":1,\"applications\":[],\"leftOut\":[],"
-                              "\"defaults\":[],\"arrivalStarts\":null,\"cardStarts\":null,"
-                              "\"autoRun\":null,\"organiser\":null}\n");
+    EXPECT_EQ(WithoutBuild(Run(L"--json")),
+              "{\"type\":\"report\",\"schema\":1,\"applications\":[],\"leftOut\":[],"
+              "\"defaults\":[],\"arrivalStarts\":null,\"cardStarts\":null,"
+              "\"autoRun\":null,\"organiser\":null}\n");
 }
 
 TEST_F(Kestractl, FindsTheKeysThatTheLibraryPassesOver)

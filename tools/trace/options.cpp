@@ -107,19 +107,20 @@ void Describe(CLI::App& app, TraceOptions& options, Texts& texts)
                  "one verdict for each device that arrives, in place of the lines");
     app.add_flag("--json", options.json, "one JSON object a line");
     app.add_option("--only", options.wanted.tags,
-                   "only lines of this component or tracker, can be given several times:\n" +
+                   "shows only lines and arrivals of this component or tracker;\n"
+                   "can be given several times:\n" +
                        TagList("\n"))
         ->type_name("TAG")
         ->allow_extra_args(false)
         ->check(CheckValue)
         ->check(CheckTag);
     app.add_option("--process", options.wanted.processes,
-                   "only of this process; can be given several times")
+                   "shows only those of this process; can be given several times")
         ->type_name("NAME|PID")
         ->allow_extra_args(false)
         ->check(CheckValue);
     app.add_option("--match", options.wanted.text,
-                   "only lines that hold this text, in letters of either case")
+                   "shows only those that contain this text, in upper or lower case")
         ->type_name("TEXT")
         ->check(CheckValue);
     CLI::Option* const file =

@@ -1,5 +1,5 @@
-// card_reader.exe: inserts a card into Wine's card reader, or removes it, and tells every top-level
-// window, as Windows does (Wine's mount manager tells nobody).
+// card_reader.exe: inserts a card into Wine's card reader, or removes it, and notifies every top-level
+// window, as Windows does (Wine's mount manager notifies nobody).
 //   card_reader insert E /unix/folder
 //   card_reader remove E
 #include "../common/version.h"
@@ -31,7 +31,7 @@ int main(int argc, char** argv)
     }
     if (done) {
         const WPARAM event = action == "insert" ? DBT_DEVICEARRIVAL : DBT_DEVICEREMOVECOMPLETE;
-        // A window that is busy is not waited for.
+        // Does not wait for a busy window.
         SendVolumeMessage(HWND_BROADCAST, event, letter, SMTO_ABORTIFHUNG, 500);
     } else {
         std::fprintf(stderr, "card_reader: the mount manager refused (error %lu)\n", ::GetLastError());

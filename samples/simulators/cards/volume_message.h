@@ -1,6 +1,6 @@
-// What Windows sends when a card comes or goes: WM_DEVICECHANGE with a header that names the drive.
-// Windows never sends one without, and Wine from version 10 on drops one without on its way to another
-// process.
+// The message that Windows sends when a card comes or goes: WM_DEVICECHANGE with a header that names the
+// drive. Windows never sends one without, and Wine from version 10 on drops one without on its way to
+// another process.
 #pragma once
 
 #include <windows.h>

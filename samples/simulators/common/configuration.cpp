@@ -7,7 +7,7 @@ namespace kestraboot::simulators
 namespace
 {
 
-/// Where this very code is: the program or the library that it is part of.
+/// The program or the library that this code is part of.
 std::wstring OwnFolder()
 {
     static const int inside = 0;

@@ -1,7 +1,7 @@
-// How the simulators of imaging devices are told what to be: small UTF-8 text files, one entry
-// a line, "#" begins a comment. The files lie in the folder that the environment variable
-// KESTRABOOT_SIMULATORS names, or else beside the part itself. They are read at every use, so that what
-// is written takes effect at once; replace a file in one move, since a part may be reading it.
+// The configuration of the simulators of imaging devices: small UTF-8 text files, one entry a line, "#"
+// begins a comment. The files are in the folder that the environment variable KESTRABOOT_SIMULATORS
+// names, or else beside the simulator itself. They are read at every use, so that a change takes effect
+// at once. Replace a file in one move, because a simulator may be reading it.
 #pragma once
 
 #include <windows.h>
@@ -23,7 +23,7 @@ struct Entry {
 
 [[nodiscard]] bool Says(const std::vector<Entry>& entries, const char* word);
 
-/// Adds a line of UTF-8 to a log that exists; a log that does not exist is not wanted.
+/// Adds a line of UTF-8 to a log if the log exists, and creates none.
 void AddToLog(const wchar_t* file, const std::string& line);
 
 [[nodiscard]] std::wstring FromUtf8(const std::string& text);

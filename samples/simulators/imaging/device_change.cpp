@@ -1,5 +1,5 @@
-// device_change.exe: tells every top-level window that the tree of devices changed, as Windows does when
-// one is plugged in or out (Wine tells nobody). No arguments.
+// device_change.exe: notifies every top-level window that the tree of devices changed, as Windows does
+// when one is plugged in or out (Wine notifies nobody). No arguments.
 #include "../common/version.h"
 
 #include <windows.h>

@@ -1,11 +1,11 @@
 // sti.dll: simulates the still-image service.
 //
 // Put it beside the program (kestraboot.exe) together with a text file "sti_devices.txt"; see
-// configuration.h for where else that may lie. Each line is one device that still imaging lists:
+// configuration.h for other places. Each line is one device that still imaging lists:
 //   camera NAME | scanner NAME | video NAME | NUMBER NAME     (NUMBER: the whole device type, 0x...)
 // NAME is the internal name, such as {6BDD1FC6-810F-11D0-BEC7-08002BE2092F}\0001. To plug a device in or
 // out while the program runs, replace the file and run device_change.exe.
-// The TWAIN source that belongs to a device stands in the registry, as a driver would leave it:
+// The registry names the TWAIN source of a device, as a driver would write it:
 //   HKLM\SYSTEM\CurrentControlSet\Control\Class\NAME\DeviceData, string TwainDS
 // Lines that make it fail:
 //   refuse-create, refuse-initialize   StiCreateInstance or Initialize fails
@@ -13,8 +13,8 @@
 //   every-second                       every other GetDeviceList lists no devices
 //   other-success                      GetDeviceList answers S_FALSE with the list
 //   no-buffer COUNT                    GetDeviceList reports so many devices and no memory
-//   short COUNT                        GetDeviceList reports so many devices, whatever the memory holds
-// A file "sti_calls.txt" beside it, where it exists, receives a line for each call.
+//   short COUNT                        GetDeviceList reports so many devices, regardless of the memory
+// If there is a file "sti_calls.txt" beside it, it receives a line for each call.
 #include "../common/configuration.h"
 #include "unanswered_still_image.h"
 
@@ -36,7 +36,7 @@ void Log(const std::string& line)
     AddToLog(L"sti_calls.txt", line);
 }
 
-/// False for a line that is no device.
+/// False for a line that names no device.
 bool ToDevice(const Entry& entry, STI_DEVICE_INFORMATIONW& device)
 {
     constexpr DWORD kSubtype = 0x0001;
@@ -120,6 +120,6 @@ HRESULT WINAPI SimulatorCreateInstance(HINSTANCE instance, DWORD version, IStill
 {
     Log("create instance=" + std::to_string(instance == ::GetModuleHandleW(nullptr)) +
         " version=" + std::to_string(version) + " outer=" + std::to_string(outer != nullptr));
-    *created = StillImage::Only(); // a refusal counts, whatever comes with it
+    *created = StillImage::Only(); // a refusal counts, also with an object
     return Says(ListedDevices(), "refuse-create") ? STIERR_OLD_VERSION : S_OK;
 }

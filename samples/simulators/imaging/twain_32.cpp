@@ -1,7 +1,7 @@
 // twain_32.dll: simulates the TWAIN source manager.
 //
-// Put it beside the program together with a text file "twain_sources.txt"; see configuration.h for where
-// else that may lie. Each line is one installed data source:
+// Put it beside the program together with a text file "twain_sources.txt"; see configuration.h for
+// other places. Each line is one installed data source:
 //   source PRODUCT NAME
 // The name goes out in the ANSI code page; one of 34 bytes or more fills its field without a terminator.
 // Lines that make it fail:
@@ -13,8 +13,8 @@
 //   an application that is not the one that opened it, known by the Id that it was given then
 //   a parent that is no window's handle
 //   to be opened twice, to be asked or closed before it is open, the next source before the first one
-// A file "twain_calls.txt" beside it, where it exists, receives a line for each call, which says why one
-// is refused.
+// If there is a file "twain_calls.txt" beside it, it receives a line for each call, with the reason of a
+// refusal.
 #include "../common/configuration.h"
 #include "trackers/still_image/twain.h"
 
@@ -56,13 +56,13 @@ void FillSource(const std::wstring& name, TW_IDENTITY& source)
 {
     char ansi[256] = {};
     ::WideCharToMultiByte(CP_ACP, 0, name.c_str(), -1, ansi, sizeof ansi - 1, nullptr, nullptr);
-    // What is not said in the field is not zero, as with a real source.
+    // The rest of the field is not zero, as with a real source.
     std::memset(source.ProductName, '~', sizeof source.ProductName);
     std::memcpy(source.ProductName, ansi, std::min(std::strlen(ansi) + 1, sizeof source.ProductName));
     source.Id = static_cast<TW_UINT32>(nextSource);
 }
 
-/// The list is looked at when it is begun.
+/// The list is read when it is begun.
 void StartList()
 {
     sourceNames.clear();

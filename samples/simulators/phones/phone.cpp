@@ -1,8 +1,8 @@
 // phone.exe ready|not-ready [ID]
 //
-// Lets the simulated phone manager report a phone to its host, and ends when the host has taken the
-// report. Waits up to 30 seconds for a host that listens. Ends with 0: reported; 1: nobody listens, or
-// the host did not take it; 2: wrong arguments.
+// Lets the simulated phone manager report a phone to its host, and exits when the host has accepted the
+// report. Waits up to 30 seconds for a host that listens. Exits with 0: reported; 1: nobody listens, or
+// the host did not accept it; 2: wrong arguments.
 #include "../common/version.h"
 #include "phone_pipe.h"
 

@@ -1,5 +1,5 @@
-// How phone.exe reaches the phone manager: one message through a named pipe for each piece of news,
-// answered when the host has been told.
+// The way from phone.exe to the phone manager: one message through a named pipe for each report,
+// answered when the host has accepted or refused it.
 #pragma once
 
 #include <cstdint>

@@ -6,14 +6,14 @@
 #include <functional>
 #include <thread>
 
-/// Serves the phone pipe on a thread of its own while it lives: hands each piece of news on, answers
-/// with what came back.
+/// Serves the phone pipe on a thread of its own while it lives: passes each report on, and answers with
+/// the result.
 class PhoneServer
 {
 public:
     using Take = std::function<PhoneAnswer(const PhoneNews&)>;
 
-    /// Throws std::system_error when the pipe or the thread cannot be had.
+    /// Throws std::system_error if the pipe or the thread cannot be created.
     explicit PhoneServer(Take take);
     PhoneServer(const PhoneServer&) = delete;
     PhoneServer& operator=(const PhoneServer&) = delete;

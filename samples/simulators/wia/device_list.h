@@ -1,5 +1,5 @@
 // The devices as WIA lists them: an enumerator of property storages. It goes to another process by
-// value, since Wine's own proxies of these interfaces lose results on the way back: the enumerator
+// value, because Wine's own proxies of these interfaces lose results on the way back: the enumerator
 // marshals itself, and a small in-process handler (wia_device_list.dll) makes a copy on the other side.
 #pragma once
 

@@ -26,7 +26,7 @@ std::vector<Entry> Configuration()
     return ReadEntries(L"wia_devices.txt");
 }
 
-/// False for a line that is no device.
+/// False for a line that names no device.
 bool ToDevice(const Entry& entry, DWORD& type)
 {
     constexpr DWORD kSubtype = 0x0001;
@@ -61,7 +61,7 @@ protected:
 
 std::atomic<long> registrationObjects = 0;
 
-/// Stands for one registration; ends it with its last reference.
+/// One registration, which ends with the last reference.
 class Registration final : public Counted<IUnknown, PlainUnknown>
 {
 public:

@@ -1,4 +1,4 @@
-// The device manager that wia_service.exe hands out, and those who registered with it.
+// The device manager that wia_service.exe hands out, and its registered clients.
 #pragma once
 
 #include <windows.h>
@@ -10,7 +10,8 @@ namespace kestraboot::simulators
 
 HRESULT MakeDeviceManager(REFIID interfaceId, void** object);
 
-/// Calls everyone who registered for the connect event. Not on a thread that is answering a message.
+/// Calls every client that registered for the connect event. Not on a thread that is answering a
+/// message.
 void FireConnectEvent(const std::wstring& deviceId);
 
 [[nodiscard]] long LiveManagers() noexcept;

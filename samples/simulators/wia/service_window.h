@@ -1,4 +1,4 @@
-// The window through which a running wia_service.exe is told what to do.
+// The window through which a running wia_service.exe takes requests.
 #pragma once
 
 #include <windows.h>
@@ -14,11 +14,11 @@ inline constexpr const wchar_t* kServiceWindow = L"KestrabootWiaSimulator"; ///<
 inline constexpr ULONG_PTR kFireConnect =
     1; ///< WM_COPYDATA: the identifier, in UTF-16, without terminator
 
-/// Answers how many objects of a kind the service has out.
+/// Returns how many objects of a kind clients of the service hold.
 inline constexpr UINT kCountMessage = WM_APP + 1;
 enum class ServiceObjects : WPARAM { Managers, Registrations, Lists };
 
-/// Tells the service to fire the connect event of a device. False when it does not run.
+/// Lets the service fire the connect event of a device. False if it does not run.
 inline bool TellServiceToFire(const std::wstring& deviceId)
 {
     COPYDATASTRUCT data = {};
@@ -30,7 +30,7 @@ inline bool TellServiceToFire(const std::wstring& deviceId)
            ::SendMessageW(window, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data)) == TRUE;
 }
 
-/// -1 when it does not run.
+/// -1 if it does not run.
 inline long AskServiceForCount(ServiceObjects what)
 {
     const HWND window = ::FindWindowW(kServiceWindow, kServiceWindow);

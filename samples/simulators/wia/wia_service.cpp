@@ -1,17 +1,17 @@
 // wia_service.exe: simulates the WIA service, as a COM local server of its own process.
 //
 //   wia_service register     makes it the WIA device manager of this Wine prefix (for good: use a prefix
-//                            of your own); wia_device_list.dll must lie beside it. Refused on Windows:
+//                            of your own); wia_device_list.dll must be beside it. Refused on Windows:
 //                            no device would be found there any more
 // COM starts it by itself at the first client. A text file "wia_devices.txt" beside it (see
-// configuration.h for where else that may lie) holds a line for each device that WIA lists:
+// configuration.h for other places) holds a line for each device that WIA lists:
 //   camera ID | scanner ID | video ID | NUMBER ID     (NUMBER: the whole device type, 0x...)
 // Lines that make it fail:
 //   no-list               the devices cannot be listed
 //   refuse-registration   nobody can register for events
 // To plug a device in: write its line, then run
 //   wia_connect ID        fires the connect event of that device to everyone who registered
-// It ends with the prefix.
+// It exits with the prefix.
 #include "../common/version.h"
 #include "class_factory.h"
 #include "device_list.h"
@@ -31,7 +31,7 @@ namespace
 using namespace kestraboot;
 using namespace kestraboot::simulators;
 
-constexpr UINT kFireMessage = WM_APP + 2; ///< lParam: a std::wstring, owned by whoever gets it
+constexpr UINT kFireMessage = WM_APP + 2; ///< lParam: a std::wstring, owned by the receiver
 
 long CountOf(ServiceObjects what)
 {

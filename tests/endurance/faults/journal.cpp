@@ -75,7 +75,8 @@ std::string Journal::Text(const std::wstring& folder)
     for (std::size_t at = 0; !folder.empty() && (at = shown.find(folder, at)) != std::wstring::npos;) {
         shown.replace(at, folder.size(), L"<files>");
     }
-    static const std::wregex build(L"commit [^~]*~compiler [^~]*~runtime [^~]*~"); // of each commit its own
+    static const std::wregex build(
+        L"commit [^~]*~compiler [^~]*~runtime [^~]*~"); // of each commit its own
     shown = std::regex_replace(shown, build, L"<build>~");
     std::string narrow(shown.size() * 3 + 1, '\0');
     const int written =

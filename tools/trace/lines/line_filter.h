@@ -1,4 +1,5 @@
-// Filters lines by tag, by process and by text. Each of the three must let a line pass.
+// Filters lines and arrivals by component or tracker (--only), by process (--process) and by text
+// (--match). Each filter that is given must let a line pass.
 #pragma once
 
 #include "tools/trace/lines/trace_line.h"
@@ -12,8 +13,8 @@
 namespace kestraboot::tools
 {
 
-/// The tags that an option may name: components, then the trackers. "Plugin" is all plugins, and
-/// "Plugin:NAME" one.
+/// The values of --only, which shows only lines and arrivals of that component or tracker: components,
+/// then the trackers. "Plugin" is all plugins, and "Plugin:NAME" one.
 inline constexpr std::string_view kTags[] = {"DeviceConnect",   "KestraBoot",    "KestraProxy",
                                              "KestraProxy:OEM", "VolumeTracker", "WiaTracker",
                                              "StiTracker",      "Plugin"};

@@ -1,5 +1,5 @@
-// wia_connect ID: makes the running wia_service.exe fire the connect event of a device. Fails when the
-// service does not run: it does as long as someone who registered with it does.
+// wia_connect ID: makes the running wia_service.exe fire the connect event of a device. Fails if the
+// service does not run. The service runs as long as a client that registered with it.
 #include "../../common/configuration.h"
 #include "../../common/version.h"
 #include "../service_window.h"
