@@ -1,4 +1,4 @@
-// Memory that runs out in the foundation: std::bad_alloc comes out, and no handle stays open.
+// When memory runs out in the foundation, the caller gets std::bad_alloc, and no handle stays open.
 #include "foundation/process_identity.h"
 #include "foundation/registry_key.h"
 #include "tests/support/allocation_failure.h"
@@ -14,14 +14,14 @@ namespace
 using namespace kestraboot::tests;
 
 constexpr const wchar_t* kPath = L"a key with a name too long for a small string";
-const std::wstring kText(300, L't'); // more than there is room for at first
+const std::wstring kText(300, L't'); // longer than the first buffer
 
 TEST(OutOfMemory, ComesOutOfARegistryReadAndLeavesNoKeyOpen)
 {
     const RegistrySandbox sandbox;
     PutText(HKEY_LOCAL_MACHINE, kPath, L"Text", kText);
     MakeKey(HKEY_LOCAL_MACHINE, std::wstring(kPath) + L"\\Sub");
-    // The path given, the text, the name.
+    // Allocations: the path, the text, the name.
     EXPECT_EQ(ForEveryAllocation(
                   [] {
                       RegistryKey key = RegistryKey::OpenLocalMachine(kPath, KEY_READ);
@@ -45,7 +45,7 @@ TEST(OutOfMemory, InAReadLeavesTheKeyUsable)
         const AllocationFailure failure(0);
         EXPECT_THROW(static_cast<void>(key.QueryString(L"Text")), std::bad_alloc);
     }
-    EXPECT_STREQ(key.QueryString(L"Short"), L"short"); // though the buffer for it went
+    EXPECT_STREQ(key.QueryString(L"Short"), L"short"); // although its buffer is gone
     EXPECT_STREQ(key.QueryString(L"Text"), kText.c_str());
 }
 

@@ -26,7 +26,7 @@ TEST(Console, OfAProgramWithoutOneIsNoError)
     PrintConsole(L"nobody reads this");
     _dup2(before, 1);
     _close(before);
-    EXPECT_EQ(std::fflush(stdout), 0); // nothing is kept for later either
+    EXPECT_EQ(std::fflush(stdout), 0); // the text is not buffered for later either
     std::clearerr(stdout);
 }
 

@@ -17,7 +17,7 @@ constexpr UINT kOfTheHost = SEM_NOGPFAULTERRORBOX;
 constexpr UINT kOfAWalk = SEM_FAILCRITICALERRORS;                          // 1
 constexpr UINT kOfALoad = SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX; // 0x8001
 
-/// A thread that enters a scope when it is told to, and leaves it when it is told to.
+/// A thread that enters and leaves a scope on the test's command.
 class OtherThread
 {
 public:
@@ -126,7 +126,7 @@ TEST_F(ErrorMode, IsTakenAnewByTheFirstScopeAfterTheLast)
     {
         const ErrorModeScope scope(kOfAWalk);
     }
-    ::SetErrorMode(SEM_NOOPENFILEERRORBOX); // the host changes its mind
+    ::SetErrorMode(SEM_NOOPENFILEERRORBOX); // the host sets another mode
     {
         const ErrorModeScope scope(kOfALoad);
     }

@@ -25,7 +25,7 @@ TEST(ProcessIdentity, IsTheRunningExecutable)
     ProcessInfo info;
     GetCurrentProcessInfo(info);
     EXPECT_EQ(info.processId, ::GetCurrentProcessId());
-    EXPECT_EQ(info.executablePath, OwnExecutablePath()); // the letters' case too
+    EXPECT_EQ(info.executablePath, OwnExecutablePath()); // in the same case of letters
     EXPECT_NE(info.handle, nullptr);
 }
 
@@ -118,7 +118,7 @@ TEST(ProcessIdentity, AsksForTheFirstModuleAlone)
 
 TEST(ProcessIdentity, CutsALongPathAt259Characters)
 {
-    // Old systems fill all the room that they are given and leave out the terminator.
+    // Old systems fill the whole buffer and write no terminator.
     const FakeModuleName endless([](HANDLE, HMODULE, wchar_t* path, DWORD capacity) -> DWORD {
         EXPECT_EQ(capacity, 259U);
         EXPECT_EQ(std::wstring(path, 260), std::wstring(260, L'\0'));
@@ -141,7 +141,7 @@ TEST(ProcessIdentity, IsReadThroughKernel32Alone)
     EXPECT_EQ(loads.Calls(), 0);
 }
 
-/// Windows Vista: kernel32 has neither function, psapi.dll both, under names of its own.
+/// Windows Vista: kernel32 exports neither function; psapi.dll exports both, under other names.
 TEST(ProcessIdentity, IsReadThroughPsapiWhereKernel32LacksTheFunctions)
 {
     const FAKE_IMPORT(GetProcAddress) finds([&](HMODULE library, const char* name) -> FARPROC {

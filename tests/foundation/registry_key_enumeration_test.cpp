@@ -56,7 +56,7 @@ TEST_F(RegistryEnumeration, OffersRoomFor128CharactersEachTime)
                                                   wchar_t*, DWORD*, FILETIME* written) -> LONG {
         EXPECT_EQ(*capacity, 128U);
         EXPECT_NE(written, nullptr);
-        std::fill_n(name, *capacity, L'\0'); // all of it is there
+        std::fill_n(name, *capacity, L'\0'); // writes the whole buffer
         *capacity = 5;
         return ERROR_SUCCESS;
     });

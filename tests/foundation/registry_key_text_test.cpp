@@ -26,8 +26,8 @@ struct RegistryText : testing::Test {
     RegistrySandbox sandbox;
 };
 
-/// Stands for a registry that holds exactly these bytes, without any terminator, and that uses all the
-/// room that it is offered: whatever lies beyond the bytes in that room is garbage.
+/// Stands for a registry that holds exactly these bytes, without a terminator. It fills the rest of the
+/// caller's buffer with garbage.
 class RawValue
 {
 public:
@@ -40,7 +40,7 @@ public:
     }
     void Store(std::string stored) { bytes = std::move(stored); }
 
-    /// What the last read was offered, and what is allocated there.
+    /// The size that the last read offered, and the size of its buffer.
     DWORD offered = 0;
     std::size_t allocated = 0;
 
@@ -106,7 +106,7 @@ TEST_F(RegistryText, IsReadWhateverTheTypeOfTheValue)
     for (const DWORD type : std::initializer_list<DWORD>{REG_NONE, REG_SZ, REG_EXPAND_SZ, REG_BINARY,
                                                          REG_DWORD, REG_LINK, REG_MULTI_SZ, REG_QWORD}) {
         Put(type, Bytes(L"%windir%"));
-        EXPECT_STREQ(Open().QueryString(L"Text"), L"%windir%") << type; // and never expanded
+        EXPECT_STREQ(Open().QueryString(L"Text"), L"%windir%") << type; // and not expanded
     }
 }
 
@@ -142,7 +142,7 @@ TEST_F(RegistryText, OfAMegabyteIsWhole)
     EXPECT_EQ(Open().QueryString(L"Text"), huge);
 }
 
-// Wine appends a terminator where it has the room; the next tests have a registry that never does.
+// Wine appends a terminator if the buffer has room for it. The registry of the next tests never does.
 
 TEST_F(RegistryText, WithoutTerminatorEndsBehindTheStoredBytes)
 {
@@ -162,7 +162,7 @@ TEST_F(RegistryText, OfAnOddSizeEndsBehindItsLastByte)
         RegistryKey key = Open();
         const wchar_t* const text = key.QueryString(L"Text");
         ASSERT_NE(text, nullptr) << size;
-        // Its last byte alone is the low half of the last character.
+        // The last byte is the low half of the last character.
         EXPECT_EQ(text, std::wstring(size / 2, L'\x7878') + L'x') << size;
         EXPECT_GE(raw.allocated, raw.offered + sizeof(wchar_t) + 1) << size;
     }
@@ -190,7 +190,7 @@ TEST_F(RegistryText, IsNeverOfferedMoreThanIsAllocated)
         raw.Store(std::string(size, '\x11'));
         ASSERT_NE(key.QueryString(L"Text"), nullptr) << size;
         EXPECT_GE(raw.allocated, raw.offered + sizeof(wchar_t)) << size;
-        EXPECT_EQ(raw.offered, std::max(size, before)) << size; // the size of a value is remembered
+        EXPECT_EQ(raw.offered, std::max(size, before)) << size; // the key remembers the size of a value
         before = size;
     }
 }

@@ -13,7 +13,7 @@ namespace
 
 using namespace kestraboot::tests;
 
-/// What was passed to RegSetValueExW: what Wine stores of it is another matter.
+/// Records the arguments of RegSetValueExW, because Wine may store other data.
 class WriteRecorder
 {
 public:

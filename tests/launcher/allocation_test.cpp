@@ -1,4 +1,4 @@
-// Memory that runs out in the launcher: nothing half done is started, and nothing stays open.
+// When memory runs out in the launcher, no incomplete command line starts, and no handle stays open.
 #include "kestraboot/command_handler.h"
 #include "tests/support/allocation_failure.h"
 #include "tests/support/console_recorder.h"
@@ -43,7 +43,7 @@ struct LauncherOutOfMemory : testing::Test {
         own = RegisterOwnSample(folder.Path(), L"Xray");
         MakeKey(HKEY_LOCAL_MACHINE, kRunKey);
     }
-    /// Before each run.
+    /// Runs before each run.
     static void Begin() { starts = lines = linesThatNoneIsThere = 0; }
 
     RegistrySandbox sandbox;
@@ -55,7 +55,7 @@ struct LauncherOutOfMemory : testing::Test {
     std::wstring path = L"C:\\a folder with a long name\\viewer.exe";
     std::wstring mode = L"direct";
     std::wstring type = L"volume";
-    std::wstring id = std::wstring(1000, L'i'); // a line for which memory is needed
+    std::wstring id = std::wstring(1000, L'i'); // a line that needs memory
 };
 
 TEST_F(LauncherOutOfMemory, StartsAndTracesNothing)
@@ -118,7 +118,7 @@ TEST_F(LauncherOutOfMemory, NeverLeavesTwoDefaultsBehindATrueAnswer)
     const std::wstring other = L"SOFTWARE\\Corvane\\Viewer\\Corvane Kestrafetch\\Preferences";
     MakeKey(HKEY_CURRENT_USER, own.Preferences());
     bool answer = false;
-    const ConsoleRecorder console; // an application that cannot be copied counts as unknown
+    const ConsoleRecorder console; // an application that could not be copied counts as unknown
     EXPECT_GT(ForEveryAllocation(
                   [&] {
                       answer = false;

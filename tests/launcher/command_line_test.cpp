@@ -19,7 +19,7 @@ using Words = std::vector<std::wstring>;
 constexpr const char* kUsage = "\n !!! Please follow the syntax:"
                                "\n [Qualified path]\\kestraboot.exe -default [app name] [yes | no] \n";
 
-/// The process's own command line, and what becomes of the words that Windows splits it into.
+/// The process's own command line, and the life of the words into which Windows splits it.
 struct CommandLine : testing::Test {
     struct Parsed {
         Words words;
@@ -44,7 +44,7 @@ struct CommandLine : testing::Test {
 
     std::wstring text;
     bool splitFails = false;
-    wchar_t** split = nullptr; ///< owned by the product until it frees it
+    wchar_t** split = nullptr; ///< the product owns it until it frees it
     FAKE_IMPORT(GetCommandLineW)
     commandLine{[this] {
         return text.data();

@@ -23,8 +23,8 @@ inline constexpr const wchar_t* kOption = L"<KestraProxy:OEM><KestraProxyStopIns
 inline constexpr const wchar_t* kStopping = L"<KestraProxy:OEM><Stopping KestraProxy install.>";
 inline constexpr const wchar_t* kOrganiserStopped = L"start VellumryDeviceConnect.exe -d";
 
-/// Taking control as an executable in a folder of the test's own, with a claim that no other process
-/// shares, and the legacy organiser installed.
+/// Takes control as an executable in the test's own folder. No other process shares the claim, and the
+/// legacy organiser is installed.
 class Control : public testing::Test
 {
 public:
@@ -32,17 +32,16 @@ public:
     ~Control() override;
 
 protected:
-    /// Answers what TakeControl answered; what was traced and started on the way is appended to
-    /// `events`.
+    /// Returns the result of TakeControl. Appends the trace lines and the starts to `events`.
     bool Take();
 
     /// Whether the claim exists now.
     [[nodiscard]] bool Claimed() const;
 
     tests::RegistrySandbox sandbox;
-    tests::TempFolder folder;            ///< of the executable
+    tests::TempFolder folder;            ///< the executable's folder
     std::wstring executable;             ///< its full path
-    std::filesystem::path folderAtStart; ///< current before the test
+    std::filesystem::path folderAtStart; ///< the current folder before the test
     Events events;
     HANDLE created = nullptr; ///< the last claim made
     tests::SpawnRecorder spawns;

@@ -1,4 +1,4 @@
-// The OEM file, by which the maker of a machine can forbid the install.
+// The OEM file, with which the maker of a machine can forbid the install.
 #include "tests/launcher/control_fixture.h"
 
 namespace kestraboot
@@ -11,13 +11,13 @@ using namespace kestraboot::tests;
 class OemFile : public Control
 {
 protected:
-    /// Takes control beside an OEM file with those contents.
+    /// Takes control beside an OEM file with these contents.
     bool TakeWith(const std::string& contents)
     {
         folder.AddFile(L"OEM/album.ini", contents);
         return Take();
     }
-    /// An OEM file in a folder of its own each time: Windows may remember the last one.
+    /// Puts each OEM file into a new folder, because Windows may cache the last one.
     bool TakeWithSection(const std::string& section)
     {
         folderNumber += L'x';
@@ -37,7 +37,7 @@ TEST_F(OemFile, WhoseFirstLineBeginsWithTheNumberOneStopsTheInstall)
                                    "+1\r\n", "1=0\r\n", "1.9"}) {
         EXPECT_FALSE(TakeWithSection(line)) << line;
         EXPECT_EQ(events, (Events{kTookControl, kFolderSet, kOemFile, kOption, kStopping})) << line;
-        EXPECT_FALSE(Claimed()) << line; // free for the next
+        EXPECT_FALSE(Claimed()) << line; // free for the next one
     }
 }
 
@@ -119,7 +119,7 @@ TEST_F(OemFile, IsReadIntoOneBufferOf261Characters)
             EXPECT_EQ(fallback, nullptr);
             EXPECT_EQ(capacity, 261U);
             EXPECT_STREQ(file, L".\\OEM\\album.ini");
-            std::wmemset(buffer, L'9', capacity); // all of it is there
+            std::wmemset(buffer, L'9', capacity); // fills the whole buffer
             return capacity - 2;
         });
     const FAKE_IMPORT(GetPrivateProfileSectionW)
@@ -128,7 +128,7 @@ TEST_F(OemFile, IsReadIntoOneBufferOf261Characters)
             EXPECT_STREQ(name, L"KestraProxyStopInstall");
             EXPECT_EQ(capacity, 260U);
             EXPECT_STREQ(file, L".\\OEM\\album.ini");
-            std::wmemset(buffer, L' ', capacity); // and no terminator
+            std::wmemset(buffer, L' ', capacity); // without a terminator
             buffer[capacity - 1] = L'1';
             return capacity - 2;
         });

@@ -1,4 +1,4 @@
-// The claim itself, and the executable's folder.
+// The claim, and the executable's folder.
 #include "tests/launcher/control_fixture.h"
 #include "tests/support/allocation_failure.h"
 #include "tests/support/handle_count.h"
@@ -116,7 +116,7 @@ TEST_F(Control, StopsNoOrganiserThatIsNotInstalled)
 
 TEST_F(Control, IsGivenUpWhenMemoryRunsOut)
 {
-    // Nothing that records may need memory meanwhile.
+    // The recorders would need memory, so calls that do nothing replace them.
     const ImportPatch quiet(
         "OutputDebugStringW",
         reinterpret_cast<void*>(static_cast<void (*)(const wchar_t*)>([](const wchar_t*) {})));
@@ -126,7 +126,7 @@ TEST_F(Control, IsGivenUpWhenMemoryRunsOut)
                          [](int, const wchar_t*, const wchar_t*, const wchar_t*) -> std::intptr_t {
                              return -1;
                          })));
-    executable = L"C:\\k.exe"; // copied by the test without memory
+    executable = L"C:\\k.exe"; // short enough for the test to copy it without memory
     EXPECT_GT(ForEveryAllocation(
                   [&] {
                       EXPECT_TRUE(Take());

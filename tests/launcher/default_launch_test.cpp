@@ -1,4 +1,4 @@
-// Which application is started when a device arrives.
+// The application that starts when a device arrives.
 #include "tests/launcher/launch_fixture.h"
 
 #include "tests/support/process_end.h"

@@ -22,8 +22,8 @@ using namespace kestraboot::tests;
 using Flags = std::vector<std::optional<std::uint32_t>>;
 constexpr std::nullopt_t kNone = std::nullopt;
 
-/// Three applications: the first has both preferences keys, the second the user's, the third the
-/// machine's, and gets the user's when it is read.
+/// Three applications. The first has both preferences keys, the second the user's, and the third the
+/// machine's: reading it makes the user's.
 struct DefaultStatus : testing::Test {
     DefaultStatus()
     {
@@ -108,8 +108,7 @@ TEST_F(DefaultStatus, IsSetWithYesAndNoInAnyCase)
 TEST_F(DefaultStatus, OfAnUnknownNameIsRefusedWithoutAWrite)
 {
     for (const wchar_t* const name : {L"Four", L"two", L"", L"Two "}) {
-        for (const wchar_t* const value :
-             {L"yes", L"maybe"}) { // the name is reported, whatever the value
+        for (const wchar_t* const value : {L"yes", L"maybe"}) { // the name is reported for any value
             const Result result = Set(name, value);
             EXPECT_FALSE(result.done) << name;
             EXPECT_EQ(result.console, "\n !!! Invalid first argument value."
@@ -162,7 +161,7 @@ TEST_F(DefaultStatus, MaintainsTheOrderBeforeAndAfter)
 
 TEST_F(DefaultStatus, ClearsEveryFlagInOrderThenSetsTheNamedOne)
 {
-    PutDword(HKEY_CURRENT_USER, samples[2].Preferences(), L"DefaultFlag", 0); // none is made on the way
+    PutDword(HKEY_CURRENT_USER, samples[2].Preferences(), L"DefaultFlag", 0); // so that no read makes it
     std::vector<std::uint32_t> values;
     const FAKE_IMPORT(RegSetValueExW) set([&](HKEY key, const wchar_t* name, DWORD reserved, DWORD type,
                                               const BYTE* data, DWORD size) -> LONG {

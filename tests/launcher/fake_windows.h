@@ -7,7 +7,7 @@
 namespace kestraboot::tests
 {
 
-/// Which Windows the product runs on, and in whose session.
+/// The version of Windows on which the product runs, and its session.
 class FakeWindows
 {
 public:
@@ -16,7 +16,7 @@ public:
         DWORD minor;
         BYTE product = VER_NT_WORKSTATION;
         DWORD platform = VER_PLATFORM_WIN32_NT;
-        int failingForms = 0; ///< 1: the extended form of the question fails; 2: the plain one too
+        int failingForms = 0; ///< 1: the extended query fails; 2: the plain query fails too
 
         friend void PrintTo(const Version& shown, std::ostream* out)
         {

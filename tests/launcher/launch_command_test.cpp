@@ -1,4 +1,4 @@
-// The command line of a started application, and what becomes of the start.
+// The command line of a started application, and the result of the start.
 #include "tests/launcher/launch_fixture.h"
 
 namespace kestraboot
@@ -11,7 +11,7 @@ using namespace kestraboot::tests;
 constexpr const wchar_t* kViewer = L"C:\\Apps\\Viewer\\viewer.exe";
 
 struct LaunchCommand : Launch {
-    /// The last argument of the start for a device of that identifier.
+    /// The last argument of the start for the device with that identifier.
     std::wstring IdArgument(const std::wstring& id)
     {
         Kestra(kViewer, L"direct", L"volume", id);
@@ -76,7 +76,7 @@ TEST_F(LaunchCommand, DoesNotLookForAClosingQuote)
 TEST_F(LaunchCommand, OfAnEmptyPathIsTracedAsIfItHadWorked)
 {
     Kestra(L"", L"direct", L"volume", L"E:");
-    EXPECT_TRUE(spawns.Calls().empty()); // the UCRT takes such a call for a mistake and ends the process
+    EXPECT_TRUE(spawns.Calls().empty()); // such a call makes the UCRT terminate the process
     EXPECT_EQ(trace.Lines(),
               Lines{L"\"\" module=kestrafetch params mode=direct devType=volume priDevId=\"E:\""});
 }
@@ -124,7 +124,7 @@ TEST_F(LaunchCommand, IsTracedAfterTheStart)
 TEST_F(LaunchCommand, LeavesNoHandleOfTheStartedProcess)
 {
     for (const wchar_t* const id : {L"E:", L""}) {
-        const HANDLE process = ::CreateMutexW(nullptr, FALSE, nullptr); // stands for it
+        const HANDLE process = ::CreateMutexW(nullptr, FALSE, nullptr); // stands for the process
         spawns.Answer(reinterpret_cast<std::intptr_t>(process));
         Kestra(kViewer, L"direct", L"volume", id);
         DWORD flags = 0;

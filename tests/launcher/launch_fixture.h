@@ -17,7 +17,7 @@ namespace kestraboot
 using Lines = std::vector<std::wstring>;
 using Calls = std::vector<tests::SpawnCall>;
 
-/// What is started for a device, without starting it.
+/// Records the starts for a device, without starting a process.
 struct Launch : testing::Test {
     void Kestra(std::wstring appPath, std::wstring mode, std::wstring type, std::wstring id)
     {

@@ -1,4 +1,5 @@
-// Applications really started: what they see, and what their runtime makes of it.
+// Applications really start: the tests check the command line that they receive, and its words in their
+// runtime.
 #include "kestraboot/command_handler.h"
 #include "tests/support/echo_child.h"
 #include "tests/support/handle_count.h"
@@ -18,7 +19,7 @@ using namespace kestraboot::tests;
 using Words = std::vector<std::wstring>;
 
 struct StartedApplication : testing::Test {
-    /// Starts the echo program for a device; answers the words that it sees behind its own name.
+    /// Starts the echo program for a device. Returns the words that it receives after its own name.
     Words Seen(const EchoChild& child, std::wstring id, std::wstring mode = L"direct")
     {
         std::wstring path = child.Program();
@@ -27,7 +28,7 @@ struct StartedApplication : testing::Test {
         CKestraBootCommandHandler().LaunchKestra(path, mode, type, id);
         const std::optional<std::wstring> line = child.CommandLine();
         EXPECT_TRUE(line) << "nothing was started";
-        EXPECT_EQ(trace.Lines(), Words{line.value_or(L"")}); // what was traced is what it sees
+        EXPECT_EQ(trace.Lines(), Words{line.value_or(L"")}); // the child receives the traced line
         Words words = SplitCommandLine(line.value_or(L"none"));
         EXPECT_EQ(words.front(), path);
         words.erase(words.begin());
@@ -69,7 +70,8 @@ TEST_F(StartedApplication, SeesAnIdentifierInUnicode)
 
 TEST_F(StartedApplication, SeesTheClosingQuoteOfAnIdentifierThatEndsInABackslash)
 {
-    // Nothing is escaped, so its runtime takes the backslash for the quote's; it must know.
+    // The product escapes nothing, so the application's runtime reads the backslash as an escape of the
+    // quote.
     const EchoChild child;
     EXPECT_EQ(Seen(child, L"E:\\").back(), L"priDevId=E:\"");
 }
@@ -136,7 +138,7 @@ TEST_F(StartedApplication, WithoutAPathIsAFailedStartOnEveryCRuntime)
 
 TEST_F(StartedApplication, IsNotFoundByAPathInQuotes)
 {
-    // The path is the name of the file to run as it stands; no file's name holds a quote.
+    // The path is the name of the file, verbatim, and no file name contains a quote.
     const EchoChild child;
     std::wstring path = L'"' + child.Program() + L'"';
     std::wstring mode = L"direct";
@@ -157,7 +159,7 @@ TEST_F(StartedApplication, WithACommandLineLongerThanWindowsTakesIsNotStarted)
     std::wstring text = L"direct";
     std::wstring id(32'767, L'i');
     CKestraBootCommandHandler().LaunchKestra(path, text, text, id);
-    ASSERT_EQ(trace.Lines().size(), 1U); // but traced, as every failed start
+    ASSERT_EQ(trace.Lines().size(), 1U); // but traced, like every failed start
     EXPECT_GT(trace.Lines()[0].size(), id.size());
 }
 

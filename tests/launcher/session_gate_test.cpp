@@ -1,4 +1,4 @@
-// Which Windows lets a process start an application outside the console session.
+// The Windows versions that let a process start an application outside the console session.
 #include "tests/launcher/fake_windows.h"
 #include "tests/launcher/launch_fixture.h"
 
@@ -51,12 +51,12 @@ INSTANTIATE_TEST_SUITE_P(
         Gate{kWindows7, true, true}, Gate{{5, 2}, true, true}, Gate{{6, 2}, true, true},
         Gate{{10, 0}, true, true}, Gate{{4, 0}, true, true}, Gate{{7, 0}, true, true},
         Gate{{6, 0, VER_NT_SERVER}, true, true}, Gate{{6, 0, VER_NT_DOMAIN_CONTROLLER}, true, true},
-        Gate{{5, 1, VER_NT_SERVER}, false, false}, // the product type counts for 6.0 alone
+        Gate{{5, 1, VER_NT_SERVER}, false, false}, // the product type counts for 6.0 only
         Gate{{5, 1, VER_NT_WORKSTATION, VER_PLATFORM_WIN32_WINDOWS}, true, true},
         Gate{{6, 0, VER_NT_WORKSTATION, VER_PLATFORM_WIN32_WINDOWS}, true, true},
         Gate{{5, 1, VER_NT_WORKSTATION, VER_PLATFORM_WIN32_NT, 1}, false, false},
         Gate{{5, 0, VER_NT_WORKSTATION, VER_PLATFORM_WIN32_NT, 1}, true, true},
-        Gate{{6, 0, VER_NT_WORKSTATION, VER_PLATFORM_WIN32_NT, 1}, true, true}, // no product type then
+        Gate{{6, 0, VER_NT_WORKSTATION, VER_PLATFORM_WIN32_NT, 1}, true, true}, // without a product type
         Gate{{5, 1, VER_NT_WORKSTATION, VER_PLATFORM_WIN32_NT, 2}, true, true},
         Gate{{6, 0, VER_NT_WORKSTATION, VER_PLATFORM_WIN32_NT, 2}, true, true}));
 

@@ -1,4 +1,4 @@
-// Memory that runs out in the rooms for the legacy organiser.
+// Memory runs out in the rooms for the legacy organiser.
 #include "kestraboot/command_handler.h"
 #include "tests/support/allocation_failure.h"
 #include "tests/support/registry_sandbox.h"

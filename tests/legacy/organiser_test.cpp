@@ -31,7 +31,7 @@ TEST_F(Organiser, IsDescribedFromItsFolder)
 {
     RegisterOrganiser(L"C:\\No such folder");
     PutText(HKEY_LOCAL_MACHINE, kAutoPlayKey, L"Action", L"Show pictures");
-    ASSERT_TRUE(ReadOrganiserInfo(record)); // though none of its files exists
+    ASSERT_TRUE(ReadOrganiserInfo(record)); // although none of its files exists
     EXPECT_EQ(record.Name, L"Corvane Vellumry 3.0");
     EXPECT_EQ(record.ProxyPath, L"C:\\No such folder\\VellumryDeviceConnect.exe");
     EXPECT_EQ(record.Desc, L"Show pictures");
@@ -109,7 +109,7 @@ TEST_F(Organiser, HasTheSharedDescriptionWithoutAnAction)
     ASSERT_TRUE(ReadOrganiserInfo(record));
     EXPECT_EQ(record.Desc, L"Organize and edit pictures using");
 
-    PutText(HKEY_LOCAL_MACHINE, kAutoPlayKey, L"Action", L""); // an empty one
+    PutText(HKEY_LOCAL_MACHINE, kAutoPlayKey, L"Action", L""); // an empty value
     record.Desc.clear();
     ASSERT_TRUE(ReadOrganiserInfo(record));
     EXPECT_EQ(record.Desc, L"Organize and edit pictures using");
@@ -139,7 +139,7 @@ TEST_F(Organiser, IsTheSameInTwoCallsOnOneRecord)
     record.SpareFlag = 6;
     ASSERT_TRUE(ReadOrganiserInfo(record));
     ASSERT_TRUE(ReadOrganiserInfo(record));
-    EXPECT_EQ(record.FileFormats.size(), 47U); // replaced, not appended to
+    EXPECT_EQ(record.FileFormats.size(), 47U); // replaced, not appended
     EXPECT_EQ(record.KeyPath, L"kept");
     EXPECT_EQ(record.DefaultFlag, 5U);
     EXPECT_EQ(record.SpareFlag, 6U);

@@ -46,7 +46,7 @@ TEST_F(OrganiserProxy, IsTheOneThatTheHandlerStarts)
     CKestraBootCommandHandler().LaunchVel3Proxy(path, type, id);
     EXPECT_EQ(spawns.Calls().at(0).arguments.at(2), L"\"C|X\"");
     EXPECT_EQ(spawns.Calls().at(0).file, L"C:\\Legacy\\VelProxy.exe");
-    EXPECT_EQ(path + type + id, L"C:\\Legacy\\VelProxy.execameraX"); // untouched
+    EXPECT_EQ(path + type + id, L"C:\\Legacy\\VelProxy.execameraX"); // unchanged
 }
 
 TEST_F(OrganiserProxy, IsToldTheKindByAMark)
@@ -108,15 +108,14 @@ TEST_F(OrganiserProxy, WithAnEmptyPathIsAFailedStart)
     for (const std::wstring& nothing : {std::wstring(), std::wstring(1, L'\0')}) {
         trace.Clear();
         LaunchOrganiserProxy(nothing, L"volume", L"E:");
-        EXPECT_TRUE(
-            spawns.Calls().empty()); // the UCRT takes such a call for a mistake and ends the process
+        EXPECT_TRUE(spawns.Calls().empty()); // such a call makes the UCRT terminate the process
         EXPECT_EQ(trace.Lines(), Lines{L"<KestraBoot><!!! Unable to start the process.>"});
     }
 }
 
 TEST_F(OrganiserProxy, LeavesNoHandleOfTheStartedProcess)
 {
-    const HANDLE process = ::CreateMutexW(nullptr, FALSE, nullptr); // stands for it
+    const HANDLE process = ::CreateMutexW(nullptr, FALSE, nullptr); // stands for the process
     spawns.Answer(reinterpret_cast<std::intptr_t>(process));
     LaunchOrganiserProxy(L"C:\\Legacy\\VelProxy.exe", L"volume", L"E:");
     DWORD flags = 0;

@@ -1,4 +1,4 @@
-// The organiser's programs really started: what they see of their command lines.
+// The organiser's programs really start: the tests check the command lines that they receive.
 #include "kestraboot/command_handler.h"
 #include "tests/support/echo_child.h"
 #include "tests/support/handle_count.h"

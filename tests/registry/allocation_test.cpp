@@ -1,4 +1,5 @@
-// Memory that runs out in the registry of applications: it reaches the caller, and nothing stays open.
+// When memory runs out in the registry of applications, the caller gets the exception, and no handle
+// stays open.
 #include "registry/own_application.h"
 #include "registry/supported_formats.h"
 #include "tests/registry/handler.h"
@@ -71,7 +72,7 @@ TEST_F(RegistryOutOfMemory, ReachesTheCallerOfTheFormats)
     handler.LoadInformation();
     EXPECT_GT(ForEveryAllocation(read, Reaches, Shortage::Once), 20);
     EXPECT_EQ(found, 2U + 44U);
-    // Never those of all applications for those of the default one.
+    // The formats of the default application never become those of all applications.
     PutDword(HKEY_CURRENT_USER, own.Preferences(), L"DefaultFlag", 1);
     handler.LoadInformation();
     EXPECT_GT(ForEveryAllocation(read, Reaches, Shortage::Once), 1);
@@ -80,7 +81,7 @@ TEST_F(RegistryOutOfMemory, ReachesTheCallerOfTheFormats)
 
 TEST_F(RegistryOutOfMemory, ReachesTheCallersOfStatusAndLocale)
 {
-    // Never "may launch" where the stored status forbids it, never the language of nobody.
+    // If the stored status forbids the launch, the answer is never "may launch". No locale is made up.
     PutDword(HKEY_CURRENT_USER, own.OwnKey(), L"kestralaunchstatus", 0);
     for (const Shortage shortage : {Shortage::Once, Shortage::FromThenOn}) {
         bool mayLaunch = true;

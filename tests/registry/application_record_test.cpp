@@ -171,7 +171,7 @@ TEST_F(ApplicationRecord, IsReadWithTheRightToReadAlone)
             return open.CallOriginal(root, path, options, access, key);
         });
     Read();
-    // The key of the formats is opened afresh for each of its values.
+    // The reader opens the key of the formats again for each of its values.
     EXPECT_EQ(opened, (std::vector<std::wstring>{L"", L"\\File Formats", L"\\File Formats",
                                                  L"\\File Formats", L"user \\Preferences"}));
 }

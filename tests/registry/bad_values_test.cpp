@@ -1,4 +1,4 @@
-// Values that no installer should write: of every type and size, without terminators, with zeros inside.
+// Values that no installer should write: all types and sizes, without terminators, with zeros inside.
 #include "tests/registry/handler.h"
 #include "tests/support/handle_count.h"
 #include "tests/support/registry_sandbox.h"
@@ -29,7 +29,7 @@ TEST_F(BadValues, OfEveryTypeAndSizeDropNoOtherApplication)
     RegisterSample(folder.Path(), L"Good");
     const std::wstring key = L"SOFTWARE\\Corvane\\Bad\\Corvane Kestrafetch";
     const std::string bytes(300'001, '\x41');
-    // For a text of one byte Wine 8 itself looks at the byte before the caller's room.
+    // For a text of one byte, Wine 8 itself reads the byte before the caller's buffer.
     const char* const guard = std::getenv("KESTRABOOT_GUARD");
     const std::size_t fewest = guard != nullptr && std::string_view(guard) == "start" ? 2 : 1;
     for (const DWORD type : std::initializer_list<DWORD>{REG_NONE, REG_SZ, REG_EXPAND_SZ, REG_BINARY,

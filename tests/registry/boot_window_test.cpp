@@ -1,4 +1,4 @@
-// The request to quit, which goes to the first window titled as a boot executable's.
+// The request to quit goes to the first window with the title of a boot executable.
 #include "registry/other_instances.h"
 
 #include <gtest/gtest.h>
@@ -59,7 +59,8 @@ TEST_F(BootWindow, IsSentTheRequestToQuitAndEndsTheEnumeration)
 {
     const Window window(L"Corvane Kestrafetch Boot");
     EXPECT_EQ(CloseBootWindowsProc(window.handle, 0), FALSE);
-    // It was here already when the callback returned: sent to the window, not posted to its thread.
+    // The message arrived before the callback returned, so it was sent to the window and not posted to
+    // its thread.
     EXPECT_EQ(quitMessages, (std::vector<Message>{{0x12, 0, 0}}));
     MSG posted = {};
     EXPECT_FALSE(::PeekMessageW(&posted, nullptr, WM_QUIT, WM_QUIT, PM_NOREMOVE));
@@ -81,7 +82,7 @@ TEST_F(BootWindow, IsNoneWithAnotherTitle)
         const Window window(title);
         EXPECT_EQ(CloseBootWindowsProc(window.handle, 0), TRUE);
     }
-    EXPECT_EQ(CloseBootWindowsProc(nullptr, 0), TRUE); // a window that is gone meanwhile
+    EXPECT_EQ(CloseBootWindowsProc(nullptr, 0), TRUE); // the window was destroyed in the meantime
     EXPECT_TRUE(quitMessages.empty());
 }
 

@@ -1,4 +1,5 @@
-// An application's "DefaultFlag": whose value counts, when the user's key comes into being, who writes.
+// An application's "DefaultFlag": which key's value counts, which call makes the user's key, which call
+// writes.
 #include "registry/application_record.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/registry_sandbox.h"
@@ -46,7 +47,7 @@ TEST_F(DefaultFlag, IsZeroWhereTheUsersKeyHasNone)
     PutDword(HKEY_LOCAL_MACHINE, kPrefs, L"DefaultFlag", 1);
     MakeKey(HKEY_CURRENT_USER, kPrefs);
     EXPECT_EQ(Read(), 0U);
-    PutDword(HKEY_CURRENT_USER, kPrefs, L"DefaultFlag", 0xFFFFFFFF); // cannot be told from none
+    PutDword(HKEY_CURRENT_USER, kPrefs, L"DefaultFlag", 0xFFFFFFFF); // is the same as no value
     EXPECT_EQ(Read(), 0U);
 }
 
@@ -111,7 +112,8 @@ TEST_F(DefaultFlag, IsZeroWhereTheUsersKeyCannotBeOpenedForTheMomentAndTheKeySta
 
 TEST_F(DefaultFlag, OfAProductNamedInLettersOfTheRootsPathNeverGetsItsUserKey)
 {
-    // The letters A, v, e and n at the front of "Avenue" occur in the root's path, and go with it.
+    // The letters A, v, e and n at the front of "Avenue" occur in the root's path, and are stripped with
+    // it.
     const std::wstring key = L"SOFTWARE\\Corvane\\Avenue\\Corvane Kestrafetch";
     MakeKey(HKEY_LOCAL_MACHINE, key);
     PutDword(HKEY_LOCAL_MACHINE, key + L"\\Preferences", L"DefaultFlag", 1);

@@ -13,7 +13,7 @@ namespace
 {
 
 constexpr std::uintptr_t kSnapshot = 0x60000000;
-constexpr std::uintptr_t kProcesses = 0x70000000; // the handle of a process is this and its number
+constexpr std::uintptr_t kProcesses = 0x70000000; // a process handle is this plus its number
 
 HANDLE ToHandle(std::uintptr_t number)
 {

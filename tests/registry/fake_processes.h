@@ -14,7 +14,8 @@
 namespace kestraboot::tests
 {
 
-/// Stands for the processes of the machine, this one included, in what the product asks Windows for.
+/// Stands for the processes of the machine, including this one, in all the queries that the product
+/// sends to Windows.
 class FakeProcesses
 {
 public:
@@ -31,10 +32,10 @@ public:
     /// Whether a snapshot can be taken.
     bool snapshotWorks = true;
 
-    /// What happened, in order: "ask windows", "wait 2000", "end 7 with 0".
+    /// The events, in order: "ask windows", "wait 2000", "end 7 with 0".
     std::vector<std::wstring> events;
 
-    /// Processes whose handle was opened once and never closed.
+    /// Processes whose handle was opened once and not closed.
     [[nodiscard]] std::set<DWORD> LeftOpen() const;
     [[nodiscard]] bool SnapshotClosed() const noexcept { return snapshotClosed; }
 

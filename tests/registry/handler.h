@@ -5,7 +5,7 @@
 namespace kestraboot
 {
 
-/// A handler whose list a test can look into and fill.
+/// A handler whose list a test can read and fill.
 struct OpenHandler : CKestraBootInformationHandler {
     using CKestraBootInformationHandler::applications;
 

@@ -1,4 +1,4 @@
-// What the operations on a loaded registry leave open: nothing.
+// The operations on a loaded registry leave no handle open.
 #include "registry/supported_formats.h"
 #include "tests/registry/handler.h"
 #include "tests/support/handle_count.h"
@@ -31,7 +31,7 @@ TEST_F(RegistryHandles, AreClosedAfterLoading)
     RegisterSample(folder.Path(), L"B\\1.0\\x");
     EXPECT_EQ(HandlesLeftBy([&] {
                   handler.LoadInformation();
-                  // So that the user's key is made anew each time.
+                  // so that each run makes the user's key again
                   RemoveKey(HKEY_CURRENT_USER, first.keyPath);
               }),
               0);

@@ -44,7 +44,7 @@ TEST(LargeRegistry, Of60LevelsIsSearchedToTheBottom)
     std::wstring product = L"Level1";
     for (int level = 2; level <= 60; ++level) {
         product += L"\\Level" + std::to_wstring(level);
-        MakeKey(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\" + product); // not too many levels at once
+        MakeKey(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\" + product); // a few levels at a time
     }
     const std::wstring key = L"SOFTWARE\\Corvane\\" + product + L"\\Corvane Kestrafetch";
     const std::wstring file = folder.AddFile("both.exe").wstring();

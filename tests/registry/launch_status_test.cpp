@@ -60,7 +60,7 @@ TEST_F(LaunchStatus, ThatIsMissingIsTrueAndAskingNeverCreatesIt)
 
 TEST_F(LaunchStatus, ThatIsMissingIsTriedToBeStoredThroughTheHandleOpenForReading)
 {
-    // Windows knows the key already open for reading; the store is tried, and refused.
+    // The key is already open for reading, so Windows refuses the write that is tried.
     MakeKey(HKEY_CURRENT_USER, own.OwnKey());
     PutDword(HKEY_CURRENT_USER, own.Preferences(), L"DefaultFlag", 0);
     int tried = 0;
@@ -94,7 +94,7 @@ TEST_F(LaunchStatus, IsStoredAsANumberForTheUser)
 
 TEST_F(LaunchStatus, CannotBeStoredInAKeyThatDoesNotExistAndNothingIsCreated)
 {
-    RemoveKey(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane"); // so that no preferences key makes it either
+    RemoveKey(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane"); // so that no preferences key creates it
     EXPECT_FALSE(handler.SetKestraLaunchStatus(0));
     EXPECT_TRUE(handler.GetKestraLaunchStatus());
     EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, own.OwnKey()));

@@ -35,7 +35,7 @@ TEST_F(Loading, OpensEveryKeyWithTheRightToReadAlone)
     const SampleApplication sample = RegisterSample(folder.Path(), L"A");
     MakeKey(HKEY_LOCAL_MACHINE, sample.keyPath + L"\\File Formats");
     MakeKey(HKEY_LOCAL_MACHINE, sample.Preferences());
-    MakeKey(HKEY_CURRENT_USER, sample.Preferences()); // else it is created, which takes more
+    MakeKey(HKEY_CURRENT_USER, sample.Preferences()); // else the load creates it
     std::vector<REGSAM> asked;
     int preferences = 0;
     const FAKE_IMPORT(RegOpenKeyExW)

@@ -65,7 +65,7 @@ TEST_F(Locale, IsEnglishWhenTheKeyCannotBeOpened)
     bool ownKeyOpen = false;
     const FAKE_IMPORT(RegOpenKeyExW)
         open([&](HKEY root, const wchar_t* path, DWORD options, REGSAM access, HKEY* key) -> LONG {
-            // The search opens the same key first; only the second time is the locale's.
+            // The search opens the same key first. The second open is for the locale.
             if (root == HKEY_LOCAL_MACHINE && path == own.OwnKey()) {
                 EXPECT_EQ(access, 0x20019U);
                 if (ownKeyOpen) {

@@ -50,7 +50,7 @@ TEST_F(MaintainedOrder, WritesTheProxysPathAsItIsRegistered)
 {
     const SampleApplication own = RegisterOwnSample(folder.Path(), L"A");
     std::wstring other = own.proxyPath;
-    other[0] = static_cast<wchar_t>(other[0] ^ 0x20); // the drive letter in the other case
+    other[0] = static_cast<wchar_t>(other[0] ^ 0x20); // the other case of the drive letter
     PutText(HKEY_LOCAL_MACHINE, own.keyPath, L"ProxyPath", other);
     handler.MaintainOrder();
     EXPECT_EQ(RunValue(), L'"' + other + L'"');
@@ -92,7 +92,7 @@ TEST_F(MaintainedOrder, WithoutAnApplicationHandsBackAndEndsTheProcess)
     std::vector<std::wstring> tracedBeforeHandBack;
     spawns.OnSpawn([&](const SpawnCall&) {
         tracedBeforeHandBack = trace.Lines();
-        EXPECT_TRUE(RunValue()); // the entry goes after it
+        EXPECT_TRUE(RunValue()); // the entry is removed afterwards
     });
     UINT exitCode = 99;
     try {

@@ -1,4 +1,4 @@
-// A process that really ends because no compatible application is left, whoever called.
+// A real process exits because no compatible application is left, whichever function was called.
 #include "kestraboot/command_handler.h"
 #include "tests/support/run_in_child.h"
 

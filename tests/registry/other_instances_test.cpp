@@ -35,7 +35,7 @@ TEST(OtherInstances, AreAskedThenEndedTwoSecondsLater)
     FakeProcesses machine({{5, L"C:\\other.exe"}, {7, kOwnPath}});
     EXPECT_TRUE(Stop());
     EXPECT_EQ(machine.events, (Events{L"ask windows", L"wait 2000", L"end 7 with 0"}));
-    EXPECT_EQ(machine.LeftOpen(), Ids{7}); // on purpose
+    EXPECT_EQ(machine.LeftOpen(), Ids{7}); // so that nobody gets its identifier
     EXPECT_TRUE(machine.SnapshotClosed());
 }
 
@@ -51,7 +51,7 @@ TEST(OtherInstances, AreStoppedOneAfterAnother)
 TEST(OtherInstances, AreFoundBeforeOtherProgramsToo)
 {
     FakeProcesses machine({{5, kOwnPath}, {6, L"C:\\other.exe"}});
-    EXPECT_TRUE(Stop()); // the last process of the list is none of them
+    EXPECT_TRUE(Stop()); // the last process of the list is another program
 }
 
 TEST(OtherInstances, AreKnownByTheirPathInAnyCase)
@@ -102,7 +102,8 @@ TEST(OtherInstances, OfAProgramThatRunsOnceAreNoneOnTheRealMachine)
     const auto stop = [] {
         EXPECT_FALSE(Stop(L"C:\\no such folder\\kestraboot.exe"));
     };
-    // The handles of processes that cannot be looked into stay open on purpose; Wine has none of those.
+    // The product leaves the handles of processes that cannot be queried open, because it exits soon.
+    // Wine has no such process.
     EXPECT_EQ(HandlesLeftBy(stop), 0);
 }
 

@@ -33,7 +33,7 @@ TEST_F(OwnApplication, IsTheFirstWhoseProxyIsTheRunningProgram)
     RegisterOwnSample(folder.Path(), L"C");
     EXPECT_TRUE(FindOwnApplication(handler, own));
     EXPECT_EQ(own.KeyPath, first.keyPath);
-    EXPECT_EQ(handler.Names(), (Names{L"A", L"B", L"C"})); // loaded on the way, and still whole
+    EXPECT_EQ(handler.Names(), (Names{L"A", L"B", L"C"})); // loaded by the call, and complete
     EXPECT_EQ(handler.applications[1].KeyPath, first.keyPath);
 }
 

@@ -104,7 +104,7 @@ TEST_F(RunValue, IsDeletedThroughAKeyOpenWithAllRights)
     EXPECT_TRUE(DeleteRunValue());
     EXPECT_EQ(Stored(), std::nullopt);
     EXPECT_EQ(StoredText(HKEY_LOCAL_MACHINE, kRunKey, L"Another"), L"stays");
-    EXPECT_TRUE(DeleteRunValue()); // a missing value is no error
+    EXPECT_TRUE(DeleteRunValue()); // a missing value is not an error
 }
 
 TEST_F(RunValue, LeavesNoKeyOpen)

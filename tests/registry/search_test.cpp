@@ -13,7 +13,7 @@ namespace
 using namespace kestraboot::tests;
 
 struct ApplicationSearch : testing::Test {
-    /// An application key, named after where it stands.
+    /// Adds an application key whose name is its position.
     static void Add(const std::wstring& product)
     {
         PutText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\" + product, L"Name", product);

@@ -46,7 +46,7 @@ struct HandOver : testing::Test {
     }
     static auto RunValue() { return StoredText(HKEY_LOCAL_MACHINE, kRunKey, kRunValue); }
 
-    /// What happens after the one other instance was stopped.
+    /// Runs after the one other instance was stopped.
     Events EventsAfterStop()
     {
         handler.Uninstall();
@@ -73,7 +73,7 @@ TEST_F(HandOver, StartsTheNextApplicationsProxy)
                       L"<KestraBoot><Switching application to ...<Next><" + next.proxyPath + L"> >"}));
     EXPECT_EQ(spawns.Calls(),
               (std::vector<SpawnCall>{{_P_NOWAIT, next.proxyPath, {L'"' + next.proxyPath + L'"'}}}));
-    // The entry names the running proxy still; the next proxy will point it at itself.
+    // The entry still names the running proxy. The next proxy will write its own path.
     EXPECT_EQ(RunValue(), L'"' + own.proxyPath + L'"');
 }
 
@@ -128,7 +128,7 @@ TEST_F(HandOver, SaysSoEvenWhereTheStartFails)
 TEST_F(HandOver, LeavesNoHandleOfTheStartedProxy)
 {
     RegisterSample(folder.Path(), L"Next");
-    const HANDLE process = ::CreateMutexW(nullptr, FALSE, nullptr); // stands for it
+    const HANDLE process = ::CreateMutexW(nullptr, FALSE, nullptr); // stands for the process
     spawns.Answer(reinterpret_cast<std::intptr_t>(process));
     handler.Uninstall();
     DWORD flags = 0;
@@ -191,7 +191,7 @@ TEST(HandOverWithoutAnotherInstance, DoesNothing)
     EXPECT_EQ(machine.events, Events{});
     EXPECT_TRUE(spawns.Calls().empty());
     EXPECT_EQ(StoredText(HKEY_LOCAL_MACHINE, kRunKey, kRunValue), L"before");
-    EXPECT_EQ(handler.Names(), Names{}); // not even loaded
+    EXPECT_EQ(handler.Names(), Names{}); // the handler did not load
     EXPECT_EQ(machine.LeftOpen(), std::set<DWORD>{});
 }
 

@@ -94,7 +94,7 @@ TEST_F(CandidateVolume, AFileSystemThatCannotBeReadIsNotTheMakers)
 
 TEST_F(CandidateVolume, AFileSystemNameThatFillsItsFieldIsReadWithinIt)
 {
-    fileSystem = std::wstring(255, L'x') + L"kodak"; // 260 characters: no room for a terminator
+    fileSystem = std::wstring(255, L'x') + L"kodak"; // 260 characters leave no room for a terminator
     EXPECT_FALSE(IsCandidateVolume(L"C:"));
     fileSystem = std::wstring(254, L'x') + L"kodakx";
     EXPECT_TRUE(IsCandidateVolume(L"C:"));

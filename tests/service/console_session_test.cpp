@@ -12,7 +12,7 @@ namespace
 
 using tests::FakeImport;
 
-/// Windows as the test says it: which session a process is in, which one is at the console.
+/// Windows as the test sets it: the session of a process, and the session at the console.
 class ConsoleSession : public testing::Test
 {
 protected:
@@ -91,8 +91,7 @@ TEST_F(ConsoleSession, IsNotKnownWithoutTheExport)
 
 TEST_F(ConsoleSession, IsNotKnownWhenTheProcesssSessionIsNot)
 {
-    consoleSession = processSession =
-        0; // what a failed query leaves behind must not look like a session
+    consoleSession = processSession = 0; // the buffer of a failed query must not pass for a session
     sessionKnown = false;
     EXPECT_FALSE(IsProcessInActiveConsoleSession(4711));
     EXPECT_EQ(freed, 1);

@@ -118,7 +118,7 @@ TEST_F(Dispatch, ACallbackThatThrowsHarmsNobody)
     Notify(L"volume", L"E:");
     EXPECT_EQ(std::uncaught_exceptions(), 0);
 
-    // From another thread: a lock that was left held would keep it out for ever.
+    // The report comes from another thread, because a lock that is still held would block it forever.
     RegisterDeviceConnectCallback(Keep);
     std::thread([] {
         Notify(L"volume", L"F:");
@@ -184,7 +184,7 @@ TEST_F(Dispatch, ASlowCallbackHoldsUpTheNextReport)
     std::thread next([&] {
         nextThread = ::GetCurrentThreadId();
         Notify(L"volume", L"next");
-        ::SetEvent(atTheLock); // where there is no lock
+        ::SetEvent(atTheLock); // reached if no lock holds it up
     });
     EXPECT_EQ(::WaitForSingleObject(atTheLock, 60'000), WAIT_OBJECT_0);
     EXPECT_TRUE(heldUp) << "the next report did not wait";

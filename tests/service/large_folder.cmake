@@ -1,5 +1,5 @@
-# Makes FOLDER with COUNT files that hold no media and, last by name, one picture. On the building machine,
-# since making many files in one folder under Wine costs their number squared.
+# Makes FOLDER with COUNT files that hold no media and, last by name, one picture. It runs on the build machine, because
+# the time for making files in one folder grows with the square of their number under Wine.
 math(EXPR last "${COUNT} - 1")
 foreach(number RANGE 1 ${last})
     file(TOUCH ${FOLDER}/note${number}.txt)

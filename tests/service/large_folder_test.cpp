@@ -21,7 +21,8 @@ constexpr int kFiles = 20'000;
 class LargeFolder : public testing::Test
 {
 protected:
-    /// The build makes the folder, since that takes Wine minutes. Windows makes it here.
+    /// Under Wine the build makes the folder, because Wine takes minutes for it. On Windows the test
+    /// makes it here.
     static void SetUpTestSuite()
     {
         if (!tests::FromTheArchive()) {

@@ -24,7 +24,8 @@ const std::wstring kNothing = kTag + L"<Volume does not contain supported media 
 const std::wstring kSuppressed = kTag + L"<Suppressing auto launch...>";
 const std::wstring kUnsupported = kTag + L"<Unsupported volume found.>";
 
-/// A volume in a real folder, an application whose proxy is this very program, and no time that passes.
+/// A volume in a real folder, an application whose proxy is this program, and a Sleep that does not
+/// wait.
 class MediaSniffer : public testing::Test
 {
 protected:
@@ -117,7 +118,7 @@ TEST_F(MediaSniffer, DepthZeroSwitchesReportsOffWithoutTouchingTheVolume)
         ADD_FAILURE() << "listed " << std::filesystem::path(pattern).string();
         return INVALID_HANDLE_VALUE;
     });
-    // Only the volume must not be listed; existence checks of the applications' files are no listings.
+    // The volume must not be listed. The existence checks of the applications' files list nothing.
     EXPECT_FALSE(Check());
     EXPECT_THAT(trace.Lines(),
                 ElementsAre(kSuppressed, kFails, kSuppressed, kFails, kSuppressed, kFails, kNothing));
@@ -160,11 +161,11 @@ TEST_F(MediaSniffer, DepthIsTheRunningApplicationsOwn)
 {
     SetDepth(1);
     volume.AddFile(L"DCIM/IMG_0001.JPG");
-    // Another application is installed and this program is no proxy any more.
+    // The installed application has another proxy now, so this program is no proxy.
     own.proxyPath = own.commandPath;
     tests::Register(own);
     EXPECT_TRUE(Sniff());
-    // Nor does a value at the root of the user's registry count then.
+    // A value at the root of the user's registry does not count either.
     tests::PutDword(HKEY_CURRENT_USER, L"", L"SniffDepth", 1);
     EXPECT_TRUE(Sniff());
 }
@@ -215,7 +216,7 @@ TEST_F(MediaSniffer, TheDefaultApplicationsFormatsAreLookedForAlone)
     other.image = L"raw";
     tests::Register(other);
     volume.AddFile(L"x.raw");
-    EXPECT_TRUE(Sniff()); // no default: the formats of all
+    EXPECT_TRUE(Sniff()); // without a default application, the formats of all applications count
     tests::PutDword(HKEY_CURRENT_USER, own.keyPath + L"\\Preferences", L"DefaultFlag", 1);
     EXPECT_FALSE(Sniff());
 }

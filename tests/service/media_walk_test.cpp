@@ -77,7 +77,7 @@ TEST_F(MediaWalk, ReachesThreeFolderLevelsBelowTheRootAtDepthFour)
 {
     volume.AddFile(L"a/b/c/d/deep.jpg");
     EXPECT_FALSE(Find(4));
-    // The folder that is too deep is still seen and traced, but not listed.
+    // The walk finds and traces the folder that is too deep, but does not list it.
     EXPECT_THAT(trace.Lines(), Contains(Folder(4, volume.Path() / L"a" / L"b" / L"c" / L"d")));
     EXPECT_THAT(trace.Lines(), Not(Contains(File(5, L"deep.jpg"))));
     EXPECT_TRUE(Find(5));
@@ -160,7 +160,7 @@ TEST_F(MediaWalk, SuppressesErrorBoxesMeanwhileAndRestoresTheModeOnEveryWay)
     EXPECT_EQ(::SetErrorMode(0), static_cast<UINT>(SEM_NOOPENFILEERRORBOX));
 }
 
-/// Folders whose listing the test steers entry by entry.
+/// Folders in whose listing the test controls each entry.
 class SteeredWalk : public testing::Test
 {
 protected:

@@ -27,8 +27,8 @@ const char* Name(LPTHREAD_START_ROUTINE entry)
                                         : "?";
 }
 
-/// What a start does, in order, on a Windows of this version: it makes the lock that serialises reports,
-/// then a thread for each tracker. No thread really starts.
+/// The steps of a start, in order, on this version of Windows: it makes the lock that serialises
+/// reports, then a thread for each tracker. No thread really starts.
 std::vector<std::string> StepsOn(DWORD major, DWORD minor, BYTE product = VER_NT_WORKSTATION,
                                  BOOL known = TRUE, HANDLE made = reinterpret_cast<HANDLE>(0x44))
 {

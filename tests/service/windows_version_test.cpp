@@ -15,7 +15,7 @@ struct Version {
     BYTE product = VER_NT_WORKSTATION;
 };
 
-/// The class that a Windows of this version gets. `failing` forms of the query fail first.
+/// The class of this version of Windows. The first `failing` forms of the query fail.
 WindowsVersionClass ClassOf(const Version& version, int failing = 0, std::vector<DWORD>* sizes = nullptr)
 {
     const FAKE_IMPORT(GetVersionExW) query([&](OSVERSIONINFOW* record) -> BOOL {
