@@ -167,7 +167,7 @@ TEST_F(Callback, HoldsASecondNotificationBackUntilTheFirstIsDone)
             letItGo.Wait();
         }
     };
-    std::vector<CRITICAL_SECTION*> entered; // by the first, until it waits inside
+    std::vector<CRITICAL_SECTION*> entered; // by the first, before it waits inside
     const FAKE_IMPORT(EnterCriticalSection) enter([&](CRITICAL_SECTION* section) {
         if (!::TryEnterCriticalSection(section)) {
             EXPECT_EQ(entered.size(), 2U) << "the object's own section and that of the dispatch";
@@ -209,7 +209,7 @@ TEST_F(Callback, LetsNothingOutAndGoesOn)
     reports.during = nullptr;
     std::thread other([&] {
         EXPECT_EQ(Notify(Record(1)), mox::kSuccess);
-    }); // no lock was left behind
+    }); // fails to return if a lock is still held
     other.join();
     EXPECT_EQ(reports.All().size(), 2U);
 }

@@ -10,7 +10,8 @@ namespace kestraboot::tests
 
 using DeviceReport = std::pair<std::wstring, std::wstring>; ///< kind, identifier
 
-/// The host's callback of this test program while it lives: keeps every report. One at a time.
+/// The host's callback of this test program while the object lives. It keeps every report. Only one
+/// object may exist at a time.
 class DeviceReports
 {
 public:
@@ -21,7 +22,7 @@ public:
 
     [[nodiscard]] std::vector<DeviceReport> All() const;
 
-    /// Runs in each report, under the dispatch lock; may throw.
+    /// Runs in each report, under the dispatch lock. It may throw.
     std::function<void(const DeviceReport&)> during;
 };
 

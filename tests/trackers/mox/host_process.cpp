@@ -20,7 +20,7 @@ void Require(BOOL done, const char* what)
     }
 }
 
-/// One end for the process, which inherits it, and one for the tests.
+/// One end for the process, which inherits it, and the other for the tests.
 struct Pipe {
     Pipe(bool processReads)
     {

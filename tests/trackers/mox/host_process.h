@@ -8,27 +8,28 @@
 namespace kestraboot::tests
 {
 
-/// mox_test_host.exe in a folder: the shipped library in a process of its own. Throws where the process
-/// does not do what a test awaits; a process that hangs is ended by the watchdog of the tests.
+/// mox_test_host.exe in a folder: the shipped library in a process of its own. The functions throw if
+/// the process does not do what a test awaits. If the process hangs, the watchdog of the tests
+/// terminates it.
 class HostProcess
 {
 public:
-    /// Starts it with `folder` as its current directory.
+    /// Starts the process with `folder` as its current directory.
     explicit HostProcess(const std::filesystem::path& folder);
     HostProcess(const HostProcess&) = delete;
     HostProcess& operator=(const HostProcess&) = delete;
-    /// Asks it to quit; it must end with 0.
+    /// Sends "quit". The process must exit with 0.
     ~HostProcess();
 
-    /// The next line that it says.
+    /// The next line of its output.
     [[nodiscard]] std::string Read();
-    /// Reads on until that line comes.
+    /// Reads until that line arrives.
     void Await(const std::string& line);
-    /// Everything that it has said since it started and was read.
+    /// All lines read since the start.
     [[nodiscard]] const std::vector<std::string>& Said() const { return said; }
 
     void Send(const std::string& command);
-    /// Sends a command and reads on until a line that begins so.
+    /// Sends a command and reads until a line begins with `answerBegins`.
     std::string Ask(const std::string& command, const std::string& answerBegins);
     [[nodiscard]] bool IsLoaded(const std::string& plugin);
 
@@ -40,7 +41,7 @@ private:
     std::vector<std::string> said;
 };
 
-/// Runs a program beside the tests to its end; answers its exit code.
+/// Runs a program that is in the folder of the tests until it exits. Returns its exit code.
 [[nodiscard]] unsigned RunProgram(const std::wstring& commandLine);
 
 } // namespace kestraboot::tests

@@ -10,12 +10,12 @@
 namespace kestraboot::tests
 {
 
-/// While it lives, memory cannot be had by the module under test: keep it to the one call that is
-/// tested.
+/// While the object lives, the module under test gets no memory. Keep the object for the one call under
+/// test.
 class NoMemory
 {
 public:
-    /// None of `size` bytes or more; less is there.
+    /// Refuses `size` bytes or more, and allocates less.
     explicit NoMemory(std::size_t size = 0) : allocate("_Znwy", reinterpret_cast<void*>(&Allocate))
     {
         refused = size;
@@ -24,7 +24,7 @@ public:
 private:
     static void* Allocate(std::size_t size)
     {
-        void* const memory = size < refused ? std::malloc(size) : nullptr; // as operator new has it
+        void* const memory = size < refused ? std::malloc(size) : nullptr; // like operator new
         return memory != nullptr ? memory : throw std::bad_alloc();
     }
 
@@ -32,7 +32,8 @@ private:
     ImportPatch allocate;
 };
 
-/// While it lives, what the module under test frees is overwritten, so that a use of it shows.
+/// While the object lives, memory that the module under test frees is overwritten, so that a later use
+/// shows.
 class SpoilFreedMemory
 {
 public:
@@ -48,7 +49,7 @@ private:
         if (memory != nullptr) {
             std::memset(memory, 0xDD, size);
         }
-        std::free(memory); // as the runtime's operator delete does
+        std::free(memory); // like the runtime's operator delete
     }
     static void SpoilWhole(void* memory)
     {

@@ -1,4 +1,4 @@
-// What is answered when there is no memory.
+// The results of the calls when memory runs out.
 #include "tests/trackers/mox/memory_faults.h"
 
 #include "foundation/text.h"

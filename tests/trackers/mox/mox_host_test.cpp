@@ -33,7 +33,7 @@ std::wstring Detecting(const std::wstring& name)
 class Host : public testing::Test
 {
 protected:
-    /// Runs the host's thread to its end.
+    /// Runs the host's thread until it returns.
     static void Run() { EXPECT_EQ(MoxHostThread(nullptr), 0U); }
 
     tests::AwaitedTrace trace;
@@ -68,7 +68,7 @@ TEST_F(Host, TestsThePhoneManagerWithoutErrorBoxesAndUnloadsItAgain)
             modes.push_back(::GetErrorMode());
         }
     };
-    behaviour.fails = Operation::QuerySource; // loaded, but no source manager
+    behaviour.fails = Operation::QuerySource; // loads, but has no source manager
     folder.Add(kPhoneManager, behaviour);
     const FAKE_IMPORT(Sleep) sleep([&](DWORD) {
         EXPECT_EQ(trace.Lines(), std::vector<std::wstring>{kNotDetected});
@@ -118,7 +118,7 @@ TEST_F(Host, ScansOnceShutsEverythingDownAndStartsATrackerForEachSource)
 
 TEST_F(Host, TakesAnyPluginOfThatNameForThePhoneManager)
 {
-    folder.Add(kPhoneManager, {.category = 2}); // its identifier is the test plugin's own
+    folder.Add(kPhoneManager, {.category = 2}); // but with the test plugin's identifier
     folder.Add(L"alpha");
     Run();
     EXPECT_TRUE(trace.Await(Detecting(L"alpha")));
@@ -185,7 +185,8 @@ TEST_F(Host, KeepsTheSourcesInTheOrderOfTheirPlugins)
     }
     PluginHost host;
     const std::vector<DeviceSource> sources = FindDeviceSources(host);
-    // The order is that of the folder's listing, which is the order in which they were loaded.
+    // The listing of the folder sets the order in which the plugins are loaded, and so the order of the
+    // sources.
     std::vector<std::wstring> loaded;
     for (const auto& [plugin, operation] : folder.Events()) {
         if (operation == Operation::SetListEntry) {

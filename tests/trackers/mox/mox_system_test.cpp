@@ -177,7 +177,7 @@ TEST_F(PluginsInAHost, MayTellFromEightThreadsAtOnce)
     InstallPlugin("storm-1");
     InstallPlugin("storm-2");
     HostProcess host(home.Path());
-    std::map<std::string, int> next; // of each thread of each plugin
+    std::map<std::string, int> next; // the next number of each thread of each plugin
     for (int devices = 0; devices < 1600;) {
         const std::string line = host.Read();
         if (line.starts_with("device audio storm-")) {

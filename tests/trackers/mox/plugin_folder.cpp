@@ -14,7 +14,7 @@ PluginFolder* stageOfThisProgram = nullptr;
 
 constexpr UINT kEndMessage = WM_APP;
 
-/// Ends the message loop from inside, as nothing else in the process would.
+/// Ends the message loop from inside, because nothing else in the process ends it.
 LRESULT CALLBACK EndingProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message == kEndMessage) {
@@ -88,7 +88,7 @@ PluginFolder::PluginFolder()
 PluginFolder::~PluginFolder()
 {
     for (const HANDLE thread : threads) {
-        // A tracker that is still starting has no window yet.
+        // While a tracker starts, it has no window yet.
         do {
             EndTrackers();
         } while (::WaitForSingleObject(thread, 10) == WAIT_TIMEOUT);

@@ -1,4 +1,4 @@
-// The stage of the unit tests: real plugin files in a folder of the test's own, which is the current
+// The stage of the unit tests: real plugin files in the test's own folder, which is the current
 // directory.
 #pragma once
 
@@ -26,47 +26,47 @@ using PluginEvents = std::vector<std::pair<std::wstring, Operation>>;
 class PluginFolder final : public PluginStage
 {
 public:
-    /// Makes an empty "moxplugins" in a temporary folder and changes the current directory to that.
+    /// Makes an empty "moxplugins" in a temporary folder, which becomes the current directory.
     PluginFolder();
     PluginFolder(const PluginFolder&) = delete;
     PluginFolder& operator=(const PluginFolder&) = delete;
-    /// Ends the trackers that were started meanwhile, frees what plugins they have left loaded, goes
-    /// back.
+    /// Ends the trackers that the test started, frees the plugins that are still loaded, and restores
+    /// the current directory.
     ~PluginFolder();
 
-    /// Puts a plugin there; "alpha" becomes ".\moxplugins\alpha.mox". Returns a descriptor with that
-    /// path.
+    /// Copies a plugin into the folder; "alpha" becomes ".\moxplugins\alpha.mox". Returns a descriptor
+    /// with that path.
     mox::PluginDescriptor Add(const std::wstring& plugin, Behaviour behaviour = {});
 
-    /// How it behaves when it is loaded the next time.
+    /// Sets the plugin's behaviour for the next load.
     void Replace(const std::wstring& plugin, Behaviour behaviour);
 
-    /// A descriptor with that path; nothing is put there.
+    /// A descriptor with that path. The function copies no file.
     static mox::PluginDescriptor Named(const std::wstring& plugin);
 
     [[nodiscard]] std::filesystem::path Path() const { return home.Path() / "moxplugins"; }
 
-    /// Whether the library is in the process.
+    /// Whether the library is loaded in the process.
     [[nodiscard]] static bool IsLoaded(const std::wstring& plugin);
 
-    /// From now on no thread can be had.
+    /// From now on every new thread is refused.
     void RefuseThreads() { threadsRefused = true; }
     [[nodiscard]] long ThreadsAskedFor() const { return create.Calls(); }
 
-    /// References to objects of the plugin that were not given back.
+    /// References to objects of the plugin that were not released.
     [[nodiscard]] int References(const std::wstring& plugin);
 
-    /// What happened, in order; without the releases.
+    /// All events, in order, without the releases.
     [[nodiscard]] PluginEvents Events();
-    /// What happened to one plugin.
+    /// The events of one plugin.
     [[nodiscard]] std::vector<Operation> EventsOf(const std::wstring& plugin);
     [[nodiscard]] int Count(const std::wstring& plugin, Operation operation);
     void ForgetEvents();
 
-    /// Returns when the operation has begun that many times; false after 20 seconds.
+    /// Returns true when the operation has begun that many times, and false after 20 seconds.
     [[nodiscard]] bool Await(const std::wstring& plugin, Operation operation, int times = 1);
 
-    /// The entry that the plugin was handed last, or null.
+    /// The last entry that the plugin was handed, or null.
     [[nodiscard]] const mox::PluginDescriptor* EntryOf(const std::wstring& plugin);
 
     Behaviour BehaviourOf(const std::wstring& plugin) override;
@@ -84,14 +84,14 @@ private:
     std::map<std::wstring, const mox::PluginDescriptor*> entries;
     PluginEvents events;
     std::atomic<bool> threadsRefused = false;
-    std::vector<HANDLE> threads; ///< of the trackers; the product keeps no handle
+    std::vector<HANDLE> threads; ///< the trackers' threads; the product keeps no handle
     FAKE_IMPORT(CreateThread) create;
 };
 
-/// Ends every source tracker of this process and waits for its thread. Returns how many there were.
+/// Ends every source tracker of this process and waits for its thread. Returns their number.
 int EndTrackers();
 
-/// The windows of the source trackers of this process.
+/// The number of windows of source trackers in this process.
 [[nodiscard]] int CountTrackerWindows();
 
 } // namespace kestraboot::tests

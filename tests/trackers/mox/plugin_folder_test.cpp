@@ -105,7 +105,7 @@ TEST_F(FolderOfPlugins, OfTwoHundredIsLoadedAndUnloaded)
 
 TEST_F(FolderOfPlugins, LeavesOutAFileWhosePathDoesNotFit)
 {
-    // ".\moxplugins\" has 13 characters: a name of 246 makes 259 in all, the longest that fits.
+    // ".\moxplugins\" has 13 characters, so a name of 246 makes a path of 259, the longest that fits.
     const std::wstring longest = std::wstring(242, L'l') + L".mox";
     const std::wstring names[] = {longest, L"x" + longest, L"last.mox"};
     std::size_t next = 0;

@@ -217,7 +217,8 @@ TEST_F(PluginLoading, KeepsNamesOf259CharactersWholeAndEndsLongerOnes)
     EXPECT_EQ(nameOf(L"a", 258, true), std::wstring(258, L'n'));
     EXPECT_EQ(nameOf(L"b", 259, true), std::wstring(259, L'n'));
     EXPECT_EQ(nameOf(L"c", 260, false), std::wstring(259, L'n'));
-    // A plugin that writes past its field reaches the path's, which the host fills afterwards.
+    // A plugin that writes past its field overwrites the field of the path, which the host fills
+    // afterwards.
     EXPECT_EQ(nameOf(L"d", 400, true), std::wstring(259, L'n'));
 }
 

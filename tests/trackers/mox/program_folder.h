@@ -6,7 +6,7 @@
 namespace kestraboot::tests
 {
 
-/// The folder of this program, where the other programs and the plugin files are built.
+/// The folder of this program. The build puts the other programs and the plugin files there.
 [[nodiscard]] inline std::filesystem::path ProgramFolder()
 {
     wchar_t path[MAX_PATH] = {};

@@ -31,7 +31,7 @@ protected:
         host.plugins.UnloadAllPlugins();
     }
 
-    /// Loads a plugin and answers its identifier.
+    /// Loads a plugin and returns its identifier.
     mox::Identifier Load(const wchar_t* plugin, Behaviour behaviour = {})
     {
         EXPECT_EQ(host.plugins.LoadPlugin(folder.Add(plugin, std::move(behaviour))), mox::kSuccess);

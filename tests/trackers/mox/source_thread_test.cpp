@@ -1,4 +1,4 @@
-// What a plugin may expect of the thread of its source, and of the thread that it tells from.
+// The guarantees to a plugin about the thread of its source, and about the thread from which it reports.
 #include "tests/support/awaited_trace.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/signal.h"
@@ -26,7 +26,7 @@ constexpr UINT kPosted = WM_APP;
 constexpr UINT kSent = WM_APP + 1;
 constexpr UINT kTimerPeriod = USER_TIMER_MINIMUM;
 
-/// A window that a plugin makes on the thread of its source. It keeps what of the test's messages came.
+/// A window that a plugin makes on the thread of its source. It records the test's messages that arrive.
 class PluginWindow
 {
 public:
@@ -34,7 +34,7 @@ public:
     PluginWindow(const PluginWindow&) = delete;
     PluginWindow& operator=(const PluginWindow&) = delete;
 
-    /// On the thread that is to own it.
+    /// Call it on the thread that will own the window.
     void Make()
     {
         window = ::CreateWindowExW(0, L"STATIC", L"a plugin's", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
@@ -68,7 +68,7 @@ private:
     std::vector<UINT> came;
 };
 
-/// Returns when a timer of twice that period has run out on this thread.
+/// Returns when a timer of twice that period has expired on this thread.
 void OutlastATimer(UINT period)
 {
     const UINT_PTR timer = ::SetTimer(nullptr, 0, 2 * period, nullptr);
@@ -80,7 +80,7 @@ void OutlastATimer(UINT period)
 class SourceThread : public testing::Test
 {
 protected:
-    /// Starts the tracker of a plugin and returns when it listens.
+    /// Starts the tracker of a plugin. Returns when the tracker waits for messages.
     void Track(Behaviour behaviour)
     {
         static constexpr mox::Identifier kIdentifier = {1, 2, 3, {4}};
@@ -119,7 +119,7 @@ TEST_F(SourceThread, AnswersWhatIsSentToAPluginsWindowAndLeavesWhatIsPosted)
     for (const UINT message : {kSent, UINT{WM_DEVICECHANGE}}) {
         EXPECT_NE(::SendMessageTimeoutW(window.Handle(), message, 0, 0, SMTO_BLOCK, 20000, &answer), 0);
     }
-    // What was posted before this one would have come before it.
+    // An earlier posted message would arrive before this one.
     ::PostMessageW(::FindWindowW(L"STATIC", L"MOXTrackerWindow"), WM_DEVICECHANGE, DBT_DEVNODES_CHANGED,
                    0);
     servedOwnWindow.Wait();

@@ -30,7 +30,7 @@ std::wstring Detecting(const std::wstring& name)
     return L"<***DeviceConnect***><" + name + L"><Devices will be detected.>";
 }
 
-/// Tells of a camera, as a plugin does.
+/// Reports a camera, like a plugin.
 mox::Status Tell(mox::ICallbackInterface* callback, const wchar_t* id)
 {
     mox::DeviceRecord record = {};
@@ -43,7 +43,7 @@ mox::Status Tell(mox::ICallbackInterface* callback, const wchar_t* id)
 class Tracker : public testing::Test
 {
 protected:
-    /// What the scan would have found of the plugin.
+    /// The source that the scan finds for the plugin.
     DeviceSource Source(const wchar_t* plugin, Behaviour behaviour = {})
     {
         const auto descriptor = folder.Add(plugin, std::move(behaviour));
@@ -107,7 +107,7 @@ TEST_F(Tracker, MakesItsWindowHiddenAndPlain)
     EXPECT_EQ(window.windowClass, L"STATIC");
     EXPECT_EQ(window.name, L"MOXTrackerWindow");
     EXPECT_TRUE(window.bare);
-    // Without a window there is no tracker: it takes everything back but the library.
+    // Without a window there is no tracker: it releases everything except for the library.
     EXPECT_TRUE(trace.Lines().empty());
     EXPECT_EQ(folder.Count(L"alpha", Operation::Unregister), 1);
     EXPECT_EQ(folder.References(L"alpha"), 0);
@@ -139,7 +139,7 @@ TEST_F(Tracker, GivesEverythingBackButTheLibraryWhenItsLoopEnds)
     Behaviour behaviour;
     behaviour.onRegister = [&](mox::ICallbackInterface* given) {
         callback = given;
-        given->AddReference(); // the test's
+        given->AddReference(); // the test's reference
     };
     StartSourceTracker(Source(L"alpha", behaviour));
     ASSERT_TRUE(trace.Await(Detecting(L"alpha")));
@@ -150,11 +150,11 @@ TEST_F(Tracker, GivesEverythingBackButTheLibraryWhenItsLoopEnds)
     EXPECT_EQ(folder.References(L"alpha"), 0);
     EXPECT_TRUE(folder.IsLoaded(L"alpha"));
     EXPECT_EQ(tests::CountTrackerWindows(), 0);
-    // A plugin that owns a reference may call even now.
+    // A plugin that owns a reference may call at any time.
     EXPECT_EQ(Tell(callback, L"after the end"), mox::kSuccess);
     EXPECT_EQ(reports.All().size(), 1U);
     EXPECT_EQ(callback->Release(), 0U) << "a reference to the callback is left";
-    // What the plugin was handed is still there: it stays loaded.
+    // The plugin's entry still exists, because the plugin stays loaded.
     EXPECT_STREQ(folder.EntryOf(L"alpha")->name, L"alpha");
 }
 
@@ -223,7 +223,7 @@ TEST_F(Tracker, EndsQuietlyWhenItsLibraryIsInTheProcessAlready)
     const DeviceSource source = Source(L"alpha");
     PluginList others;
     ASSERT_EQ(others.LoadPlugin(PluginFolder::Named(L"alpha")), mox::kSuccess);
-    RunToItsEnd(source); // it lists no plugin, so it has no source
+    RunToItsEnd(source); // the tracker lists no plugin, so it has no source
     EXPECT_EQ(folder.Count(L"alpha", Operation::Register), 0);
     EXPECT_TRUE(trace.Lines().empty());
     others.UnloadAllPlugins();
@@ -237,7 +237,7 @@ TEST_P(FailingTracker, EndsQuietlyWithNothingLeftBehind)
 {
     const auto [operation, throws] = GetParam();
     const DeviceSource source = Source(L"alpha");
-    // From now on it misbehaves.
+    // From now on the plugin fails.
     Behaviour behaviour;
     (throws ? behaviour.throws : behaviour.fails) = operation;
     folder.Replace(L"alpha", behaviour);
@@ -293,7 +293,7 @@ TEST_F(Tracker, IsNotHeldUpByASlowPluginOfAnother)
 
 TEST_F(Tracker, HoldsNoLockOfItsOwnWhileItCallsThePlugin)
 {
-    // The plugin's lock is held by a thread that is telling of a device while the tracker unregisters.
+    // The thread that reports a device holds the plugin's lock while the tracker unregisters.
     std::mutex pluginLock;
     mox::ICallbackInterface* callback = nullptr;
     Behaviour behaviour;

@@ -124,7 +124,7 @@ TEST(StiDeviceList, SaysWhenFreeingRaisesAndStopsThere)
     EXPECT_EQ(freed, 2);
     EXPECT_EQ(list.Count(), 3U) << "the rest stays listed";
 
-    // The list goes on: what was freed is not seen, nor freed again.
+    // The list stays in use: it shows no freed device, and frees none again.
     StiDeviceList nothing;
     ASSERT_NE(list.FirstMissingFrom(nothing), nullptr);
     EXPECT_STREQ(list.FirstMissingFrom(nothing)->internalName, L"C");

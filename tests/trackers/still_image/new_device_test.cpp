@@ -1,4 +1,4 @@
-// Which device is new after a change, against the stand-in for still imaging.
+// The search for the new device after a change, against the stand-in for still imaging.
 #include "tests/support/allocation_failure.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/stand_in_folder.h"
@@ -251,7 +251,7 @@ TEST_F(NewStiDevice, WithAListedTwainSourceIsTaggedByItsKind)
     EXPECT_EQ(NextTag(), L"S|\"fine scan\"");
     Plug({"video C"});
     EXPECT_EQ(NextTag(), L"\"fine scan\"");
-    Plug({"0x00000002 D"}); // the low half is no type
+    Plug({"0x00000002 D"}); // the low half is not the type
     EXPECT_EQ(NextTag(), L"\"fine scan\"");
 }
 
@@ -278,7 +278,7 @@ TEST_F(NewStiDevice, MoreThanAListHoldsRaisesAndWhatIsKnownStays)
     Plug({"camera A"});
     ASSERT_TRUE(devices.OpenSti());
     const FAKE_IMPORT(LocalSize) size([](void*) -> SIZE_T {
-        return SIZE_T{1} << 40; // still imaging says so
+        return SIZE_T{1} << 40; // the size of still imaging's answer
     });
     constexpr std::size_t kMost = StiDeviceList::kMostRecords;
     std::vector<std::string> many(kMost + 1, "camera A");

@@ -1,4 +1,4 @@
-// A source manager that is none of ours: the one that the system has as twain_32.dll.
+// A source manager from elsewhere: the system's own twain_32.dll.
 #include "foundation/handles.h"
 #include "tests/system/imaging/leak_check.h"
 #include "trackers/still_image/twain_source.h"
@@ -19,8 +19,8 @@ std::filesystem::path SystemFolder()
     return folder;
 }
 
-/// Windows' folder of 64-bit data sources, with one that is listed. Wine's source manager looks for two
-/// names; the other one is a camera library of the host's, which takes memory at each look.
+/// Windows' folder of 64-bit data sources, with one source in it. Wine's source manager looks up two
+/// names. The other one is a camera library of the host, which allocates memory at each look-up.
 class RealSourceManager : public testing::Test
 {
 protected:

@@ -1,4 +1,4 @@
-// What is told of a new device, on each Windows.
+// The report of a new device, on each version of Windows.
 #include "kestraboot/device_connect.h"
 #include "tests/support/recorded_events.h"
 #include "tests/support/trace_recorder.h"

@@ -1,4 +1,5 @@
-// The stand-in for a source manager is as strict as it says: the tests of the session rest on that.
+// The stand-in for a source manager checks its caller strictly, because the tests of the session rely on
+// that.
 #include "tests/support/stand_in_folder.h"
 #include "trackers/still_image/twain_session.h"
 

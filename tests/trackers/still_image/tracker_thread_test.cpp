@@ -1,4 +1,4 @@
-// The thread from its start to WM_QUIT, fed with messages by the test.
+// The thread from its start to WM_QUIT. The test sends its messages.
 #include "tests/support/recorded_events.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/stand_in_folder.h"
@@ -53,7 +53,7 @@ protected:
           }),
           version([](OSVERSIONINFOW* record) -> BOOL {
               record->dwPlatformId = VER_PLATFORM_WIN32_NT;
-              record->dwMajorVersion = 5; // Windows 2000: TWAIN alone
+              record->dwMajorVersion = 5; // Windows 2000: TWAIN only
               record->dwMinorVersion = 0;
               return TRUE;
           })
@@ -67,7 +67,7 @@ protected:
 
     ~StiTrackerThreadTest() override { ::DestroyWindow(window); }
 
-    /// A change of the devices and a notification, whatever its event.
+    /// A change of the devices, and a notification with any event.
     void Change(const std::vector<std::string>& devices, WPARAM event = DBT_DEVNODES_CHANGED)
     {
         steps.emplace_back([this, devices, event](MSG& message) {
@@ -94,7 +94,7 @@ protected:
     std::vector<std::function<BOOL(MSG&)>> steps;
     std::size_t next = 0;
     std::vector<WPARAM> translated, dispatched;
-    std::vector<std::size_t> eventsBefore; ///< how many were reported before each message went on
+    std::vector<std::size_t> eventsBefore; ///< the number of reports before each message was dispatched
     HWND window = nullptr;
     std::wstring title, windowClass;
     DWORD style = 0;

@@ -1,4 +1,4 @@
-// How the source manager is opened, asked and closed, as the source manager sees it.
+// The session as the source manager sees it: the calls that open, query and close it.
 #include "kestraboot/version.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/stand_in_folder.h"
@@ -32,7 +32,7 @@ protected:
         standIns.StartLog("twain_calls.txt");
     }
 
-    /// Nothing of a session is left once it is over.
+    /// Nothing of a session is left after it.
     ~TwainSessionTest() override
     {
         EXPECT_EQ(::GetModuleHandleW(L"twain_32.dll"), nullptr);
@@ -92,7 +92,7 @@ TEST_F(TwainSessionTest, SaysWhoAsksInTheStandardsLayout)
                                  Field("Kestrafetch") + Field("Corvane Kestrafetch");
     ASSERT_EQ(Calls().size(), 3U);
     EXPECT_THAT(Calls()[0], EndsWith(" origin=00000000" + identity));
-    // With the Id that the source manager gave it.
+    // With the Id that the source manager assigned.
     EXPECT_THAT(Calls()[1], EndsWith(" origin=01000000" + identity));
     EXPECT_THAT(Calls()[2], EndsWith(" origin=01000000" + identity));
 }

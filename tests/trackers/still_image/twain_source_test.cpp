@@ -1,4 +1,4 @@
-// Which data source belongs to a device, and which names the source manager's list holds.
+// The data source that belongs to a device, and the names in the source manager's list.
 #include "tests/support/import_patch.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/stand_in_folder.h"
@@ -131,7 +131,7 @@ TEST_F(ListedTwainSource, BeyondAsciiIsWidenedFromTheAnsiCodePage)
 
 TEST_F(ListedTwainSource, OfThirtyFourBytesNeedsNoTerminator)
 {
-    const std::string full = "0123456789012345678901234567890123"; // all of the field
+    const std::string full = "0123456789012345678901234567890123"; // fills the field
     Install({"source " + full + "beyond", "source Fine"});
     EXPECT_TRUE(TwainSourceListed(std::wstring(full.begin(), full.end()).c_str()));
     EXPECT_FALSE(TwainSourceListed(std::wstring(full.begin(), full.end() - 1).c_str()));

@@ -17,9 +17,9 @@
 namespace kestraboot::tests
 {
 
-/// Everything that the road from a card to the host's callback needs: an installed application, a
-/// machine with a fixed disk C:, cards whose contents the test says, a callback that keeps what it gets,
-/// no time that passes.
+/// Everything between a card and the host's callback: an installed application, a machine with a fixed
+/// disk C:, cards whose contents the test sets, a callback that keeps its events, and a Sleep that does
+/// not wait.
 class CardScene
 {
 public:
@@ -36,10 +36,10 @@ public:
 
     [[nodiscard]] std::vector<Event> Events() const;
 
-    /// What the product would have slept, in milliseconds.
+    /// The lengths of the product's sleeps, in milliseconds.
     [[nodiscard]] std::vector<DWORD> Sleeps() const;
 
-    /// Called inside the host's callback, after the event was kept.
+    /// Called in the host's callback, after it has kept the event.
     std::function<void()> whileReporting;
 
     SteeredDrives machine;
@@ -61,7 +61,7 @@ private:
     FAKE_IMPORT(FindClose) closing;
 };
 
-/// The lines that a card with a picture, or one without, makes before the polling mode is looked at.
+/// The trace lines of a card with or without a picture, until the polling mode is checked.
 [[nodiscard]] std::vector<std::wstring> LinesOfACard(wchar_t letter, bool withPicture);
 
 inline const std::wstring kEnteringPolling =

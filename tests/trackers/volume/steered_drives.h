@@ -10,7 +10,7 @@
 namespace kestraboot::tests
 {
 
-/// The drives of the machine, as a test wants them. Where the tracker's thread runs, they are changed
+/// The drives of the machine, as the test sets them. While the tracker's thread runs, change them
 /// through Put and Remove.
 class SteeredDrives
 {
@@ -27,8 +27,8 @@ public:
     void Remove(wchar_t letter);
 
     std::map<wchar_t, Drive> drives;
-    std::vector<wchar_t> probed;   ///< every letter whose volume was asked
-    std::vector<UINT> modesAtWork; ///< the error mode at each question
+    std::vector<wchar_t> probed;   ///< every letter whose volume was queried
+    std::vector<UINT> modesAtWork; ///< the error mode at each query
 
 private:
     std::recursive_mutex mutex;

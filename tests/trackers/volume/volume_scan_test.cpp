@@ -20,7 +20,7 @@ class VolumeScanning : public testing::Test
 protected:
     VolumeScanning() { scene.trace.Clear(); }
 
-    /// What was traced since the last time.
+    /// The lines traced since the last call.
     std::vector<std::wstring> NewLines()
     {
         std::vector<std::wstring> lines = scene.trace.Lines();
@@ -157,7 +157,7 @@ TEST_F(VolumeScanning, TheHalfSecondBeginsWhenTheScanBeforeEnded)
         return now;
     });
     scene.whileReporting = [&] {
-        now += 3'000; // a host that takes its time
+        now += 3'000; // the host takes 3 seconds
     };
     scene.InsertCard(L'E');
     scan.Trigger();
@@ -166,7 +166,7 @@ TEST_F(VolumeScanning, TheHalfSecondBeginsWhenTheScanBeforeEnded)
 
 TEST_F(VolumeScanning, ATriggerFromInsideAReportIsAnsweredByOneMoreScanNotByANestedOne)
 {
-    // A fixed disk of the maker, so that no polling takes over the second scan.
+    // A fixed disk of the maker, so that polling does not take over the second scan.
     scene.machine.Put(L'K', {DRIVE_FIXED, true, L"kodak"});
     int depth = 0;
     scene.whileReporting = [&] {

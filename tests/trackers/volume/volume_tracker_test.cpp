@@ -1,4 +1,4 @@
-// The tracker's real thread, window and messages; the drives and the clock are the test's.
+// The tracker's real thread, window and messages. The test sets the drives and the clock.
 #include "trackers/volume/volume_tracker.h"
 
 #include "samples/simulators/cards/volume_message.h"
@@ -29,8 +29,8 @@ const std::wstring kDetected = L"<***DeviceConnect***><VolumeTracker><Volumes wi
 const std::wstring kArrived = L"<***DeviceConnect***><VolumeTracker><DEVICE ARRIVED>";
 const std::wstring kRemoved = L"<***DeviceConnect***><VolumeTracker><DEVICE REMOVED>";
 
-constexpr UINT kEndTracker = WM_APP + 1; // a message of the test's: its default procedure ends the loop
-constexpr UINT kGiveUp = 30'000;         // milliseconds until a test is lost
+constexpr UINT kEndTracker = WM_APP + 1; // the test's message, which ends the loop
+constexpr UINT kGiveUp = 30'000;         // milliseconds until a test fails
 
 class VolumeTracker : public testing::Test
 {
@@ -55,7 +55,7 @@ protected:
         Send(WM_NULL);
     }
 
-    /// Leaves the tracker's process-wide state as the next test expects it: not polling, only C: known.
+    /// Resets the tracker's process-wide state for the next test: not polling, only C: known.
     void End()
     {
         for (const wchar_t letter : {L'E', L'F', L'K'}) {
@@ -89,7 +89,7 @@ protected:
         return static_cast<LRESULT>(answer);
     }
 
-    /// Half a second passes: the tracker scans, and waits again.
+    /// Simulates half a second: the tracker scans, and waits again.
     void Tick()
     {
         ::SetEvent(tick);
@@ -97,11 +97,11 @@ protected:
         Send(WM_NULL); // answered only after the scan
     }
 
-    /// Posted messages are handled after sent ones: their effect is waited for.
+    /// Posted messages are handled after sent ones, so the test waits for their effect.
     template <typename Condition>
     void Until(Condition reached)
     {
-        using Clock = std::chrono::steady_clock; // the tracker's own may stand still
+        using Clock = std::chrono::steady_clock; // because the tracker's clock may be stopped
         for (const auto end = Clock::now() + std::chrono::milliseconds(kGiveUp); !reached();) {
             ASSERT_LT(Clock::now(), end);
             ::SwitchToThread();
@@ -120,11 +120,11 @@ protected:
     HWND window = nullptr;
     std::thread thread;
     DWORD result = 99;
-    std::atomic<DWORD> lastWait = 0; ///< as the tracker asked for it; a finite one ends with Tick alone
+    std::atomic<DWORD> lastWait = 0; ///< as the tracker requested it; only Tick ends a finite one
     std::atomic<DWORD> longestPoll = 0;
 
     std::atomic<int> failingWaits = 0;
-    std::atomic<bool> flooded = false; ///< the next posted message is there when one was handled
+    std::atomic<bool> flooded = false; ///< after each message the next posted one is ready
     std::atomic<std::size_t> reportedAtCreation =
         0; ///< when the window procedure is done with WM_NCCREATE
     HANDLE tick = ::CreateEventW(nullptr, FALSE, FALSE, nullptr);
@@ -204,7 +204,7 @@ TEST_F(VolumeTracker, LooksAgainFromTheFirstMessagesOfItsWindowOn)
     const FAKE_IMPORT(CreateWindowExW) create(
         [&](DWORD extended, const wchar_t* windowClass, const wchar_t* name, DWORD style, int x, int y,
             int width, int height, HWND parent, HMENU menu, HINSTANCE instance, void* data) -> HWND {
-            scene.InsertCard(L'E'); // after the first look
+            scene.InsertCard(L'E'); // after the first scan
             return create.CallOriginal(extended, windowClass, name, style, x, y, width, height, parent,
                                        menu, instance, data);
         });
@@ -291,7 +291,7 @@ TEST_F(VolumeTracker, WhilePollingACardIsFoundWithoutAnyMessage)
 TEST_F(VolumeTracker, WhilePollingTheWindowAnswersAtOnce)
 {
     scene.TakeCardOut(L'E');
-    Start(); // no tick: the tracker waits for its half second
+    Start(); // no tick, so the tracker waits for its half second
     for (int i = 0; i < 100; ++i) {
         Send(WM_NULL);
         Send(WM_DEVICECHANGE, DBT_DEVICEARRIVAL);
@@ -314,7 +314,7 @@ TEST_F(VolumeTracker, WhilePollingMessagesThatItNeverTakesDoNotStopIt)
 class VolumeTrackerByTheTestsClock : public VolumeTracker
 {
 protected:
-    ~VolumeTrackerByTheTestsClock() override { End(); } // while the clock is the test's
+    ~VolumeTrackerByTheTestsClock() override { End(); } // before the clock is restored
 
     std::atomic<ULONGLONG> now = 10'000;
     FAKE_IMPORT(GetTickCount64)
@@ -329,7 +329,7 @@ TEST_F(VolumeTrackerByTheTestsClock, WhilePollingAScanThatIsDueComesBeforeMoreMe
     Start();
     scene.InsertCard(L'E');
     now += 500;
-    Send(WM_NULL); // woken by this message, not by the time
+    Send(WM_NULL); // this message ends the wait, not the time
     UntilReported();
 }
 
@@ -377,7 +377,7 @@ TEST_F(VolumeTracker, GoesOnAfterAFailedMessage)
         EXPECT_EQ(last, static_cast<UINT>(WM_DEVICECHANGE));
         EXPECT_EQ(handle, window);
         if (failures-- > 0) {
-            *message = {window, WM_DEVICECHANGE, DBT_DEVICEARRIVAL, 0, 0, {}}; // not to be handled
+            *message = {window, WM_DEVICECHANGE, DBT_DEVICEARRIVAL, 0, 0, {}}; // must not be handled
             return -1;
         }
         return get.CallOriginal(message, handle, first, last);
@@ -395,7 +395,7 @@ TEST_F(VolumeTracker, AWaitThatFailsIsTriedAgainAfterAPause)
 {
     Start();
     failingWaits = 3;
-    Send(WM_NULL); // wakes it
+    Send(WM_NULL); // wakes the tracker
     Send(WM_NULL);
     while (failingWaits > 0) {
         Send(WM_NULL);
@@ -453,7 +453,8 @@ protected:
         return 0;
     }};
 
-    /// The window has no procedure of the tracker's, so the quit goes to its thread's queue by a hook.
+    /// The window does not have the tracker's procedure, so a hook puts the quit into its thread's
+    /// queue.
     void EndThroughQueue()
     {
         for (const wchar_t letter : {L'E', L'F', L'K'}) {
@@ -488,11 +489,11 @@ TEST_F(VolumeTrackerWithoutClass, FallsBackOnAStaticWindowAndLooksOnDeviceNodeCh
     Start(L"STATIC");
     scene.trace.Clear();
     scene.InsertCard(L'E');
-    ::PostMessageW(window, WM_DEVICECHANGE, 0, 0); // another change
+    ::PostMessageW(window, WM_DEVICECHANGE, 0, 0); // a change of another kind
     Until([this] {
         return retrieved == 1;
     });
-    Send(WM_DEVICECHANGE, DBT_DEVICEARRIVAL); // sent: nobody of ours sees it
+    Send(WM_DEVICECHANGE, DBT_DEVICEARRIVAL); // a sent message, which reaches no code of the tracker
     EXPECT_THAT(scene.Events(), IsEmpty());
     EXPECT_THAT(scene.trace.Lines(), IsEmpty());
     ::PostMessageW(window, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0);

@@ -1,4 +1,4 @@
-// What becomes of one connect event.
+// The handling of one connect event.
 #include "kestraboot/device_connect.h"
 #include "tests/support/allocation_failure.h"
 #include "tests/support/recorded_events.h"

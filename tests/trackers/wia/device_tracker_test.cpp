@@ -63,7 +63,7 @@ TEST(WiaDeviceTracker, AsksForTheDeviceManagerOfTheLocalServer)
     const FAKE_IMPORT(CoInitialize) enters([&](void* reserved) {
         EXPECT_EQ(service.createdContext, 0U) << "the apartment comes first";
         apartmentArgument = reserved;
-        return RPC_E_CHANGED_MODE; // not looked at
+        return RPC_E_CHANGED_MODE; // the tracker ignores this result
     });
     WIADeviceTracker tracker;
     EXPECT_TRUE(tracker.Initialize());

@@ -1,4 +1,4 @@
-// What a listed device is, whatever the service answers on the way.
+// The type of a listed device, for all answers of the service.
 #include "tests/trackers/wia/fake_wia.h"
 #include "trackers/wia/wia_device_tracker.h"
 
@@ -23,7 +23,8 @@ protected:
         EXPECT_TRUE(tracker.Initialize());
     }
 
-    /// Looks up and checks that every object handed out is back, the values freed before their storage.
+    /// Looks up the type, and checks that every object is released, and each value freed before its
+    /// storage.
     ImagingType LookUp(const wchar_t* id)
     {
         const int before = service.liveObjects;
@@ -122,7 +123,7 @@ TEST_F(WiaDeviceType, IsFoundPastDevicesThatCannotBeRead)
     noStorage.isNull = true;
     service.devices = {broken, silent, nameless, noStorage, WiaDevice(L"camera", 2)};
     EXPECT_EQ(LookUp(L"camera"), ImagingType::Camera);
-    EXPECT_EQ(freed.Calls(), 4 + 1); // what a device without a storage would have held is freed too
+    EXPECT_EQ(freed.Calls(), 4 + 1); // the value of a device without a storage is freed too
 }
 
 TEST_F(WiaDeviceType, IsFoundPastAnIdentifierThatIsNoText)

@@ -15,7 +15,7 @@ protected:
     virtual ~PlainUnknown() = default;
 };
 
-/// Counts references, and itself among the service's live objects.
+/// Counts its references, and counts itself among the service's live objects.
 template <typename Interface, typename Base>
 class Counted : public Base
 {
@@ -118,7 +118,7 @@ public:
     }
 
 private:
-    std::size_t next = service.devices.size(); ///< only a list that was reset stands at its start
+    std::size_t next = service.devices.size(); ///< only a list that was reset is at its start
 };
 
 class Registration final : public Counted<IUnknown, PlainUnknown>

@@ -1,4 +1,5 @@
-// A WIA service inside the test's own process: real COM objects, counted, whose answers a test sets.
+// A WIA service in the test's own process: real COM objects with counted references, whose answers a
+// test sets.
 #pragma once
 
 #include "foundation/com_pointer.h"
@@ -15,17 +16,17 @@ namespace kestraboot::tests
 {
 
 struct FakeWiaDevice {
-    PROPVARIANT id = {}; ///< read as it stands; a BSTR is copied for each reader
+    PROPVARIANT id = {}; ///< read unchanged; a BSTR is copied for each reader
     PROPVARIANT type = {};
-    HRESULT read = S_OK; ///< what ReadMultiple answers; the values are there whatever it says
-    bool isNull = false; ///< the enumerator hands out no storage
+    HRESULT read = S_OK; ///< the result of ReadMultiple, which writes the values in any case
+    bool isNull = false; ///< the enumerator returns no storage
 };
 
-/// A device as a healthy service lists it. `stiType`: 1 scanner, 2 camera, 3 video.
+/// A device in the list of a working service. `stiType`: 1 scanner, 2 camera, 3 video.
 [[nodiscard]] FakeWiaDevice WiaDevice(const wchar_t* id, unsigned stiType);
 
-/// Takes the place of the device manager for the module under test while it lives. At its end no object
-/// of it may be referenced any more (the test fails).
+/// Replaces the device manager for the module under test while the object lives. The test fails if an
+/// object of the service still has references at its end.
 class FakeWiaService
 {
 public:
@@ -35,13 +36,13 @@ public:
     ~FakeWiaService();
 
     std::vector<FakeWiaDevice> devices;
-    HRESULT create = S_OK;    ///< what CoCreateInstance answers; no device manager unless S_OK
-    HRESULT enumerate = S_OK; ///< what EnumDeviceInfo answers; no enumerator when it is a failure
-    HRESULT registers = S_OK; ///< what RegisterEventCallbackInterface answers; the same
-    HRESULT end = S_FALSE;    ///< what Next answers past the last device
-    bool endless = false;     ///< Next starts over instead
+    HRESULT create = S_OK;    ///< the result of CoCreateInstance; no device manager unless S_OK
+    HRESULT enumerate = S_OK; ///< the result of EnumDeviceInfo; a failure returns no enumerator
+    HRESULT registers = S_OK; ///< the result of RegisterEventCallbackInterface; likewise
+    HRESULT end = S_FALSE;    ///< the result of Next past the last device
+    bool endless = false;     ///< Next starts again instead
 
-    // What was asked.
+    // The queries that arrived.
     CLSID createdClass = {};
     IID createdInterface = {};
     DWORD createdContext = 0;
@@ -53,10 +54,9 @@ public:
     LONG registeredFlags = -1;
     bool registeredForOneDevice = false;
     GUID registeredEvent = {};
-    IWiaEventCallback* registeredCallback = nullptr; ///< one reference, as the real service holds it
+    IWiaEventCallback* registeredCallback = nullptr; ///< one reference, like the real service
 
-    /// "manager", "registration", "apartment", "enumerator", "storage": in the order in which they
-    /// went.
+    /// "manager", "registration", "apartment", "enumerator", "storage": in the order of their release.
     std::vector<std::string> released;
     int liveObjects = 0;
 

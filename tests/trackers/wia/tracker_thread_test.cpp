@@ -1,4 +1,4 @@
-// The thread from its start to the WM_QUIT that only a test posts.
+// The thread from its start to the WM_QUIT, which only a test posts.
 #include "tests/support/trace_recorder.h"
 #include "tests/trackers/wia/fake_wia.h"
 #include "trackers/wia/wia_tracker.h"
@@ -21,7 +21,7 @@ constexpr const wchar_t* kNotDetected =
 class WiaTrackerThreadTest : public testing::Test
 {
 protected:
-    /// Runs the thread's code on this one; its loop gets WM_QUIT first of all.
+    /// Runs the thread's code on the test's thread. Its loop gets WM_QUIT as the first message.
     DWORD RunUntilQuit()
     {
         ::PostQuitMessage(7);

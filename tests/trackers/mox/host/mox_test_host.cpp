@@ -1,10 +1,10 @@
-// A host process for the system tests: loads the shipped kestraboot.dll, starts the service, and tells
-// its parent what happens.
+// A host process for the system tests. It loads the shipped kestraboot.dll, starts the service, and
+// reports the events to its parent.
 //
-// Written to standard output, a line each: "trace TEXT", "sleep MILLISECONDS" (the library waits until
-// told to go on), "device KIND ID", and the answers. Read from standard input: "wake" ends one wait;
-// "loaded PATH" answers "loaded yes" or "loaded no"; "throw" makes the next report throw; "quit" ends
-// the process.
+// It writes to standard output, a line each: "trace TEXT", "sleep MILLISECONDS" (the library waits until
+// a command wakes it), "device KIND ID", and the answers. It reads from standard input: "wake" ends one
+// wait; "loaded PATH" answers "loaded yes" or "loaded no"; "throw" makes the next report throw; "quit"
+// makes the process exit.
 #include "kestraboot/device_connect.h"
 #include "tests/support/import_patch.h"
 
@@ -75,5 +75,5 @@ int main()
     for (std::string command; std::getline(std::cin, command) && command != "quit";) {
         Obey(command, wake);
     }
-    ::ExitProcess(0); // no destructor runs under the trackers' threads
+    ::ExitProcess(0); // so that no destructor runs while the trackers' threads run
 }

@@ -1,6 +1,6 @@
-// What the test plugin and the program that it is loaded into share. The program says how each copy of
-// the plugin behaves and is told of all that happens to it; a program without a stage gets plain
-// plugins.
+// The interface between the test plugin and the program that loads it. The program sets the behaviour of
+// each copy of the plugin and gets all its events. In a program without a stage the plugins behave
+// plainly.
 #pragma once
 
 #include "kestraboot/mox_plugin.h"
@@ -12,13 +12,13 @@
 namespace kestraboot::tests
 {
 
-/// What the host does with a plugin. The number is the position in the interface where there is one.
+/// The host's operations on a plugin. The number is the position in the interface, if it has one.
 enum class Operation {
     None,
     Main,            ///< FxPluginMain
     QueryDescriptor, ///< the first object is asked for interface 1
     QuerySource,     ///< the first object is asked for interface 13
-    QueryOther,      ///< anything is asked for anything else
+    QueryOther,      ///< any other query
     GetName,
     GetValue,
     GetIdentifier,
@@ -33,17 +33,17 @@ enum class Operation {
     Reserved, ///< an operation that the host never calls
 };
 
-/// How one copy of the plugin behaves.
+/// The behaviour of one copy of the plugin.
 struct Behaviour {
     Operation throws = Operation::None; ///< throws an exception of the plugin's own type
-    Operation fails = Operation::None;  ///< gives nothing: null, false, or kFailure
-    Operation silent = Operation::None; ///< answers success and writes nothing
-    /// Whether it gives nothing this time.
+    Operation fails = Operation::None;  ///< returns nothing: null, false, or kFailure
+    Operation silent = Operation::None; ///< returns success and writes nothing
+    /// Whether it returns nothing this time.
     std::function<bool(Operation)> failsNow = {};
     std::uint32_t category = 1;
     std::uint32_t value = 7;
-    std::wstring name = {}; ///< as it is written, whatever its length; empty: the file's name
-    bool nameWithoutTerminator = false;          ///< 260 characters and no zero after them
+    std::wstring name = {};             ///< written unchanged, at any length; empty: the file's name
+    bool nameWithoutTerminator = false; ///< 260 characters without a zero
     const mox::Identifier* identifier = nullptr; ///< null: made from the file's name
     /// Runs in the operation, on the host's thread.
     std::function<void(Operation)> during = {};
@@ -56,7 +56,7 @@ class PluginStage
 public:
     virtual Behaviour BehaviourOf(const std::wstring& plugin) = 0;
     virtual void Happened(const std::wstring& plugin, Operation operation) = 0;
-    /// A reference to an object of the plugin was added (1) or given back (-1).
+    /// A reference to an object of the plugin was added (1) or released (-1).
     virtual void CountReference(const std::wstring& plugin, int change) = 0;
     virtual void TakeEntry(const std::wstring& plugin, const mox::PluginDescriptor* entry) = 0;
 
@@ -64,7 +64,7 @@ protected:
     ~PluginStage() = default;
 };
 
-/// Under this name the program exports a function that answers its stage.
+/// The program exports the function that returns its stage under this name.
 inline constexpr const char* kStageFunction = "KestrabootPluginStage";
 using StageFunction = PluginStage* (*)();
 

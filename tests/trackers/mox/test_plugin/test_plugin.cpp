@@ -1,8 +1,8 @@
-// A plugin that behaves as the stage of its program says. Each copy of the file is a plugin of its own:
+// A plugin whose behaviour the stage of its program sets. Each copy of the file is a plugin of its own:
 // name and identifier come from the file's name.
 //
-// In a program without a stage the file's name says what little it does by itself:
-//   storm-...   8 threads tell of 100 devices each, at once, when the callback is registered
+// In a program without a stage the file's name selects the behaviour:
+//   storm-...   8 threads report 100 devices each, at the same time, when the callback is registered
 //   slow-...    registering takes 5 seconds
 //   refuses-... does not load at all
 //   sourceless-... has no source manager
@@ -27,7 +27,7 @@ namespace
 
 HMODULE thisModule = nullptr;
 
-/// An exception whose code lies in this library: it must be gone before the library is.
+/// An exception whose code is in this library. It must be destroyed before the library is unloaded.
 class PluginError
 {
 public:
@@ -61,7 +61,7 @@ public:
         behaviour.name = behaviour.name.empty() ? name : behaviour.name;
     }
 
-    /// Answers false when the operation is to give nothing.
+    /// Returns false if the operation is to return nothing.
     bool Enter(Operation operation) const
     {
         if (stage != nullptr) {
@@ -105,7 +105,7 @@ public:
     PluginStage* stage = nullptr;
 };
 
-/// Made with the first call, when the host has had its time to say how it behaves.
+/// Made in the first call, so that the host can set the behaviour before it.
 const Plugin& ThisPlugin()
 {
     static const Plugin plugin;
@@ -134,7 +134,7 @@ public:
 
 protected:
     Counted() { ThisPlugin().Count(1); }
-    virtual ~Counted() = default; // behind the operations of the interface
+    virtual ~Counted() = default; // follows the interface's operations in the table
 
 private:
     std::atomic<std::uint32_t> references = 1;
@@ -166,7 +166,7 @@ public:
         if (ThisPlugin().WritesNothingIn(Operation::GetCategory)) {
             return mox::kSuccess;
         }
-        *category = ThisPlugin().behaviour.category; // also when it fails: the host must not use it
+        *category = ThisPlugin().behaviour.category; // if it fails, the host must not use it
         return ThisPlugin().Enter(Operation::GetCategory) ? mox::kSuccess : mox::kFailure;
     }
     mox::Status Reserved5() override { return Reserved3(); }
@@ -255,7 +255,7 @@ public:
         }
         const std::wstring& text = ThisPlugin().behaviour.name;
         const std::size_t terminator = ThisPlugin().behaviour.nameWithoutTerminator ? 0 : 1;
-        std::wmemcpy(name, text.c_str(), text.size() + terminator); // what it was told to, however long
+        std::wmemcpy(name, text.c_str(), text.size() + terminator); // as long as the test set it
         return capacity == 260 ? mox::kSuccess : mox::kBadArgument;
     }
     mox::Status GetValue(std::uint32_t* value) override
@@ -312,7 +312,7 @@ BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID)
 mox::Status FxPluginMain(mox::IFxBase** object)
 {
     if (!ThisPlugin().Enter(Operation::Main)) {
-        return mox::kSuccess; // and no object
+        return mox::kSuccess; // without an object
     }
     *object = new Descriptor;
     return mox::kSuccess;
