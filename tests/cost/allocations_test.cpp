@@ -1,4 +1,4 @@
-// What each piece of work takes from operator new. The numbers stand in docs/speed.md too.
+// The number of allocations with operator new in each piece of work. docs/speed.md shows it too.
 #include "foundation/trace.h"
 #include "kestraboot/command_handler.h"
 #include "kestraboot/device_connect.h"
@@ -139,7 +139,7 @@ TEST(Allocations, OfAnApplicationLoadedAre16AtMost)
     const auto load = [&] {
         handler.LoadInformation();
     };
-    add(0, 65); // the list has room for 128 from here on
+    add(0, 65); // from here on the list has room for 128
     const long with65 = AllocationsOf(load);
     add(65, 97);
     EXPECT_LE(AllocationsOf(load) - with65, 32 * 16);

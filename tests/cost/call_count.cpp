@@ -12,19 +12,19 @@ namespace
 
 constexpr int kMostCalls = 4096;
 
-// Kept without taking memory: the calls come from the middle of the product.
+// The counters take no memory, because the calls come from inside the product.
 const char* calls[kMostCalls];
 int made = 0;
 DWORD countedThread = 0;
 
-/// GetCurrentThreadId without a call: every call of this program passes the gate.
+/// GetCurrentThreadId without a call, because every call of this program passes the gate.
 DWORD ThisThread() noexcept
 {
     constexpr unsigned long kThreadIdInTeb = 0x48;
     return __readgsdword(kThreadIdInTeb);
 }
 
-/// What the guarded heap of the hardened run calls; memory is counted elsewhere.
+/// The calls of the guarded heap of the hardened run. Another test counts the allocations.
 bool IsOfHeap(std::string_view function) noexcept
 {
     return function == "VirtualAlloc" || function == "VirtualFree" ||

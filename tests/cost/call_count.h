@@ -9,8 +9,8 @@ namespace kestraboot::tests
 
 using CallCounts = std::map<std::string, int>;
 
-/// How often `work` calls each function of Windows on this thread. The C runtime's functions, whose
-/// names begin with a small letter or an underscore, are not counted.
+/// The number of calls of each function of Windows that `work` makes on this thread. Functions of the C
+/// runtime do not count: their names begin with a small letter or an underscore.
 [[nodiscard]] CallCounts CallsOf(const std::function<void()>& work);
 
 } // namespace kestraboot::tests

@@ -1,5 +1,4 @@
-// The product makes the calls of Windows that its work consists of, and no other: those of the floors
-// that the benchmarks measure it against.
+// The product calls Windows only for its work: as often as the floors of the benchmarks.
 #include "bench/floors/applications.h"
 #include "bench/floors/drives.h"
 #include "bench/floors/road.h"
@@ -30,7 +29,7 @@ ExtensionSet Pictures()
     return ExtensionSet({{L"jpg", L"Image"}, {L"tif", L"Image"}});
 }
 
-/// A removable drive E: that holds what lies in a folder. No other drive exists.
+/// A removable drive E: with the contents of a folder. No other drive exists.
 class CardInDrive
 {
 public:
@@ -59,7 +58,7 @@ private:
     }};
 };
 
-/// A look asks for the time as well: from when the next one is due.
+/// Each scan also asks for the time, to set the time of the next one.
 CallCounts WithTheTrackersOwn(CallCounts look)
 {
     ++look["GetTickCount64"];
@@ -116,7 +115,7 @@ TEST(Calls, OfALookAtTheDrivesAreItsFloorsAndTheTime)
               WithTheTrackersOwn(floor));
 }
 
-/// Two applications, the first of which is the default one and this very program's.
+/// Two applications. The first one is the default application, and its proxy is this program.
 class CallsWithApplications : public testing::Test
 {
 protected:
@@ -181,8 +180,7 @@ TEST_F(CallsWithApplications, FromTheCardToTheApplicationAreTheRoadsOwn)
     CallCounts floor = WithTheTrackersOwn(CallsOf([&] {
         bench::TravelRoad(road);
     }));
-    floor["SetErrorMode"] +=
-        2; // the drive's file system is read in a scope of its own within the choice's
+    floor["SetErrorMode"] += 2; // reading the drive's file system opens a second scope
     EXPECT_EQ(library, floor);
     RegisterDeviceConnectCallback(nullptr);
 }

@@ -1,15 +1,15 @@
 #!/usr/bin/env python3
-"""Follows a guide word for word, in a folder that is empty but for the archive: writes the files that it shows, runs
-its commands in order, and looks for the output that it shows.
+"""Follows a guide word for word, in a folder with only the archive: writes the files that it shows, runs its
+commands in order, and checks the output that it shows.
 
     ```cpp file=NAME      a file
     ```sh                 commands; all blocks are one script, which stops at the first failure
-    ```sh prefix          the same, but that a Wine prefix is not made: it is a copy of the tests' own
+    ```sh prefix          the same, except that the Wine prefix is a copy of the tests' own
     ```text output        lines that the commands before print, in this order
-    any other block       for the reader alone
+    any other block       for the reader only
 
-The guides name the archive for msvcrt and its compiler. The archive that is given, and KESTRABOOT_COMPILER in the
-environment, take their places.
+The guides name the archive for msvcrt and its compiler. The archive of the arguments, and KESTRABOOT_COMPILER in the
+environment, replace them.
 
 usage: follow.py GUIDE PACKED WORK PRISTINE-PREFIX SECONDS     PACKED: the folder with the archive
 """
@@ -25,7 +25,7 @@ BLOCK = re.compile(r"^```(\w+)([^\n]*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 COMPILER = "x86_64-w64-mingw32-g++-posix"
 ARCHIVE = re.compile(r"kestraboot-\d+\.\d+\.\d+-win64")
 ENDED = "== end of block"
-# A wait without an end: of wine.sh, wine_await has one.
+# A wait without a time limit. wine_await of wine.sh has one.
 ENDLESS = re.compile(r"^\s*(until|while)\b", re.MULTILINE)
 
 
@@ -67,7 +67,7 @@ def main() -> int:
     (home / "guide.sh").write_text(script, encoding="utf-8")
 
     environment = os.environ | {"HOME": str(home), "CXXFLAGS": "-Wall -Wextra -Wpedantic -Werror"}
-    # Into a file: what Wine starts on the way inherits the output and would keep a pipe open.
+    # The output goes to a file, because processes that Wine starts inherit it and would keep a pipe open.
     with (home / "guide.out").open("wb") as out:
         running = subprocess.Popen(["bash", "guide.sh"], cwd=home, env=environment, stdin=subprocess.DEVNULL,
                                    stdout=out, stderr=subprocess.STDOUT, start_new_session=True)

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# What scripts/wine.sh does to the folders and the shell of whoever uses it: nothing that it did not make is removed,
-# nothing in the shell changes. Wine itself is not started: a stand-in says what it was called with.
+# Checks what scripts/wine.sh does to its user's folders and shell: it removes nothing that it did not make, and changes
+# nothing in the shell. Wine itself does not start: a stand-in records its arguments.
 #   wine_prefix.sh SOURCE-FOLDER WORK-FOLDER
 set -euo pipefail
 source=$1 work=$2
@@ -26,7 +26,7 @@ export -p >before
 export -p >after
 diff before after || fail "the variables of the shell have changed"
 
-# ---- A folder of somebody else's stays
+# ---- A folder of another owner stays
 mkdir theirs
 echo mail >theirs/user.reg
 for make in "wine_prefix_make theirs" "wine_prefix_copy bin theirs"; do
@@ -36,7 +36,7 @@ for make in "wine_prefix_make theirs" "wine_prefix_copy bin theirs"; do
 done
 [ ! -e calls ] || fail "Wine was started all the same"
 
-# ---- Its own folder is made anew, also after a run that was interrupted
+# ---- It makes its own folder again, also after a run that was interrupted
 mkdir empty
 for folder in fresh empty; do
     wine_prefix_make $folder || fail "no prefix in $folder"
@@ -48,7 +48,7 @@ done
 ! WINEBOOT_ENDS_WITH=1 wine_prefix_make broken || fail "a failed start of Wine is not seen"
 wine_prefix_make broken || fail "what an interrupted run left is in the way"
 
-# ---- On a bare system, too, files have names beyond ASCII; a locale that can name them stays the reader's
+# ---- On a bare system, too, files have names beyond ASCII; a locale that supports them stays the reader's
 for spoken in C POSIX C.UTF-8; do
     rm calls.locale
     LC_ALL=$spoken wine_in fresh wine program.exe || fail "no program in the locale $spoken"
@@ -61,7 +61,7 @@ touch copy/old
 wine_prefix_copy fresh copy || fail "no second copy"
 [ ! -e copy/old ] && [ -e copy/system.reg ] || fail "the second copy is not fresh"
 
-# ---- A wait has an end, and then shows what there is
+# ---- A wait has a time limit, and then shows the present state
 echo 'it began' >written
 wine_await 1 written began || fail "what is written is not seen"
 wine_await 1 written '' || fail "a file that is there is not seen"
@@ -75,7 +75,7 @@ for awaited in 'written never' 'missing never' 'missing'; do
     grep -q 'not within 1 s' said && grep -q 'nobody came' said || fail "it does not show what was written"
 done
 
-# ---- The tests' prefix that was made before there was a mark
+# ---- The tests' prefix that was made before the mark existed
 mkdir -p old.pristine old
 touch old.pristine/system.reg old/left
 "$source/scripts/test-prefix.sh" begin old || fail "a prefix without a mark beside its pristine one is refused"

@@ -1,5 +1,5 @@
-# Sourced by orders.sh: a machine of its own under Wine, the MSIs, and what is there after a step.
-# Uses $build, $source, $prefix (the pristine one) and $work.
+# Sourced by orders.sh: a machine of its own under Wine, the MSIs, and the checks after a step. It uses $build, $source,
+# $prefix (the pristine one) and $work.
 
 own=$work/wine
 bin=$work/bin
@@ -9,13 +9,14 @@ failed=0
 
 fail() { echo "failed: $*"; failed=$((failed + 1)); }
 
-# within SECONDS COMMAND ...: until the command succeeds.
+# within SECONDS COMMAND ...: repeats the command until it succeeds.
 within() { local end=$((SECONDS + $1)); shift; until "$@"; do [ $SECONDS -lt $end ] || return 1; sleep 0.1; done; }
 
 # make_msi NAME PRODUCT VERSION: $work/NAME.msi of the files of that version.
 make_msi() { "$source/samples/installer/make_msi.sh" "$source/samples/installer/$2.wxi" "$3" "$bin/$3" "$work/$1.msi"; }
 
-# A version later in the resources of the boot program and its library, and other bytes in the application.
+# In version 1.1 the resources of the boot program and its library have a higher version, and the application has other
+# bytes.
 make_files() {
     local file
     mkdir -p "$bin/1.0.0"
@@ -39,11 +40,11 @@ for name in "viewer.exe", "second.exe":
 PY
 }
 
-# has_row MSI TABLE TEXT: a row of a table, its cells with blanks between them.
+# has_row MSI TABLE TEXT: checks for a row of a table. Its cells have blanks between them.
 has_row() { msiinfo export "$work/$1.msi" "$2" | tr -d '\r' | tr '\t' ' ' | grep -qE -- "$3" || fail "$1: $2 has no row $3"; }
 
-# What Wine does not look at. Windows Installer keeps a file with a version where the package tells none, and hands
-# on no property that is not listed.
+# The table rows that Wine does not check. If the package states no version, Windows Installer keeps a file that has
+# one, and it passes on no property that is not listed.
 tables() {
     has_row "$1" File "^kestraboot.dll .* $2\.0 1033 "
     has_row "$1" File "^kestraboot.exe .* $2\.0 1033 "
@@ -54,7 +55,7 @@ tables() {
     has_row "$1" CustomAction '^HandOver 1042 '
 }
 
-# with_failure MSI RESULT SEQUENCE CONDITION: the same, but that there an action fails, as the script runs.
+# with_failure MSI RESULT SEQUENCE CONDITION: a copy of the MSI with an action that fails there, while the script runs.
 with_failure() {
     cp "$work/$1.msi" "$work/$2.msi"
     msibuild "$work/$2.msi" -q "INSERT INTO \`CustomAction\` (\`Action\`,\`Type\`,\`Source\`,\`Target\`) \
@@ -79,7 +80,7 @@ machine_begin() {
 
 machine_end() { wine_prefix_end "$own"; rm -rf "$own"; }
 
-# contents NAME: all files, and the registry but for the installer's own empty keys and what Wine counts in it.
+# contents NAME: all files, and the registry except for the installer's own empty keys and Wine's counters.
 contents() {
     wine_run "$own" 60 regedit /E "Z:${work//\//\\}\\registry.reg" >/dev/null
     iconv -f utf-16 -t utf-8 "$work/registry.reg" | tr -d '\r' | awk '
@@ -92,7 +93,7 @@ contents() {
         sort) >"$work/$1.files"
 }
 
-# ---- What is there
+# ---- The present state
 # boot_processes: the boot programs that run, each as "PROCESS LETTER-OF-PRODUCT".
 boot_processes() {
     local process line
@@ -107,7 +108,7 @@ boot_processes() {
 }
 boots() { boot_processes | awk '{ found = found $2 } END { print found == "" ? "-" : found }'; }
 
-# own_library: whether the boot program that runs has loaded the library of its own folder, and no other.
+# own_library: whether the boot program that runs has loaded only the library of its own folder.
 own_library() {
     local process letter folder
     while read -r process letter; do
@@ -125,7 +126,7 @@ auto_run() {
     esac
 }
 
-# versions: which version each product's files have, all of them, and "?" where they are mixed.
+# versions: the version of each product's files, or "?" if their versions differ.
 versions() {
     local letter folder program version found=
     for letter in A B; do
@@ -158,16 +159,16 @@ defaults() {
 
 picture_found() { grep -qs 'pictures: 1' "$reports"/*.txt; }
 
-# card: inserts a card and removes it again. The application that was started, and the mode. Closes its window, as its
-# user would: an open one keeps its files in use.
+# card: inserts a card and removes it again. Prints the started application and the mode. Closes the application's
+# window like a user, because an open one keeps its files in use.
 card() {
     local try started=- program=
     if [ -z "$(boot_processes)" ]; then
-        echo - # there is nobody to notice it
+        echo - # no boot program runs to detect it
         return
     fi
     rm -rf "$reports"
-    for try in 1 2 3; do # one that is in the reader when the trackers start is known to them, and not reported
+    for try in 1 2 3; do # the trackers do not report a card that is in the reader when they start
         wine_run "$own" 60 "$build/bin/card_reader.exe" insert E "$work/card" >/dev/null
         within 30 picture_found && break
         wine_run "$own" 60 "$build/bin/card_reader.exe" remove E >/dev/null
@@ -183,7 +184,7 @@ card() {
 }
 
 # ---- The installer
-# installer NAME ARGUMENT ...: msiexec, silently and with its log. Sets $answer to its exit code's last eight bits.
+# installer NAME ARGUMENT ...: msiexec, silently and with its log. Sets $answer to the last eight bits of its exit code.
 installer() {
     local name=$1
     shift
@@ -192,8 +193,8 @@ installer() {
     settle "$name"
 }
 
-# settle NAME: until the boot program that was started has control, and its trackers run. One that was started while
-# another is in control ends by itself.
+# settle NAME: waits until the started boot program has control and its trackers run. If another program is in control,
+# the started one exits.
 known_process= known_starts=0
 settle() { within 60 settled || fail "$1: $(boots) run, and $(starts) began to track, of which $known_starts before"; }
 starts() { grep -ac 'Volumes will be detected' "$work/trace.txt" || true; }

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Installs, upgrades, repairs and removes two products with Wine's msiexec, silently, and looks after each step: versions
-# of the files, boot program that runs, auto-run entry, defaults, and what a card starts. After the last removal
-# registry and files are those of before. Writes a table of all steps to table.md.
+# Installs, upgrades, repairs and removes two products with Wine's msiexec, silently. After each step it checks the
+# versions of the files, the boot program that runs, the auto-run entry, the defaults, and the application that a card
+# starts. After the last removal the registry and the files are the same as before. Writes a table of all steps to
+# table.md.
 #   orders.sh BUILD-FOLDER SOURCE-FOLDER WINE-PREFIX WORK-FOLDER ORDER ...
 # ORDER is the name of a function below, without "order_".
 set -euo pipefail
@@ -22,7 +23,7 @@ seen() {
     own_library || fail "$1: the boot program has not loaded its own library"
 }
 
-# step WHAT EXPECTED ANSWER ARGUMENT ...: one run of msiexec, and what is there then.
+# step WHAT EXPECTED ANSWER ARGUMENT ...: runs msiexec once, and checks the state after it.
 count=0
 step() {
     local what=$1 expected=$2 exit_code=$3
@@ -39,7 +40,7 @@ upgrade() { step "upgrade to ${1^}" "$2" 0 /i "$(msi "$1")" BOOTSTART=always; }
 repair() { step "repair ${1^}" "$2" 0 /i "$(msi "$1")" REINSTALL=ALL REINSTALLMODE=omus BOOTSTART=always; }
 remove() { step "remove ${1^}" "$2" 0 /x "$(msi "$1")"; }
 refused() { step "$1" "$2" 67 "${@:3}"; } # 1603
-log_on() { # WHAT EXPECTED: the auto-run entry's program is started, as at a log-on
+log_on() { # WHAT EXPECTED: starts the auto-run entry's program, as a log-on does
     local program
     program=$(wine_run "$own" 60 reg query 'HKLM\SOFTWARE\Microsoft\Windows\CurrentVersion\Run' \
         /v 'Corvane Kestrafetch' | tr -d '\r' | sed -n 's/.*REG_SZ *"\(.*\)"/\1/p')
@@ -51,7 +52,7 @@ log_on() { # WHAT EXPECTED: the auto-run entry's program is started, as at a log
 runs() { [ -n "$(boot_processes)" ]; }
 
 # ---- Both products, in every order that differs
-# The default and the boot program in control stay through both upgrades.
+# Both upgrades keep the default and the boot program in control.
 order_both_upgraded_first_removed_first() {
     install a1.0 'A1.0 / A / A / A / A direct' MAKEDEFAULT=yes
     install b1.0 'A1.0 B1.0 / A / B / A / A direct'
@@ -99,7 +100,7 @@ order_repaired() {
     repair a1.0 'A1.0 / A / A / A / A direct'
     remove a1.0 '- / - / - / - / -'
 }
-# Wine's programs have all rights that the account has, so the installer leaves the start to the log-on.
+# Wine's programs have all privileges of the account, so the installer leaves the start to the log-on.
 order_started_at_log_on() {
     step "install A1.0, elevated" 'A1.0 / - / A / - / -' 0 /i "$(msi a1.0)"
     grep -q 'not started: the next log-on starts it (BOOTSTART=user)' "$logs/$(printf '%02d' $count).log" ||
@@ -108,7 +109,7 @@ order_started_at_log_on() {
     remove a1.0 '- / - / - / - / -'
 }
 
-# What others laid into the product's folder stays: it is theirs.
+# Files of others in the product's folder stay, because the product does not own them.
 order_files_of_others() {
     local folder="$programs/Corvane Sample Viewer"
     install a1.0 'A1.0 / A / A / - / A direct'
@@ -126,7 +127,7 @@ order_files_of_others() {
 order_refused() {
     install a1.1 'A1.1 / A / A / - / A direct'
     refused "an older version, A1.0" 'A1.1 / A / A / - / A direct' /i "$(msi a1.0)"
-    cp "$work/b1.0.msi" "$work/limited.msi" # Wine grants every right, so a first action takes the answer away
+    cp "$work/b1.0.msi" "$work/limited.msi" # Wine grants every privilege, so a first action clears the property
     msibuild "$work/limited.msi" -q "INSERT INTO \`CustomAction\` (\`Action\`,\`Type\`,\`Source\`,\`Target\`) \
         VALUES ('Limit', 51, 'Privileged', '')"
     msibuild "$work/limited.msi" -q "INSERT INTO \`InstallExecuteSequence\` (\`Action\`,\`Condition\`,\`Sequence\`) \
@@ -144,12 +145,13 @@ order_failed_removal() {
     install b1.0 'B1.0 / B / B / - / B direct'
     with_failure a1.0 failing 2650 'REMOVE="ALL" AND FAILS'
     step "install A1.0" 'A1.0 B1.0 / B / A / - / A select' 0 /i "$(msi failing)"
-    # The card has made it B's boot program that starts at log-on.
+    # The card has made B's boot program the one that starts at log-on.
     step "remove A1.0, fails in the middle" 'A1.0 B1.0 / B / B / - / A select' 91 /x "$(msi failing)" FAILS=1
     remove b1.0 'A1.0 / A / A / - / A direct'
     step "remove A1.0" '- / - / - / - / -' 0 /x "$(msi failing)"
 }
-# Wine's rollback takes away what the newer version shares with the older, and keeps no copy of it. Windows Installer does.
+# Wine's rollback removes the files that the newer version shares with the older, and keeps no copy. Windows Installer
+# does.
 order_failed_upgrade() {
     install a1.0 'A1.0 / A / A / - / A direct'
     with_failure a1.1 failing 5900 ''
@@ -157,7 +159,8 @@ order_failed_upgrade() {
     repair a1.0 'A1.0 / A / A / - / A direct'
     remove a1.0 '- / - / - / - / -'
 }
-# A program that the installer does not know holds the library. The new boot program is not started with the old one.
+# A program that the installer does not know holds the library. The new boot program does not start with the old
+# library.
 order_in_use() {
     local folder="$programs/Corvane Sample Viewer"
     step "install A1.0" 'A1.0 / - / A / - / -' 0 /i "$(msi a1.0)" BOOTSTART=never # so that the other one has control

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Unpacks the archive that pack.sh made, and lets a maker who has nothing else build and run a host, an application
-# and a plugin: a card and a camera arrive, and the application is started for each. The host of the second round was
-# built without CMake, with the flags of pkg-config.
+# Unpacks the archive that pack.sh made, and builds and runs a host, an application and a plugin like a maker who has
+# nothing else. A card and a camera arrive, and the application starts for each. The host of the second round is built
+# without CMake, with the flags of pkg-config.
 #   check.sh BUILD-FOLDER SOURCE-FOLDER WINE-PREFIX [TOOL ...]
 set -euo pipefail
 build=$1 source=$2 prefix=$3
@@ -24,7 +24,7 @@ unpacked=$work/$(basename "${archives[0]}" .zip)
 "$source/scripts/checks/links.py" "$unpacked"
 "$source/scripts/checks/bill_of_materials.py" "$unpacked"
 
-# Every program says which build it is, as VERSION.txt does.
+# Every program reports the same build as VERSION.txt.
 version=$(sed '1s/^kestraboot //' "$unpacked/VERSION.txt")
 simulators=$unpacked/samples/simulators/bin
 
@@ -51,13 +51,13 @@ quietly pkg-config --print-errors --exact-version="${version%%$'\n'*}" kestraboo
 read -ra flags < <(pkg-config --cflags --libs kestraboot)
 quietly "$compiler" -std=c++17 "$work/integrator/host.cpp" "${flags[@]}" -o "$work/host.exe"
 
-# ---- Run where nothing else is
+# ---- The run, in a folder with nothing else
 own=$work/wine
 trap 'wine_prefix_end "$own"; rm -rf "$own"' EXIT
 wine_prefix_copy "$prefix.pristine" "$own"
 wine_prefix_start "$own"
 
-# The boot program of the archive, where it was unpacked: it does not act on this argument.
+# The boot program of the archive, in the unpacked folder. It refuses this argument with exit code 2.
 status=0
 wine_run "$own" 60 "$unpacked/bin/kestraboot.exe" /install || status=$?
 [ $status = 2 ] || { echo "kestraboot.exe /install answered $status"; exit 1; }
@@ -71,7 +71,7 @@ card=$work/card
 mkdir -p "$card/DCIM/100TEST"
 echo picture >"$card/DCIM/100TEST/IMG_0001.JPG"
 
-# within SECONDS COMMAND: until the command succeeds
+# within SECONDS COMMAND: repeats the command until it succeeds
 within() { local end=$((SECONDS + $1)); shift; until "$@"; do [ $SECONDS -lt $end ] || return 1; sleep 0.1; done; }
 says() { grep -qaF -- "$2" "$1" 2>/dev/null; }
 lines() { [ "$(wc -l 2>/dev/null <"$1")" = "$2" ]; }
@@ -81,7 +81,7 @@ for type in Debug Release; do
     quietly cmake --install "$work/integrator-build" --config $type --prefix "$work/$type"
     installed=$work/$type
     [ $type = Debug ] || cp "$work/host.exe" "$installed/"
-    # The plugins of other makers are loaded once the phone manager is there; the sample takes its place.
+    # The plugins of other makers are loaded only if the phone manager is there, so the sample takes its place.
     cp "$work/samples-build/mox_plugin/Release/sample_plugin.mox" "$installed/moxplugins/nokiamanager.mox"
     windows=Z:${installed//\//\\\\}
     cat >"$work/maker.reg" <<REG
@@ -104,7 +104,8 @@ REG
     wine_in "$own" timeout --kill-after=10 150 wine "$installed/host.exe" >"$said" 2>&1 </dev/null &
     host=$!
     within 60 says "$said" waiting || { echo "the host did not start:"; cat "$said"; exit 1; }
-    # What is in the reader when the tracker starts is known to it: a card that went in too early goes in again.
+    # The tracker does not report a card that is in the reader when it starts. A card that was inserted too early is
+    # inserted again.
     for try in 1 2 3 4 5; do
         wine_run "$own" 60 "$simulators/card_reader.exe" insert E "$card"
         within 10 says "$said" "arrived: volume E:" && break

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# A host with another runtime than the library's is refused by the headers, in a sentence that says why. The other
-# runtimes are stand-ins: a <cstddef> that looks like theirs. Where a compiler for the other C runtime is there, it is
-# asked as well.
+# The headers refuse a host with another runtime than the library's, in a sentence that says why. The other runtimes are
+# stand-ins: a <cstddef> that looks like theirs. If a compiler for the other C runtime is installed, it is tested as
+# well.
 #   refused.sh COMPILER SOURCE-FOLDER GENERATED-HEADERS WORK-FOLDER
 set -euo pipefail
 compiler=$1 source=$2 generated=$3 work=$4
 rm -rf "$work"
 
-# compiles [OPTION ...]: a host that includes everything
+# compiles [OPTION ...]: compiles a host that includes all headers
 compiles() {
     echo '#include <kestraboot/kestraboot.h>' |
         "$compiler" -std=c++17 -fsyntax-only "$@" -I"$source/include" -I"$generated" -x c++ - 2>"$work/said"
@@ -21,7 +21,7 @@ refused() {
     grep -q "error: .*kestraboot: .*$sentence" "$work/said" || { cat "$work/said"; echo "does not say: $sentence"; exit 1; }
     count=$((count + 1))
 }
-# looks_like NAME TEXT: a folder with such a <cstddef>
+# looks_like NAME TEXT: makes a folder with such a <cstddef>
 looks_like() {
     mkdir -p "$work/$1"
     printf '#include_next <cstddef>\n%s\n' "$2" >"$work/$1/cstddef"
@@ -47,7 +47,7 @@ refused "$for_the_ucrt" -I"$work/for-1" -isystem "$work/msvcrt"
 compiles -I"$work/for-0" -isystem "$work/msvcrt" || { cat "$work/said"; exit 1; }
 compiles -I"$work/for-1" -isystem "$work/ucrt" || { cat "$work/said"; exit 1; }
 
-# This build's own header, and a compiler of each kind that is there: the one that built it is.
+# This build's own header, and an installed compiler of each kind. The compiler of this build is one.
 with_own=0
 while read -r other links_ucrt sentence; do
     if command -v "$other" >/dev/null; then

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the product a second time, from a copy of the sources in a folder of another name, as another user where this
-# one may become one, and compares the archives of both builds byte by byte.
+# Builds the product a second time, from a copy of the sources in a folder with another name, as another user if this
+# user may become one. Compares the archives of both builds byte by byte.
 #   reproducible.sh BUILD-FOLDER SOURCE-FOLDER
 set -euo pipefail
 build=$1 source=$2
@@ -10,7 +10,7 @@ trap 'rm -rf "$work"' EXIT
 copy=$work/elsewhere
 quietly() { "$@" >"$work/log" 2>&1 </dev/null || { cat "$work/log"; echo "failed: $*"; exit 1; }; }
 
-# The sources as they are now, with the history that the commit is read from.
+# The current sources, with the history from which the commit is read.
 quietly git clone -q --shared --no-checkout "$source" "$copy"
 git -C "$copy" reset -q
 (cd "$source" && git ls-files -z --cached --others --exclude-standard --deduplicate |
@@ -18,7 +18,7 @@ git -C "$copy" reset -q
     tar -c --null --files-from=-) | tar -x -C "$copy"
 
 as_other=()
-if [ "$(id -u)" = 0 ]; then # of a group and with a mask of another kind too
+if [ "$(id -u)" = 0 ]; then # with another group and another umask too
     chmod 755 "$work"
     chown -R nobody:nogroup "$work"
     as_other=(setpriv --reuid=nobody --regid=nogroup --clear-groups env HOME="$work")

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# A command that signs the file whose path it gets, as KESTRABOOT_SIGN_COMMAND wants one: a Windows binary in place, by
-# Authenticode, and an archive by a detached signature beside it. SIGNING_FOLDER holds key.pem and certificate.pem.
+# A command that signs the file whose path it gets, in the form of KESTRABOOT_SIGN_COMMAND: a Windows binary in place,
+# by Authenticode, and an archive by a detached signature beside it. SIGNING_FOLDER holds key.pem and certificate.pem.
 set -euo pipefail
 key=$SIGNING_FOLDER/key.pem certificate=$SIGNING_FOLDER/certificate.pem
 case $1 in

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Packs a build with a command that signs, and verifies each signature: of our binaries, of the archives, and of none
-# that is not ours. A changed byte is seen.
+# Packs a build with a command that signs, and verifies each signature: our binaries and the archives have one, and the
+# binaries of others have none. The verification detects a changed byte.
 #   signing.sh BUILD-FOLDER SOURCE-FOLDER
 set -euo pipefail
 build=$1 source=$2
@@ -35,7 +35,7 @@ verify_binary() { osslsigncode verify -CAfile "$work/certificate.pem" -TSA-CAfil
 signed=0 left=0
 for binary in "$unpacked"/bin/* "$unpacked"/samples/simulators/bin/*; do
     case $(basename "$binary") in
-    lib*) # the runtime's, which is not ours to sign
+    lib*) # the runtime is not ours to sign
         ! verify_binary "$binary" >"$work/log" && grep -q "No signature found" "$work/log" || fail "$binary is signed"
         left=$((left + 1))
         ;;
@@ -54,6 +54,6 @@ open(sys.argv[2], "wb").write(content)
 PY
 ! verify_binary "$work/changed.dll" >/dev/null || fail "a changed library verifies"
 
-# The list of what is delivered is of the signed files.
+# The list of the delivered files describes the signed ones.
 "$source/scripts/checks/bill_of_materials.py" "$unpacked"
 echo "$signed binaries and $archives archives signed and verified"

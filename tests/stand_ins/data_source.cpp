@@ -1,6 +1,6 @@
-// kestraboot.ds: stands in for an installed TWAIN data source, for a source manager that is none of
-// ours. Put it into the folder "twain_64" of Windows' folder, under the name "sane.ds", for which Wine's
-// source manager looks. It tells its name, and is good for nothing else.
+// kestraboot.ds: stands in for an installed TWAIN data source, for the system's own source manager. Copy
+// it into the folder "twain_64" of Windows' folder, under the name "sane.ds", which Wine's source
+// manager looks up. It returns its name, and supports nothing else.
 #include "trackers/still_image/twain.h"
 
 #include <cstring>
@@ -20,7 +20,7 @@ extern "C" __declspec(dllexport) TW_UINT16 WINAPI
 TW_UINT16 WINAPI DS_Entry(TW_IDENTITY*, TW_UINT32 group, TW_UINT16 argumentType, TW_UINT16 message,
                           void* data)
 {
-    static bool told = false; // some source managers ask until there are no more
+    static bool told = false; // some source managers ask until no more come
     if (group != DG_CONTROL || argumentType != DAT_IDENTITY || message != MSG_GET || told) {
         return TWRC_FAILURE;
     }

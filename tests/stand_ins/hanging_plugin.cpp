@@ -1,5 +1,5 @@
-// hanging.mox: a library whose loading never ends, as from a drive that stopped answering. All that time
-// its thread holds what Windows' loader needs. It says that it is loaded: "<hanging.mox is loaded>".
+// hanging.mox: a library whose loading never ends, as from a drive that stopped answering. Its thread
+// holds Windows' loader lock all that time. It writes "<hanging.mox is loaded>" when it is loaded.
 #include <windows.h>
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID);

@@ -1,5 +1,6 @@
-// inherited.exe: an application, or a boot program, that writes down what it has of a console, in a file
-// beside it of its own name and ".txt", and writes "inherited" on whatever it was given to write on.
+// inherited.exe: an application, or a boot program, that writes a list of its console and handles to a
+// file beside it, with its own name and ".txt". It also writes "inherited" to each handle that it was
+// given.
 #include <windows.h>
 #include <io.h>
 
@@ -34,7 +35,7 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int)
     text += ::GetConsoleProcessList(processes, 1) != 0 ? "attached\n" : "not attached\n";
     constexpr DWORD kHandles[] = {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE};
     for (int number = 0; number < 3; ++number) {
-        // Windows' own, and the C runtime's.
+        // The handles of Windows, and those of the C runtime.
         for (const HANDLE handle :
              {::GetStdHandle(kHandles[number]), reinterpret_cast<HANDLE>(::_get_osfhandle(number))}) {
             DWORD written = 0;
@@ -43,7 +44,7 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int)
         }
         text += '\n';
     }
-    // In one move: whoever finds the file finds all of it.
+    // The file is renamed into place, so that a reader never finds a part of it.
     const std::wstring report = std::wstring(path) + L".txt";
     const std::wstring part = report + L".part";
     std::ofstream(part.c_str(), std::ios::binary) << text;

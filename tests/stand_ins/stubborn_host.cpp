@@ -1,5 +1,5 @@
-// stubborn_host.exe: a boot program that does not quit when it is asked to. With "-uninstall" it hands
-// over like any other; without arguments it owns a window of the known title, ignores every request, and
+// stubborn_host.exe: a boot program that ignores the request to quit. With "-uninstall" it hands over
+// like any other. Without arguments it owns a window with the known title, ignores every request, and
 // waits.
 #include "kestraboot/kestraboot.h"
 
@@ -38,5 +38,5 @@ int main()
     while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
         ::DispatchMessageW(&message);
     }
-    return 7; // it did quit
+    return 7; // it quit after all
 }

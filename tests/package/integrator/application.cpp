@@ -1,5 +1,4 @@
-// A maker's own compatible application, in little: adds the line by which it was started to
-// "started.txt" beside it.
+// A small compatible application of a maker. It adds its command line to "started.txt" beside it.
 #include <windows.h>
 
 #include <cwchar>

@@ -1,5 +1,5 @@
-// A maker's own boot program, in little: takes control, starts the default application for each arrival,
-// and says on standard output what it was told. It ends when both a card and a camera have come.
+// A small boot program of a maker. It takes control, starts the default application for each arrival,
+// and reports each arrival on standard output. It exits when both a card and a camera have arrived.
 #include <kestraboot/kestraboot.h>
 
 #include <windows.h>
@@ -11,7 +11,7 @@ namespace
 
 HANDLE bothCame = nullptr;
 
-/// On a tracker's thread, one call at a time.
+/// Runs on a tracker's thread, one call at a time.
 void OnArrival(std::wstring& deviceKind, std::wstring& deviceId)
 {
     CKestraBootCommandHandler handler;

@@ -1,4 +1,4 @@
-// A maker's own device plugin, in little: tells of one camera as soon as it has the callback.
+// A small device plugin of a maker. It reports one camera as soon as it has the callback.
 #include <kestraboot/mox_plugin.h>
 
 #include <windows.h>

@@ -1,6 +1,6 @@
-// Lets calls of a real boot program, and of the library in it, be seen, fail or hang, from before its
-// first line on: by KESTRABOOT_FAULTS, "MODULE!IMPORT=WHAT" once or more, with a blank between two. Each
-// such call writes the line "<calls IMPORT>" first. WHAT is one of these:
+// Makes calls of a real boot program and its library visible, or makes them fail or hang, from before
+// the program's first line on. KESTRABOOT_FAULTS selects them: "MODULE!IMPORT=WHAT" once or more, with a
+// blank between two. Each such call first writes the line "<calls IMPORT>". WHAT is one of these:
 //   tell       goes on
 //   hold       never returns
 //   fail       answers 0
@@ -34,8 +34,8 @@ std::array<Fault, kMostFaults> faults;
 
 using Word = std::uintptr_t;
 
-/// In the place of any function with up to twelve integer arguments: what is more than it has is read,
-/// from the caller's stack, and passed on unused.
+/// Replaces any function with up to twelve integer arguments. If the function has fewer, the others are
+/// read from the caller's stack and passed on unused.
 template <std::size_t Index>
 Word Call(Word a, Word b, Word c, Word d, Word e, Word f, Word g, Word h, Word i, Word j, Word k, Word l)
 {
@@ -64,7 +64,7 @@ constexpr std::array<decltype(&Call<0>), kMostFaults> Calls(std::index_sequence<
     return {&Call<Index>...};
 }
 
-/// Before the program's first line: while its libraries are initialised.
+/// Runs before the program's first line, while its libraries are initialised.
 struct AtLoad {
     AtLoad()
     {

@@ -1,5 +1,5 @@
-// A plugin that is one object with both interfaces, and keeps a std::thread in it. It says on the
-// debugger output when it is told to end. Built three times:
+// A plugin that is one object with both interfaces, and has a std::thread as a member. It writes a line
+// to the debugger output when the host asks it to end. It is built three times:
 //
 //   static_thread.mox   the object is static (STATIC_PLUGIN): wrong, its destructor runs in ExitProcess
 //   kept_thread.mox     the object is never destroyed
@@ -91,7 +91,7 @@ Player& player = *new Player;
 
 mox::Status FxPluginMain(mox::IFxBase** object)
 {
-    // The table of the second interface: either will do.
+    // The table of the second interface. Either one works.
     *object = static_cast<mox::ISourceManager*>(&player);
     return mox::kSuccess;
 }

@@ -1,4 +1,4 @@
 #pragma once
 
-/// What player_plugin.cpp is called. Linked into the plugin, or in a DLL that it needs.
+/// The name of player_plugin.cpp. It is linked into the plugin, or is in a DLL that the plugin needs.
 const wchar_t* PluginName();
