@@ -15,7 +15,7 @@ namespace
 
 TEST(TwainLookUps, LeaveNothingBehind)
 {
-    const int lookUps = StormSize(2'000, 10'000);
+    const int lookUps = StormSize(500, 10'000);
     const StandInFolder standIns;
     const std::wstring home = L"SYSTEM\\CurrentControlSet\\Control\\Class\\{Kestraboot-Leak-" +
                               std::to_wstring(::GetCurrentProcessId()) + L"}";
