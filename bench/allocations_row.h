@@ -5,7 +5,8 @@
 namespace kestraboot::bench
 {
 
-/// Counts what each piece of work takes from operator new; a line "allocations,WHAT,NUMBER" for each.
+/// Counts the allocations of each operation with operator new; prints "allocations,NAME,NUMBER" for
+/// each.
 void CountAllocations(const Request& request);
 
 } // namespace kestraboot::bench
