@@ -5,8 +5,7 @@
 namespace kestraboot::bench
 {
 
-/// Counts the allocations of each operation with operator new; prints "allocations,NAME,NUMBER" for
-/// each.
+/// Counts the calls of operator new for each operation; prints "allocations,NAME,NUMBER" for each.
 void CountAllocations(const Request& request);
 
 } // namespace kestraboot::bench

@@ -5,7 +5,6 @@ namespace kestraboot::bench
 {
 
 inline constexpr const wchar_t* kStartedEvent = L"KestrabootBenchStarted";
-inline constexpr const wchar_t* kRunningMutex =
-    L"KestrabootBenchRunning"; ///< exists until the program exits
+inline constexpr const wchar_t* kRunningMutex = L"KestrabootBenchRunning"; ///< until the program exits
 
 } // namespace kestraboot::bench

@@ -122,8 +122,8 @@ int main(int count, char** words)
             Print("without the library", 0);
         } else {
             for (int i = 0; i < 3; ++i) {
-                static_cast<void>(::CreateThread(nullptr, 0, IdleThread, nullptr, 0,
-                                                 nullptr)); // until the process exits
+                static_cast<void>(
+                    ::CreateThread(nullptr, 0, IdleThread, nullptr, 0, nullptr)); // until exit
                 ::WaitForSingleObject(paused, INFINITE);
             }
             Print("without the library but with three such threads", 0);
