@@ -13,7 +13,7 @@ function(kestraboot_add_debug_information target)
     endif()
 endfunction()
 
-# The same for a program or a DLL, which is split in two after each link. Call it where the target is created.
+# The same for a program or a DLL, which is split in two after each link. Call it in the folder of the target.
 function(kestraboot_keep_symbols target)
     if(NOT KESTRABOOT_SYMBOLS)
         return()

@@ -4,7 +4,7 @@ packages that they come from, with version, licence and the place of their sourc
 
     bill_of_materials.py FOLDER NAME VERSION COMMIT SECONDS-SINCE-1970 DLL ...
 
-FOLDER is the installation; DLL is where the build found each DLL of the runtime: Debian knows the package of that file.
+FOLDER is the installation; DLL is the build's path of each DLL of the runtime: Debian knows the package of that file.
 """
 import datetime
 import hashlib
@@ -19,12 +19,12 @@ root = pathlib.Path(folder)
 
 GCC_LICENCE = "GPL-3.0-or-later WITH GCC-exception-3.1"
 THREADS_LICENCE = "MIT AND BSD-3-Clause"
-RUNTIME = {  # DLL: what it is, its licence
+RUNTIME = {  # DLL: its description, its licence
     "libstdc++-6.dll": ("libstdc++", GCC_LICENCE),
     "libgcc_s_seh-1.dll": ("libgcc", GCC_LICENCE),
     "libwinpthread-1.dll": ("winpthreads", THREADS_LICENCE),
 }
-HEADERS = {  # of the libraries that are compiled into the tools: what it is, its licence
+HEADERS = {  # of the libraries that are compiled into the tools: the description, the licence
     "/usr/include/CLI/CLI.hpp": ("CLI11", "BSD-3-Clause"),
     "/usr/include/nlohmann/json.hpp": ("nlohmann-json", "MIT"),
 }

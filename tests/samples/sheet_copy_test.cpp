@@ -89,7 +89,7 @@ TEST_F(SheetCopy, SelectedCopiesThoseAlone)
     EXPECT_TRUE(std::filesystem::exists(target.Path() / L"made" / L"anew" / L"b.jpg"));
     EXPECT_TRUE(std::filesystem::exists(target.Path() / L"made" / L"anew" / L"d.jpg"));
 
-    ::SendMessageW(window, WM_COMMAND, MAKEWPARAM(ID_SELECT_ALL, 1), 0); // what Ctrl+A sends
+    ::SendMessageW(window, WM_COMMAND, MAKEWPARAM(ID_SELECT_ALL, 1), 0); // the command of Ctrl+A
     EXPECT_EQ(::SendMessageW(Item(IDC_PICTURES), LVM_GETSELECTEDCOUNT, 0, 0), 4);
 }
 

@@ -143,7 +143,7 @@ std::vector<CallGate::Slot> FindSlots(HMODULE module)
          ++dll) {
         const std::string_view library(At<char>(module, dll->Name));
         if (library.starts_with("lib") || library == "kestraboot.dll") {
-            continue; // the C++ runtime: what fails there is memory alone; the library has its own
+            continue; // the C++ runtime: only memory fails there; the library has its own
                       // scenes
         }
         const auto* names = At<IMAGE_THUNK_DATA64>(module, dll->OriginalFirstThunk);

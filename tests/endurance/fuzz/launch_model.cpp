@@ -37,7 +37,7 @@ bool SameWord(const std::wstring& left, const wchar_t* lower)
     return lowered == lower;
 }
 
-/// A file without a name is not asked for.
+/// A file without a name is not looked up.
 std::vector<tests::SpawnCall> StartOf(const std::wstring& path, const std::vector<std::wstring>& words)
 {
     if (path.empty()) {

@@ -29,14 +29,14 @@ public:
     Scene& operator=(const Scene&) = delete;
     virtual ~Scene() = default;
 
-    /// Called after all threads have ended. The error, or an empty text.
+    /// Called after all threads have exited. The error, or an empty text.
     [[nodiscard]] virtual std::string Check() = 0;
 };
 
 /// The result of all schedules.
 struct Outcome {
     long schedules = 0;
-    std::string failure;  ///< of the last schedule, empty where all went well
+    std::string failure;  ///< of the last schedule, empty after a success
     std::string schedule; ///< the operations until then, a line each with its thread
 
     [[nodiscard]] bool Holds(const std::string& text) const
