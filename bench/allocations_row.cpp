@@ -21,7 +21,7 @@ namespace
 
 using tests::AllocationsOf;
 
-/// `most` is the goal; empty where there is none.
+/// `most` is the goal; empty if the row has none.
 void Print(const char* what, double number, const char* most = "0")
 {
     std::printf("allocations,\"%s\",%g,%s\n", what, number, most);

@@ -5,7 +5,7 @@
 namespace kestraboot::bench
 {
 
-/// Counts what each piece of work takes from operator new; a line "allocations,WHAT,NUMBER" for each.
+/// Counts the calls of operator new for each operation; prints "allocations,NAME,NUMBER" for each.
 void CountAllocations(const Request& request);
 
 } // namespace kestraboot::bench

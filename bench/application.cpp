@@ -1,4 +1,4 @@
-// The application that the road ends with: says that it was started, and ends.
+// The application at the end of the road: signals its start, and exits.
 #include "bench/application.h"
 
 #include <windows.h>
@@ -6,7 +6,7 @@
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int)
 {
     using namespace kestraboot::bench;
-    static_cast<void>(::CreateMutexW(nullptr, FALSE, kRunningMutex)); // until the process ends
+    static_cast<void>(::CreateMutexW(nullptr, FALSE, kRunningMutex)); // until the process exits
     if (const HANDLE started = ::OpenEventW(EVENT_MODIFY_STATE, FALSE, kStartedEvent)) {
         ::SetEvent(started);
     }

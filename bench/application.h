@@ -1,10 +1,10 @@
-// How a started application tells that it runs.
+// The signal of a started application.
 #pragma once
 
 namespace kestraboot::bench
 {
 
 inline constexpr const wchar_t* kStartedEvent = L"KestrabootBenchStarted";
-inline constexpr const wchar_t* kRunningMutex = L"KestrabootBenchRunning"; ///< gone when the program is
+inline constexpr const wchar_t* kRunningMutex = L"KestrabootBenchRunning"; ///< until the program exits
 
 } // namespace kestraboot::bench

@@ -10,7 +10,7 @@ namespace kestraboot::bench
 namespace
 {
 
-/// The mount manager answers before the letter is there, or gone.
+/// The mount manager answers before the letter appears or disappears.
 void AwaitLetter(wchar_t letter, bool there)
 {
     const DWORD bit = DWORD{1} << (letter - L'A');

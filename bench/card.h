@@ -5,7 +5,7 @@
 namespace kestraboot::bench
 {
 
-/// A folder of the host system, in a drive of this prefix as a card is in a reader, while it lives.
+/// A folder of the host system, mounted as a drive of this prefix (a card in a reader) while this lives.
 class Card
 {
 public:

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Makes the folders that the rows take for cards; those that are there already stay.
+"""Creates the folders that the rows use as cards; existing ones are unchanged.
 
 usage: cards.py FOLDER KIND FILES     KIND: walk (no picture, depth 4) or search (one picture in DCIM/100TEST)
 """
@@ -11,9 +11,9 @@ FILES_IN_A_FOLDER = 100
 
 
 def folders(kind: str, count: int):
-    """Where the files lie, `FILES_IN_A_FOLDER` in each."""
+    """The folders of the files, with `FILES_IN_A_FOLDER` files in each."""
     for i in range(count):
-        if kind == "walk":  # the leaves of a tree of four levels, the root included
+        if kind == "walk":  # the leaves of a tree of four levels, including the root
             yield f"AREA{i % 10}/ROLL{i // 10 % 10}/PART{i // 100:03}"
         else:  # beside the pictures, on the levels that are listed before them
             yield f"MISC{i:03}" if i % 2 == 0 else f"PRIVATE/AREA{i:03}"

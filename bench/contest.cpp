@@ -12,7 +12,7 @@ namespace
 using Clock = std::chrono::steady_clock;
 using Nanoseconds = std::chrono::duration<double, std::nano>;
 
-/// How long a measurement takes at least, and of how many the shortest one counts.
+/// The shortest time of a measurement, and the number of measurements of which the shortest one counts.
 struct Sample {
     Nanoseconds length;
     int attempts;
@@ -35,7 +35,7 @@ Nanoseconds Take(const Side& side, long repetitions)
     return Clock::now() - start;
 }
 
-/// How often a side must work for one measurement. Also warms up what it uses.
+/// The number of repetitions of a side's work in one measurement. Also warms up the side.
 long Repetitions(const Side& side, Nanoseconds length)
 {
     long repetitions = 1;

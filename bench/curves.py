@@ -1,4 +1,4 @@
-"""Draws how the time grows with the work: one panel a kind of work, both axes in powers of ten."""
+"""Draws the time against the amount of work: one panel for each kind of work, both axes in powers of ten."""
 import statistics
 
 import matplotlib
@@ -34,6 +34,6 @@ def draw(rows, file):
         panel.set(title=title, xlabel=label, ylabel="milliseconds")
         panel.grid(color="#ddd")
         panel.legend(frameon=False)
-    # The same measurements give the same file: no date, and no random names in it.
+    # The same measurements give the same file, so it contains no date and no random names.
     with pyplot.rc_context({"svg.fonttype": "none", "svg.hashsalt": "speed"}):
         figure.savefig(file, metadata={"Date": None})

@@ -5,7 +5,7 @@
 namespace kestraboot::bench
 {
 
-/// Reports to the host's callback; the size is the number of threads that report.
+/// Reports to the host's callback; the size is the number of reporting threads.
 void CompeteInDispatch(const Request& request);
 
 } // namespace kestraboot::bench

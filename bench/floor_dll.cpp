@@ -1,9 +1,9 @@
-// A DLL that does at load time what the library must do then: one look at the drives.
+// A DLL that does the library's unavoidable work at load time: one scan of the drives.
 #include "bench/floors/drives.h"
 
 #include <windows.h>
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD, LPVOID); // no header has it
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD, LPVOID); // no header declares it
 
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID)
 {

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Writes the source that gives a DLL the imports of another, and its size.
+"""Writes the source of a DLL with the imports and the size of another DLL.
 
-usage: floor_dll.py OUTPUT DLL [UNPADDED]     UNPADDED: a DLL with the imports that is still too small
+usage: floor_dll.py OUTPUT DLL [UNPADDED]     UNPADDED: a DLL with those imports that is still too small
 """
 import pathlib
 import re

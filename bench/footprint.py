@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Says how large DLLs are, as lines of a table. Where a build keeps a DLL's symbols in a file of their own
-(cmake/Symbols.cmake), they are read from there.
+"""Prints the sizes of DLLs as lines of a table. If a build keeps a DLL's symbols in a separate file
+(cmake/Symbols.cmake), they are read from that file.
 
 usage: footprint.py NAME=DLL ...
 """

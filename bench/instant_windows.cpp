@@ -91,7 +91,7 @@ LONG WINAPI OpenKey(HKEY, const wchar_t* path, DWORD, REGSAM, HKEY* key) noexcep
 {
     constexpr std::size_t kRootPath = L"SOFTWARE\\Corvane"sv.size();
     constexpr std::size_t kProductPath = kRootPath + L"\\Product10000"sv.size();
-    // Looks no further than the first zero.
+    // Reads no further than the first zero.
     *key = path[kRootPath] == L'\0' ? kRoot : path[kProductPath] == L'\0' ? kProduct : kOther;
     return ERROR_SUCCESS;
 }
@@ -141,7 +141,7 @@ std::wstring_view TextOf(const wchar_t* value) noexcept
 
 LONG WINAPI ReadValue(HKEY, const wchar_t* value, DWORD*, DWORD*, BYTE* data, DWORD* size) noexcept
 {
-    if (value[2] == L't') { // AutoLaunchOnDeviceConnect: nobody has set it
+    if (value[2] == L't') { // AutoLaunchOnDeviceConnect: not set by any user
         return ERROR_FILE_NOT_FOUND;
     }
     if (value[2] == L'f') { // DefaultFlag

@@ -5,16 +5,16 @@
 namespace kestraboot::bench
 {
 
-/// While it lives, this program's calls of Windows for a card, for drives and for the registry are
-/// answered at once, from memory: what remains is the library's own time, and a few nanoseconds a call.
-/// Of Windows are left the locks, and operator new.
+/// While it lives, memory answers this program's calls of Windows for a card, for drives and for the
+/// registry at once. The remaining time is the library's own, and a few nanoseconds for each call. The
+/// locks and operator new are still those of Windows.
 class InstantWindows
 {
 public:
     static constexpr int kFiles =
         1000; ///< in the one folder of the card; none has an extension of media
     static constexpr int kApplications = 64; ///< each with its own product key, all texts and 16 formats
-    static constexpr int kDrives = 20;       ///< removable ones with a medium
+    static constexpr int kDrives = 20;       ///< removable ones, each with a medium
 
     InstantWindows();
 

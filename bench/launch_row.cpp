@@ -25,7 +25,7 @@ BOOL CALLBACK TellNoVersion(OSVERSIONINFOW* version) noexcept
     return TRUE;
 }
 
-/// The line alone, in one string.
+/// The command line alone, in one string.
 void Compose(const std::wstring& path, const std::wstring& mode, const std::wstring& type,
              const std::wstring& id)
 {

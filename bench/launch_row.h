@@ -5,7 +5,7 @@
 namespace kestraboot::bench
 {
 
-/// Composing the command line of an application; nothing is started, and the trace costs nothing.
+/// Composes the command line of an application; nothing is started, and the trace costs nothing.
 void CompeteInComposing(const Request& request);
 
 } // namespace kestraboot::bench

@@ -1,6 +1,6 @@
-// Loads and unloads the library in turn with a DLL of the same size and imports that does nothing but
-// look at the drives: bench_load ROW SIZE ROUNDS. The size says what else is loaded: "needs" for the
-// DLLs that both need, as in a host that has them; "alone" for none of them.
+// Loads and unloads the library in turn with a DLL of the same size and imports that only scans the
+// drives: bench_load ROW SIZE ROUNDS. The size names the other loaded DLLs: "needs" for the DLLs that
+// both need, as in a host that has loaded them; "alone" for none of them.
 #include "bench/contest.h"
 
 #include <windows.h>
@@ -36,7 +36,7 @@ int main(int count, char** words)
         if (std::string(words[2]) == "needs") {
             for (const wchar_t* const dll :
                  {L"advapi32.dll", L"ole32.dll", L"shell32.dll", L"shlwapi.dll", L"user32.dll"}) {
-                static_cast<void>(::LoadLibraryW(dll)); // until the process ends
+                static_cast<void>(::LoadLibraryW(dll)); // until the process exits
             }
         }
         Compete(words[1], words[2], std::stoi(words[3]),

@@ -1,7 +1,7 @@
-// The memory of a host while the service is idle: bench_memory ROW DAYS ROUNDS. A removable drive is
-// there and nothing happens, so the volume tracker looks at the drives twice a second. Its clock is made
-// to run as fast as it can look. Prints "memory,SIDE,DAY,BYTES": for this process before it has the
-// library, and with it after so many simulated days.
+// The memory of a host while the service is idle: bench_memory ROW DAYS ROUNDS. A removable drive
+// exists and nothing happens, so the volume tracker polls the drives every 500 ms. Its clock runs as
+// fast as it can poll. Prints "memory,SIDE,DAY,BYTES": once for this process before it loads the
+// library, and then with the library after each number of simulated days.
 #include "kestraboot/device_connect.h"
 #include "tests/support/import_patch.h"
 #include "tests/system/imaging/resource_use.h"
@@ -19,8 +19,8 @@ namespace
 
 constexpr ULONGLONG kDay = 24ULL * 60 * 60 * 1000; // milliseconds
 constexpr DWORD kRemovable = DWORD{1} << 4;
-/// Of so many looks one asks Windows; what it answers takes a hundred times as long as the rest of a
-/// look.
+/// One poll in this number calls Windows itself; the call takes a hundred times as long as the rest of
+/// a poll.
 constexpr long kRealLook = 1000;
 
 std::atomic<ULONGLONG> now = 1000;
@@ -40,7 +40,7 @@ void Print(const char* side, unsigned long long day)
                 tests::ResourceUseOf(::GetCurrentProcess()).privateBytes);
 }
 
-/// What Windows is made to answer to the library, until the process ends.
+/// The answers of Windows to the library, until the process exits.
 struct FastWorld {
     FAKE_IMPORT(GetVersionExW)
     version{[](OSVERSIONINFOW* record) -> BOOL {
@@ -90,7 +90,7 @@ struct FastWorld {
     }};
 };
 
-/// A thread that waits, with a window that nobody sees.
+/// A thread that waits, with a hidden window.
 DWORD WINAPI IdleThread(LPVOID) noexcept
 {
     static_cast<void>(::CreateWindowExW(0, L"STATIC", L"Idle", WS_POPUP, 20, 20, 200, 200, nullptr,
@@ -123,7 +123,7 @@ int main(int count, char** words)
         } else {
             for (int i = 0; i < 3; ++i) {
                 static_cast<void>(
-                    ::CreateThread(nullptr, 0, IdleThread, nullptr, 0, nullptr)); // until the end
+                    ::CreateThread(nullptr, 0, IdleThread, nullptr, 0, nullptr)); // until exit
                 ::WaitForSingleObject(paused, INFINITE);
             }
             Print("without the library but with three such threads", 0);
@@ -140,13 +140,13 @@ int main(int count, char** words)
             throw std::runtime_error("the library has no StartDeviceConnectService");
         }
         start();
-        ::WaitForSingleObject(paused, INFINITE); // the first look is over, the other trackers wait
+        ::WaitForSingleObject(paused, INFINITE); // the first poll is over, the other trackers wait
         Print("with the service", 0);
         for (const unsigned long long day : {1ULL, days / 2, days}) {
             RunUntil(day);
         }
         std::fflush(stdout);
-        ::ExitProcess(0); // under the trackers, as a host ends
+        ::ExitProcess(0); // under the trackers, as a host exits
     } catch (const std::exception& error) {
         std::fprintf(stderr, "bench_memory: %s\n", error.what());
         return 1;

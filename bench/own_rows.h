@@ -1,5 +1,5 @@
-// The library's own time: Windows' calls are answered at once (instant_windows.h), so that what is
-// measured depends neither on Wine nor on the disk.
+// The library's own time: memory answers the calls of Windows at once (instant_windows.h), so that the
+// result depends neither on Wine nor on the disk.
 #pragma once
 
 #include "bench/request.h"
@@ -7,13 +7,13 @@
 namespace kestraboot::bench
 {
 
-/// One file of a card's search that finds nothing, its trace line formatted.
+/// One file of a card's search without a result, including the formatting of its trace line.
 void MeasureOwnWalk(const Request& request);
 
-/// One application of a list that is loaded, and its product's key; it has 16 formats.
+/// One application of a loaded list, and its product's key; it has 16 formats.
 void MeasureOwnLoading(const Request& request);
 
-/// One look at 20 drives at which nothing has changed.
+/// One poll of 20 unchanged drives.
 void MeasureOwnPoll(const Request& request);
 
 } // namespace kestraboot::bench

@@ -5,7 +5,7 @@
 namespace kestraboot::bench
 {
 
-/// A look of the volume tracker that finds nothing new; the size is the number of removable drives.
+/// A poll of the volume tracker that detects nothing new; the size is the number of removable drives.
 void CompeteInPolling(const Request& request);
 
 } // namespace kestraboot::bench

@@ -5,7 +5,7 @@
 namespace kestraboot::bench
 {
 
-/// Loading the list of applications; the size is their number, "+", and that of other keys.
+/// Loads the list of applications; the size is their number, "+", and the number of other keys.
 void CompeteInLoading(const Request& request);
 
 } // namespace kestraboot::bench

@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
-"""Makes one table and one picture of what was measured.
+"""Makes one table and one picture of the measurements.
 
 usage: report.py [--record] FOLDER     FOLDER/rows/*.csv -> table on standard output, FOLDER/table.md,
                                        FOLDER/rows.csv; with --record also docs/speed.md and docs/speed.svg,
                                        which needs matplotlib
-       report.py --sources             what is measured: the last commit that changed more than documents, and a
-                                       hash of what was changed since
+       report.py --sources             prints the identity of the sources: the last commit that changed more than
+                                       documents, and a hash of the changes since
 
-Rows that were measured from other sources are left out, and named on standard error; then nothing is recorded. Ends
-with 1 where a row misses its goal.
+Rows that were measured from other sources are left out and named on standard error; in that case nothing is recorded.
+Exits with 1 if a row misses its goal.
 """
 import csv
 import functools
@@ -81,7 +81,7 @@ def sources() -> str:
 
 
 def read(folder: pathlib.Path) -> tuple[dict[tuple[str, str], Row], list[list[str]], list[str]]:
-    """The rows, what was counted, and the names of what was measured from other sources."""
+    """The rows, the counts, and the names of the measurements from other sources."""
     rows: dict[tuple[str, str], Row] = {}
     counted, left_out = [], []
     wanted = ["sources", sources()]
@@ -146,7 +146,7 @@ def times(rows) -> list[str]:
 
 
 def growth(rows) -> list[str]:
-    """Ten times the work, how many times the time."""
+    """The growth of the time when the work grows tenfold."""
     lines = []
     for row in in_order(rows):
         smaller = re.sub(r"^(\d+)0(?=\+|$)", r"\1", row.size)

@@ -6,12 +6,12 @@
 namespace kestraboot::bench
 {
 
-/// What the command line asks of one row.
+/// One row's part of the command line.
 struct Request {
     std::string row;
-    std::string size; ///< as the row reads it
+    std::string size; ///< in the row's own notation
     int rounds = 15;
-    std::string card; ///< the Unix folder that is the card; for rows that need one
+    std::string card; ///< the Unix folder of the card; for rows that need one
 
     [[nodiscard]] int Number() const { return std::stoi(size); }
 };

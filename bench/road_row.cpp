@@ -21,7 +21,7 @@ namespace
 
 int launches = 0;
 
-/// What a boot program does with an arrival.
+/// The boot program's reaction to an arrival.
 void LaunchForDevice(std::wstring& kind, std::wstring& deviceId)
 {
     CKestraBootCommandHandler handler;
@@ -57,7 +57,7 @@ void CompeteOnRoadUntil(const Request& request, void (*applicationRuns)())
     const auto putCardInAgain = [&] {
         AwaitEndOfApplication();
         card.TakeOut();
-        scan.Scan(); // the tracker sees that it is gone
+        scan.Scan(); // the tracker detects the removal
         card.Insert();
     };
     Compete(request.row, request.size, request.rounds,

@@ -5,10 +5,10 @@
 namespace kestraboot::bench
 {
 
-/// From the look that finds a card to the application that runs, with a real start.
+/// From the scan that detects a card to the running application, with a real start.
 void CompeteOnRoad(const Request& request);
 
-/// The same where the start itself takes no time.
+/// The same with a start that takes no time.
 void CompeteOnRoadWithoutStart(const Request& request);
 
 } // namespace kestraboot::bench

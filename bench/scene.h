@@ -7,12 +7,12 @@ namespace kestraboot::bench
 {
 
 /// A registry of this process's own with applications as their installers leave them, in its steady
-/// state: the user's preference keys are there. The first application is a default one, started from
+/// state: the user's preference keys exist. The first application is a default one, started from
 /// `commandPath`, with this program as its proxy.
 class Scene
 {
 public:
-    /// `otherKeys` below the same root belong to nobody.
+    /// Adds `otherKeys` keys below the same root that belong to no application.
     Scene(int applications, int otherKeys, const std::wstring& commandPath);
 
     [[nodiscard]] const std::wstring& FirstKey() const noexcept { return firstKey; }
@@ -24,7 +24,7 @@ private:
     std::wstring proxyPath;
 };
 
-/// A program beside this one.
+/// The path of a program beside this one.
 [[nodiscard]] std::wstring BesideThisProgram(const wchar_t* name);
 
 } // namespace kestraboot::bench

@@ -1,8 +1,8 @@
-// What a reader of the debug output costs the programs that write lines. bench/trace_price.py runs it.
+// The cost of a debug-output reader for the programs that write lines. bench/trace_price.py runs it.
 //
-//   bench_trace floor        the least that a reader can do: copies a line, signals, drops it; without
-//   end bench_trace write LINES  writes the lines of a card's search once there is a reader; prints the
-//   milliseconds
+//   bench_trace floor        the least work of a reader, without end: copies a line, signals, drops it
+//   bench_trace write LINES  waits for a reader, writes the lines of a card's search, and prints the
+//                            milliseconds
 #include <windows.h>
 #include <chrono>
 #include <cstdio>

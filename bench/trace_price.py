@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""What kestratrace costs the programs that write debug lines, against the least that a reader can do. One round runs
-each reader once, one after the other; the ratio is that of a round. On a machine that does other things too, run it
-with `chrt -f 10`: most of what a line takes is the wake-ups between three processes.
+"""The cost of kestratrace for the programs that write debug lines, compared with the least possible reader. One round
+runs both readers, one after the other; the ratio is that of a round. If the machine is busy with other work, run the
+script with `chrt -f 10`: most of a line's time is the wake-ups between three processes.
 
 usage: trace_price.py [LINES [ROUNDS]]     after: cmake --build --preset release --target bench_trace kestratrace
 """

@@ -7,16 +7,16 @@
 namespace kestraboot::bench
 {
 
-/// What an application for pictures and films registers.
+/// The formats of an application for pictures and films.
 [[nodiscard]] ExtensionSet MediaExtensions();
 
 /// No file matches; every entry is traced.
 void CompeteInWalk(const Request& request);
 
-/// The same where the trace costs nothing but its text.
+/// The same with a trace that costs only the formatting of its text.
 void CompeteInQuietWalk(const Request& request);
 
-/// The first picture lies in DCIM\100TEST.
+/// The first picture is in DCIM\100TEST.
 void CompeteInSearch(const Request& request);
 
 } // namespace kestraboot::bench

@@ -1,5 +1,5 @@
-# What `cmake --install` lays out, and what `cpack` puts into an archive: bin/ to run, include/ and lib/ to build
-# a host or a plugin against, samples/ and docs/ to read. tests/package compares it with its list.
+# The layout of `cmake --install` and of the archives of `cpack`: bin/ to run, include/ and lib/ to build a host or a
+# plugin against, samples/ and docs/ to read. tests/package compares it with its list.
 include(CMakePackageConfigHelpers)
 
 # ---- Programs and the library
@@ -13,7 +13,7 @@ if(TARGET kestractl)
 endif()
 install(TARGETS ${KESTRABOOT_TOOLS} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-# The runtime that the library and its host share. Stripped where the rest is: it is ten times the size else.
+# The runtime that the library and its host share. It is stripped with the rest, because it is ten times the size else.
 install(FILES ${KESTRABOOT_RUNTIME_DLLS} DESTINATION ${CMAKE_INSTALL_BINDIR})
 set(KESTRABOOT_RUNTIME_NAMES)
 foreach(dll IN LISTS KESTRABOOT_RUNTIME_DLLS)
@@ -34,7 +34,7 @@ install(DIRECTORY include/kestraboot ${KESTRABOOT_GENERATED}/include/kestraboot
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/kestraboot)
 install(EXPORT kestrabootTargets NAMESPACE kestraboot:: DESTINATION ${package_folder})
-# The variable of CMake that is true for the compilers whose hosts understand this library.
+# The CMake variable that is true for the compilers whose hosts can use this library.
 if(MSVC)
     set(KESTRABOOT_COMPILER_FAMILY MSVC)
 else()
@@ -46,12 +46,12 @@ foreach(name IN ITEMS kestrabootConfig kestrabootHostRuntime)
         PATH_VARS CMAKE_INSTALL_BINDIR)
     install(FILES ${PROJECT_BINARY_DIR}/${name}.cmake DESTINATION ${package_folder})
 endforeach()
-# Strings and vectors cross the boundary: only a compatible library will do.
+# Strings and vectors cross the boundary, so only a compatible library will do.
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/kestrabootConfigVersion.cmake
     COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/kestrabootConfigVersion.cmake DESTINATION ${package_folder})
 
-# For whoever has no tool chain file yet, and for whoever does not use CMake.
+# For anybody without a tool chain file, and for anybody who does not use CMake.
 if(MINGW)
     string(REPLACE "g++" "gcc" package_c_compiler ${KESTRABOOT_RUNTIME_FINDER})
     string(REGEX REPLACE "-g\\+\\+.*$" "-windres" package_rc_compiler ${KESTRABOOT_RUNTIME_FINDER})
@@ -65,12 +65,12 @@ endif()
 install(DIRECTORY samples/ DESTINATION samples
     PATTERN *.sh PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 install(DIRECTORY boot DESTINATION samples)
-install(FILES scripts/wine.sh DESTINATION samples) # the guides run what they build with it
+install(FILES scripts/wine.sh DESTINATION samples) # the guides run their programs with it
 install(TARGETS viewer sample_plugin boot_actions
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     LIBRARY DESTINATION ${CMAKE_INSTALL_BINDIR})
-# What stands for devices, built and as sources, with the two headers of the library that it shares. Not in bin/: a
-# program that lies beside them loads sti.dll and twain_32.dll in the place of Windows' own.
+# The simulated devices, built and as sources, with the two headers of the library that they share. They are not in
+# bin/, because a program beside them would load sti.dll and twain_32.dll instead of Windows' own.
 install(TARGETS ${KESTRABOOT_SIMULATORS}
     RUNTIME DESTINATION samples/simulators/bin
     LIBRARY DESTINATION samples/simulators/bin)
@@ -85,7 +85,7 @@ if(KESTRABOOT_REFERENCE)
     install(DIRECTORY ${KESTRABOOT_REFERENCE} DESTINATION .)
 endif()
 install(FILES ${KESTRABOOT_VERSION_PAGE} DESTINATION .)
-# On what terms the runtime, and what is compiled into the tools, may be passed on. Debian keeps the texts with the
+# The licences of the runtime and of the libraries that are compiled into the tools. Debian keeps the texts with the
 # packages they come from.
 function(kestraboot_install_terms name package)
     set(text /usr/share/doc/${package}/copyright)
@@ -109,7 +109,7 @@ if(KESTRABOOT_REFERENCE) # the scripts and pictures in it
     kestraboot_install_terms(doxygen.txt doxygen)
 endif()
 
-# ---- Signatures and the list of what is delivered, once every file is in its place
+# ---- Signatures and the bill of materials, when every file is in its place
 set(KESTRABOOT_SIGN_COMMAND "" CACHE STRING
     "A command that signs the file whose path it gets: each of our binaries in place, each archive beside it. \
 The environment variable of the same name goes before it")
@@ -122,7 +122,7 @@ list(JOIN KESTRABOOT_RUNTIME_DLLS " " KESTRABOOT_RUNTIME_DLLS_TO_LIST)
 configure_file(cmake/finish_install.cmake.in ${KESTRABOOT_GENERATED}/finish_install.cmake @ONLY)
 install(CODE "include(\"${KESTRABOOT_GENERATED}/finish_install.cmake\")")
 
-# ---- The debug information of our binaries, in an archive of its own; an installation leaves it out
+# ---- The debug information of our binaries, in a separate archive; an installation leaves it out
 if(KESTRABOOT_SYMBOLS)
     install(DIRECTORY ${KESTRABOOT_SYMBOLS_FOLDER}/ DESTINATION . COMPONENT symbols EXCLUDE_FROM_ALL)
     install(FILES ${KESTRABOOT_VERSION_PAGE} DESTINATION . COMPONENT symbols EXCLUDE_FROM_ALL)
@@ -135,7 +135,7 @@ set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_CHECKSUM SHA256)
 set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENT_INCLUDE_TOPLEVEL_DIRECTORY ON)
-set(CPACK_COMPONENTS_GROUPING IGNORE) # an archive for each
+set(CPACK_COMPONENTS_GROUPING IGNORE) # one archive for each component
 set(CPACK_COMPONENTS_ALL Unspecified)
 set(CPACK_ARCHIVE_UNSPECIFIED_FILE_NAME ${CPACK_PACKAGE_FILE_NAME})
 if(KESTRABOOT_SYMBOLS)

@@ -1,4 +1,4 @@
-# The reference of the exported interface, which the package brings along. scripts/checks/reference.py checks it.
+# The reference of the exported interface, a part of the package. scripts/checks/reference.py checks it.
 find_program(KESTRABOOT_DOXYGEN doxygen)
 if(NOT KESTRABOOT_DOXYGEN)
     message(STATUS "There is no doxygen: the package will have no reference of the interface")

@@ -1,10 +1,10 @@
-# Library and host share one C++ runtime as DLLs, since strings and exceptions cross the boundary between
-# them. The three DLLs lie beside the compiler; they are copied beside the programs and installed with them.
+# The library and its host share one C++ runtime as DLLs, because strings and exceptions cross the boundary between
+# them. The three DLLs are in the compiler's folders; they are copied beside the programs and installed with them.
 set(KESTRABOOT_RUNTIME_DLLS)
 if(MINGW)
     set(names libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
     foreach(name IN LISTS names)
-        # The path of a file that the linker would find, or the bare name.
+        # Returns the path of a file that the linker would find, or the bare name.
         execute_process(COMMAND ${KESTRABOOT_RUNTIME_FINDER} -print-file-name=${name}
             OUTPUT_VARIABLE found OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
         if(NOT IS_ABSOLUTE ${found})
@@ -15,8 +15,8 @@ if(MINGW)
     file(COPY ${KESTRABOOT_RUNTIME_DLLS} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
 endif()
 
-# Which runtime that is: the C runtime below it, and the release of libstdc++ with its day. A host needs the same C
-# runtime, and the newer libstdc++ of the two. By c_runtime.h the headers refuse a host of the other C runtime.
+# The identity of that runtime: the C runtime below it, and the release of libstdc++ with its date. A host needs the
+# same C runtime, and the newer libstdc++ of the two. By c_runtime.h the headers refuse a host of the other C runtime.
 set(KESTRABOOT_UCRT 1) # Visual C++ has no other
 if(MINGW)
     set(probe ${PROJECT_BINARY_DIR}/generated/runtime.cpp)

@@ -1,19 +1,19 @@
-# Keeps the debug information of what is shipped. Each binary is stripped as soon as it is linked, so that the tests
+# Keeps the debug information of the shipped binaries. Each binary is stripped right after linking, so that the tests
 # run what users get; its debug information goes to symbols/NAME.debug in the build folder. Both hold the same build
 # identifier, a hash of the contents, and the binary names the file (.gnu_debuglink), so that a debugger pairs them.
 option(KESTRABOOT_SYMBOLS "Keep the debug information of what is shipped in files of its own" OFF)
 set(KESTRABOOT_SYMBOLS_FOLDER ${PROJECT_BINARY_DIR}/symbols)
 
-# Compiles a target of the product with debug information, for whoever links it.
+# Compiles a target of the product with debug information for the binaries that link it.
 function(kestraboot_add_debug_information target)
     if(KESTRABOOT_SYMBOLS)
-        # Paths as in a folder of no name, so that the same sources give the same bytes wherever they are built.
+        # Paths relative to a nameless folder, so that the same sources give the same bytes in every folder.
         target_compile_options(${target} PRIVATE -g
             -ffile-prefix-map=${kestraboot_BINARY_DIR}=build -ffile-prefix-map=${kestraboot_SOURCE_DIR}=.)
     endif()
 endfunction()
 
-# The same for a program or a DLL, which is split in two after each link. To be called where the target is made.
+# The same for a program or a DLL, which is split in two after each link. Call it in the folder of the target.
 function(kestraboot_keep_symbols target)
     if(NOT KESTRABOOT_SYMBOLS)
         return()

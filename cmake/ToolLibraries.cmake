@@ -1,6 +1,6 @@
-# The header-only libraries that the tools stand on, and nothing else does: CLI11 for options, nlohmann-json for JSON.
-# Debian keeps them in /usr/include, where a cross compiler must not look: the rest there is not for Windows. So their
-# two folders are linked into the build tree, and that is what is searched.
+# The header-only libraries of the tools alone: CLI11 for options, nlohmann-json for JSON. Debian keeps them in
+# /usr/include, which a cross compiler must not search, because the rest of that folder is not for Windows. So their
+# two folders are linked into the build tree, and the compiler searches these links.
 add_library(kestraboot_tool_libraries INTERFACE)
 target_include_directories(kestraboot_tool_libraries SYSTEM INTERFACE ${PROJECT_BINARY_DIR}/tool_libraries)
 

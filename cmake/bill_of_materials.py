@@ -4,7 +4,7 @@ packages that they come from, with version, licence and the place of their sourc
 
     bill_of_materials.py FOLDER NAME VERSION COMMIT SECONDS-SINCE-1970 DLL ...
 
-FOLDER is the installation; DLL is where the build found each DLL of the runtime: Debian knows the package of that file.
+FOLDER is the installation; DLL is the build's path of each DLL of the runtime: Debian knows the package of that file.
 """
 import datetime
 import hashlib
@@ -19,18 +19,18 @@ root = pathlib.Path(folder)
 
 GCC_LICENCE = "GPL-3.0-or-later WITH GCC-exception-3.1"
 THREADS_LICENCE = "MIT AND BSD-3-Clause"
-RUNTIME = {  # DLL: what it is, its licence
+RUNTIME = {  # DLL: its description, its licence
     "libstdc++-6.dll": ("libstdc++", GCC_LICENCE),
     "libgcc_s_seh-1.dll": ("libgcc", GCC_LICENCE),
     "libwinpthread-1.dll": ("winpthreads", THREADS_LICENCE),
 }
-HEADERS = {  # of what is compiled into the tools: what it is, its licence
+HEADERS = {  # of the libraries that are compiled into the tools: the description, the licence
     "/usr/include/CLI/CLI.hpp": ("CLI11", "BSD-3-Clause"),
     "/usr/include/nlohmann/json.hpp": ("nlohmann-json", "MIT"),
 }
 TOOLS = ("kestractl.exe", "kestratrace.exe")
 LIST = "sbom.spdx.json"
-UNKNOWN = "NOASSERTION"  # the standard's word for what is not claimed
+UNKNOWN = "NOASSERTION"  # the standard's word for an unknown value
 
 
 def dpkg_query(*arguments):
@@ -38,7 +38,7 @@ def dpkg_query(*arguments):
 
 
 def debian(path):
-    """Package, version and the place of the sources of an installed file; unknown where the system is another."""
+    """Package, version and the place of the sources of an installed file; unknown on a system other than Debian."""
     try:
         package = dpkg_query("-S", str(pathlib.Path(path).resolve())).partition(":")[0]
         packaged, source, source_version, built_using = dpkg_query(
@@ -94,7 +94,7 @@ packages = [{
     "copyrightText": UNKNOWN,
 }]
 def add_package(path, title, licence):
-    """Lists the package that a file of this system comes from. Answers its identifier."""
+    """Lists the package that a file of this system comes from. Returns its identifier."""
     package, packaged, source = debian(path)
     packages.append({
         "SPDXID": identifier("Package", title),
@@ -128,7 +128,7 @@ document = {
     "dataLicense": "CC0-1.0",
     "SPDXID": "SPDXRef-DOCUMENT",
     "name": name,
-    # Nothing is at that address: it tells this list from that of other contents.
+    # Nothing is at that address: it only distinguishes this list from lists of other contents.
     "documentNamespace": f"https://corvane.invalid/{name}/{contents}",
     "creationInfo": {
         "created": moment.strftime("%Y-%m-%dT%H:%M:%SZ"),

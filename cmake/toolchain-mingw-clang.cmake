@@ -12,5 +12,5 @@ set(CMAKE_CXX_FLAGS_INIT "-isystem ${gcc_folder}/include/c++ -isystem ${gcc_fold
 foreach(kind IN ITEMS EXE SHARED MODULE)
     set(CMAKE_${kind}_LINKER_FLAGS_INIT "-fuse-ld=lld -L${gcc_folder}")
 endforeach()
-# LLVM's own does not know the symbol tables of Debian's runtime DLLs.
+# LLVM's own tool does not know the symbol tables of Debian's runtime DLLs.
 find_program(CMAKE_STRIP x86_64-w64-mingw32-strip)

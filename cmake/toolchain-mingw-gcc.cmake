@@ -1,7 +1,7 @@
 # Debian's MinGW-w64 with the posix thread model (std::thread and friends).
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
-set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix) # GoogleTest asks for one
+set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix) # GoogleTest requires a C compiler
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 set(KESTRABOOT_RUNTIME_FINDER x86_64-w64-mingw32-g++-posix)

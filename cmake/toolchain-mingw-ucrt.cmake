@@ -1,7 +1,7 @@
-# Debian 13's MinGW-w64 for the UCRT, which Windows 10 brings with it; posix threads, as its only thread model.
+# Debian 13's MinGW-w64 for the UCRT, a part of Windows 10; posix threads, its only thread model.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
-set(CMAKE_C_COMPILER x86_64-w64-mingw32ucrt-gcc) # GoogleTest asks for one
+set(CMAKE_C_COMPILER x86_64-w64-mingw32ucrt-gcc) # GoogleTest requires a C compiler
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32ucrt-g++)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32ucrt-windres)
 set(KESTRABOOT_RUNTIME_FINDER x86_64-w64-mingw32ucrt-g++)

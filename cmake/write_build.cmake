@@ -1,5 +1,5 @@
-# Writes HEADER, PAGE and DATE where they differ from the commit of SOURCES, the PROJECT_VERSION, the COMPILER and its
-# RUNTIME. DATE: seconds since 1970 of that commit, or what SOURCE_DATE_EPOCH says (reproducible-builds.org).
+# Writes HEADER, PAGE and DATE if they differ from the commit of SOURCES, the PROJECT_VERSION, the COMPILER and its
+# RUNTIME. DATE: that commit's seconds since 1970, or SOURCE_DATE_EPOCH if it is set (reproducible-builds.org).
 find_program(GIT git)
 set(commit)
 set(date)

@@ -16,7 +16,7 @@ HKEY Open(HKEY root, const wchar_t* path, REGSAM access = KEY_READ)
     return ::RegOpenKeyExW(root, path, 0, access, &key) == ERROR_SUCCESS ? key : nullptr;
 }
 
-/// A text is asked for its size first.
+/// The size of a text is queried first.
 void ReadText(HKEY key, const wchar_t* name, wchar_t (&text)[512])
 {
     DWORD type = REG_SZ;
@@ -65,7 +65,7 @@ struct Path {
     }
 };
 
-/// Answers 1 for an application with both its files.
+/// Returns 1 for an application whose two files exist.
 int ReadApplication(Path& path)
 {
     wchar_t text[512];
@@ -98,7 +98,7 @@ int ReadApplication(Path& path)
     return 1;
 }
 
-/// Depth first: so neither a key nor its path has to wait in a queue.
+/// Depth first, so that neither a key nor its path waits in a queue.
 int LoadBelow(HKEY parent, Path& path)
 {
     int kept = 0;

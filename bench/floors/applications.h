@@ -1,18 +1,17 @@
-// The registry calls, and those on files and the own process, that loading the applications and keeping
-// their order consist of. Nothing of what is read
-// is kept.
+// The calls on the registry, on files and on the own process that make up the loading and ordering of
+// applications. Nothing of the data is kept.
 #pragma once
 
 namespace kestraboot::bench
 {
 
-/// The calls of LoadInformation. Answers the number of applications with both their files.
+/// The calls of LoadInformation. Returns the number of applications whose two files exist.
 int LoadApplications();
 
-/// Those of MaintainOrder where an application is installed.
+/// The calls of MaintainOrder if an application is installed.
 void MaintainOrder(const wchar_t* proxyPath);
 
-/// Those that find out the own executable's path.
+/// The calls that determine the own executable's path.
 void ReadOwnPath();
 
 /// Reads a DWORD under HKEY_CURRENT_USER.

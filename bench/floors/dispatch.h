@@ -7,7 +7,7 @@ namespace kestraboot::bench
 
 using Report = void (*)(std::wstring&, std::wstring&);
 
-/// Before the first report.
+/// Call it before the first report.
 void PrepareReports(Report report);
 
 /// An indirect call in a critical section.

@@ -3,7 +3,7 @@
 namespace kestraboot::bench
 {
 
-/// The calls of one look at the drives: of the volume tracker's poll while nothing changes.
+/// The calls of one scan of the drives: of the volume tracker's poll while nothing changes.
 void LookAtDrives();
 
 } // namespace kestraboot::bench

@@ -15,7 +15,7 @@ struct Folder {
     unsigned level;
 };
 
-/// Calls `onEntry(level, name of the kind, text, file name)` for each entry until it answers true.
+/// Calls `onEntry(level, name of the kind, text, file name)` for each entry until it returns true.
 template <typename OnEntry>
 bool Walk(const std::wstring& root, unsigned depth, OnEntry onEntry)
 {

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs the mutants of each room: see scripts/mutants.sh, which makes what this needs.
+"""Runs the mutants of each room: see scripts/mutants.sh, which prepares the trees for this script.
 
 usage: run.py TREE BUILD NUMBER SEED [ROOM]
        run.py --rooms
@@ -13,7 +13,7 @@ from mutations import choose
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 GOAL = 0.95
-# For each room the programs that test it, the quickest first. A program of the system layer gets a prefix of its own.
+# For each room the programs that test it, the quickest first. A program of the system layer gets its own prefix.
 ROOMS = {
     "foundation": ["foundation_tests", "registry_tests", "launcher_tests"],
     "legacy": ["legacy_tests", "launcher_tests", "registry_tests"],

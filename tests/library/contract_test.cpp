@@ -1,5 +1,5 @@
-// What the exported headers say of an operation's reach, against what it does: whether it can end the
-// process, and whether it leaves the registry alone.
+// The exported headers' statements about an operation's effects, compared with the effects: whether it
+// can end the process, and whether it leaves the registry alone.
 #include "kestraboot/kestraboot.h"
 #include "tests/support/compatible_application.h"
 #include "tests/support/import_patch.h"
@@ -40,7 +40,7 @@ appInfo_tag record;
         }                                                                                               \
     }
 // Every operation that reads or may end something. Left out: Uninstall, which does nothing without
-// another instance, and TakeControl and ParseCommandLineParameter, which touch neither.
+// another instance, and TakeControl and ParseCommandLineParameter, which affect neither.
 const std::map<std::string, Operation> kOperations = {
     OPERATION(GetAllApplicationInfo, records),
     OPERATION(GetApplicationInfo, word, record),

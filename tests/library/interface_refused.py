@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Plants changes of the interface in a copy of the lists, and sees scripts/checks/interface.py refuse them.
+"""Plants changes of the interface in a copy of the lists, and checks that scripts/checks/interface.py refuses them.
 
 usage: interface_refused.py SOURCES WORK-FOLDER
 """

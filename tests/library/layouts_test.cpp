@@ -1,4 +1,4 @@
-// Held at compile time: a host that was built against an earlier header finds each member where it was.
+// Checked at compile time: a host that was built with an earlier header finds each member at its place.
 #include "kestraboot/application_info.h"
 
 #include <cstddef>

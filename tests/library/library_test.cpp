@@ -1,4 +1,4 @@
-// The shipped library as a host sees it.
+// The shipped library from a host's view.
 #include "kestraboot/kestraboot.h"
 #include "tests/support/compatible_application.h"
 #include "tests/support/import_patch.h"
@@ -94,7 +94,7 @@ TEST_F(Library, RecordsAndExceptionsCrossItsBoundary)
     EXPECT_EQ(std::uncaught_exceptions(), 0);
 }
 
-/// Every tracker that may run, with no thread of its own; the volume tracker's road is walked by hand.
+/// Every tracker that may run, without its own thread; the test runs the volume tracker's road itself.
 class LibraryRoad : public Library
 {
 protected:
@@ -163,7 +163,7 @@ TEST_F(LibraryRoad, FromAReadableCardToTheApplicationsCommandLine)
     const FAKE_IMPORT(FindClose) closing([](HANDLE) {
         return TRUE;
     });
-    // No window: the loop's first message is the end.
+    // No window: the loop's first message ends it.
     const FAKE_IMPORT(RegisterClassExW) noClass([](const WNDCLASSEXW*) -> ATOM {
         return 0;
     });
@@ -183,7 +183,7 @@ TEST_F(LibraryRoad, FromAReadableCardToTheApplicationsCommandLine)
     RegisterDeviceConnectCallback(Launch);
     StartDeviceConnectService();
     ASSERT_NE(volumeTracker, nullptr);
-    EXPECT_EQ(volumeTracker(nullptr), 0U); // takes what is there as known
+    EXPECT_EQ(volumeTracker(nullptr), 0U); // treats the existing cards as known
     cardIn = true;
     EXPECT_EQ(volumeTracker(nullptr), 0U);
     RegisterDeviceConnectCallback(nullptr);

@@ -1,5 +1,5 @@
-// Each operation stands where its number says: called here as a plugin or host would that knows the
-// numbers alone.
+// Each operation has its number: the tests call them like a plugin or host that knows only the
+// numbers.
 #include "kestraboot/mox_plugin.h"
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ std::uint64_t Call(void* object, std::size_t number, void* first = nullptr, void
     return reinterpret_cast<Slot>(table[number])(object, first, second);
 }
 
-/// Remembers which operation was called.
+/// Records the called operation.
 template <typename Interface>
 class Remembering : public Interface
 {

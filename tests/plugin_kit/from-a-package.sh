@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the package and builds a plugin and a host from it with a CMake project that knows nothing else.
+# Installs the package and builds a plugin and a host from it with a CMake project that uses nothing else.
 #   from-a-package.sh SOURCES BUILD TOOLCHAIN OBJDUMP
 set -euo pipefail
 sources=$1 build=$2 toolchain=$3 objdump=$4
@@ -13,7 +13,7 @@ cmake -S "$work/consumer" -B "$work/build" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$too
     -DCMAKE_PREFIX_PATH="$work/package"
 cmake --build "$work/build"
 
-# Whether a name stands in what a module exports or imports.
+# Whether a name is among the exports or imports of a module.
 has() { [ "$("$objdump" -p "$1" | grep -cw -- "$2")" != 0 ]; }
 for plugin in sample_plugin.mox bare_plugin.mox; do
     has "$work/build/$plugin" FxPluginMain || { echo "$plugin has no entry point"; exit 1; }

@@ -1,10 +1,11 @@
-// The kit with nothing before it, twice, in the terms of C++11. Compiled by compiles-alone.sh.
+// The kit without any header before it, included twice, in the terms of C++11. Compiled by
+// compiles-alone.sh.
 #include "kestraboot/mox_plugin.h"
 
 namespace
 {
 
-// Every operation that a source manager must have; the reserved ones it may leave out.
+// Every operation that a source manager must have; the reserved ones are optional.
 class Source final : public kestraboot::mox::ISourceManager
 {
 public:

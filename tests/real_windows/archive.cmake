@@ -16,7 +16,7 @@ endforeach()
 file(GLOB_RECURSE programs ${root}/bin/*.exe ${root}/bin/*.dll ${root}/bin/*.mox)
 execute_process(COMMAND ${STRIP} ${programs} COMMAND_ERROR_IS_FATAL ANY)
 
-# What tests read of the source tree.
+# The files of the source tree that tests read.
 foreach(file IN ITEMS docs/kestractl.schema.json docs/kestratrace.schema.json docs/tools.md include/kestraboot tests/endurance/faults/expected tests/library/exports.txt
         tests/tools/recordings/demo.log)
     cmake_path(GET file PARENT_PATH folder)
@@ -38,7 +38,7 @@ endforeach()
 file(WRITE ${root}/bin/left-out.txt "${names}")
 file(COPY ${SOURCE}/tests/real_windows/programs.txt DESTINATION ${root}/bin)
 
-# With the ends of lines that cmd and Notepad want.
+# With the line ends that cmd and Notepad need.
 foreach(file IN ITEMS run-tests.cmd read-me.txt)
     configure_file(${SOURCE}/tests/real_windows/${file} ${root}/${file} @ONLY NEWLINE_STYLE WIN32)
 endforeach()

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Makes the archive, unpacks it where nothing of this machine is seen but itself, and runs it as a person does: some of
-# its programs, or all; and then programs that go wrong on purpose.
+# Makes the archive, unpacks it without access to the rest of this machine, and runs it as a person does: some of its
+# programs, or all; and then programs with planted faults, to see each fault reported.
 #   check.sh BUILD-FOLDER SOURCE-FOLDER WINE-PREFIX STRIP [PROGRAM ...]
 set -euo pipefail
 build=$1 source=$2 prefix=$3 strip=$4
@@ -15,8 +15,8 @@ cmake -DNAME=$name -DSOURCE="$source" -DLISTS="$build/tests/real_windows" -DSTRI
     -P "$source/tests/real_windows/archive.cmake" 2>&1
 (cd "$work" && sha256sum --check --quiet $name.zip.sha256)
 
-# ---- A machine without the build: no drive shows it. The folder's name has blanks, what cmd treats in a way of its
-# own, and letters of two scripts, which no single code page has. An application is installed.
+# ---- A machine without the build: no drive shows it. The folder's name has blanks, characters that cmd treats
+# specially, and letters of two scripts, which no single code page has. An application is installed.
 own=$work/wine
 trap 'wine_prefix_end "$own"; rm -rf "$own"' EXIT
 wine_prefix_copy "$prefix.pristine" "$own"
@@ -44,12 +44,12 @@ REGEDIT4
 [HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\Run]
 "Corvane Kestrafetch"="C:\\Mine\\kestraboot.exe"
 REG
-cd "$folder"           # the building machine's folders are not there
-export LC_ALL=C.UTF-8 # Wine takes the names of files for Unicode by it
+cd "$folder"           # the building machine's folders do not exist there
+export LC_ALL=C.UTF-8 # because of it Wine treats the names of files as Unicode
 wine_prefix_start "$own"
 wine_run "$own" 60 regedit /S 'C:\installed.reg'
 
-# run SECONDS ARGUMENT ...: as by a double click; what is on the screen into $screen, the exit code into $status
+# run SECONDS ARGUMENT ...: as by a double click; stores the screen in $screen, the exit code in $status
 screen=$work/screen.txt
 run() {
     local seconds=$1
@@ -63,22 +63,22 @@ fail() { echo "failed: $*"; exit 1; }
 # ---- The tests
 only=()
 for program in "$@"; do only+=(--only "$program"); done
-wine_run "$own" 60 cmd /c exit # what Wine writes at its start is written
+wine_run "$own" 60 cmd /c exit # so that Wine has finished its writes at its start
 sleep 1.1                      # registry times are whole seconds
 begin=$(date +%s)
 touch "$work/begin"
-run 3000 "${only[@]}" # without --no-pause: nobody can press a key, and it ends all the same
+run 3000 "${only[@]}" # without --no-pause: nobody can press a key, but it exits nevertheless
 [ $status = 0 ] || { grep -a -A30 '^Failed' "$folder/kestraboot-tests.txt"; fail "exit code $status"; }
 grep -aq 'HKEY_CURRENT_USER\\Software\\KestrabootTests' "$screen" || fail "it does not say what it touches"
 grep -aq '^Real  *no: Wine' "$folder/kestraboot-tests.txt" || fail "the report does not tell that this is Wine"
 "$source/tests/real_windows/report_check.py" "$folder" $#
 
-# ---- What it touched: its folder, and nothing else that is still there
+# ---- The traces of the run: in its folder, and nowhere else
 [ ! -e "$folder/scratch" ] || fail "its scratch folder is left"
 wine_prefix_end "$own"
 left=$(find "$own/drive_c" -newer "$work/begin" -type f -not -path "$home/*")
 [ -z "$left" ] || fail "files outside its folder: $left"
-# Keys whose time is that of the tests. Wine keeps the settings of a console that was made.
+# Keys whose time is that of the tests. Wine stores the settings of a console that was created.
 keys=$(awk -v begin="$begin" '/^\[.*\] [0-9]+$/ && $NF >= begin && !/^\[Console\]/' "$own/system.reg" "$own/user.reg")
 [ -z "$keys" ] || fail "registry keys outside its own: $keys"
 ! grep -q KestrabootTests "$own/user.reg" || fail "its own registry key is left"
@@ -95,17 +95,17 @@ run 60 --no-pause
 [ $status = 2 ] && grep -aq 'unpack the whole archive' "$screen" || fail "exit code $status without its programs"
 mv "$folder/elsewhere" "$folder/bin"
 
-# ---- The boot program of somebody who works here
+# ---- The boot program of a user who works here
 wine_in "$own" wine 'C:\Mine\kestraboot.exe' >/dev/null 2>&1 </dev/null &
 for try in 1 2 3 4 5 6 7 8 9 10; do
     run 60 --no-pause --only plugin_kit_tests
-    [ $status = 0 ] || break # its window has come
+    [ $status = 0 ] || break # its window exists
 done
 [ $status = 2 ] && grep -aq 'boot program is running' "$screen" || fail "exit code $status beside a boot program"
 wine_prefix_end "$own"
 wine_prefix_start "$own"
 
-# ---- Programs that go wrong
+# ---- Programs with planted faults
 planted=$build/tests/real_windows/planted
 mkdir "$folder/bin/bare"
 cp "$planted"/*.exe "$source"/tests/real_windows/planted/*.txt "$folder/bin"

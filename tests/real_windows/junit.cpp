@@ -9,7 +9,7 @@ namespace kestraboot::real_windows
 namespace
 {
 
-/// The length of the UTF-8 character at `at`; 0 where there is none, or one that XML does not know.
+/// The length of the UTF-8 character at `at`; 0 if there is none, or one that XML does not know.
 std::size_t CharacterAt(const std::string& text, std::size_t at)
 {
     const auto byte = [&](std::size_t i) -> unsigned {
@@ -36,7 +36,7 @@ std::size_t CharacterAt(const std::string& text, std::size_t at)
     return shortest && known && character <= 0x10FFFF ? length : 0;
 }
 
-/// What tests write may be anything.
+/// The output of tests may be anything.
 std::string Escaped(const std::string& text)
 {
     std::string escaped;

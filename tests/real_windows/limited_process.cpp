@@ -14,7 +14,7 @@ HANDLE MakeJob()
 {
     const HANDLE job = ::CreateJobObjectW(nullptr, nullptr);
     JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
-    // The second: a test that crashes ends at once, whatever error mode it has set. Windows would show a
+    // The second: a test that crashes exits at once, whatever its error mode is. Windows would show a
     // box.
     limits.BasicLimitInformation.LimitFlags =
         JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE | JOB_OBJECT_LIMIT_DIE_ON_UNHANDLED_EXCEPTION;
@@ -48,8 +48,8 @@ LimitedProcess::LimitedProcess(const std::filesystem::path& program, const std::
     startup.hStdError = out;
     std::wstring line = L"\"" + program.wstring() + L"\" " + arguments;
     PROCESS_INFORMATION started = {};
-    // Windows 7 knows no job within a job, and Explorer may have put this program into one; that lets
-    // go.
+    // Windows 7 does not support a job within a job, and Explorer may have put this program into one;
+    // this flag leaves that job.
     bool done = false;
     for (const DWORD breakaway : {DWORD{CREATE_BREAKAWAY_FROM_JOB}, DWORD{0}}) {
         done = done || ::CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE,

@@ -8,12 +8,12 @@
 namespace kestraboot::real_windows
 {
 
-/// A process without a window of its own that writes into a file. It ends with this object at the
-/// latest, and with it everything that it started.
+/// A process without a window of its own that writes into a file. It is terminated with this object at
+/// the latest, together with all processes that it started.
 class LimitedProcess
 {
 public:
-    /// Starts it with `folder` as its current directory. Throws std::runtime_error where it cannot be
+    /// Starts it with `folder` as its current directory. Throws std::runtime_error if it cannot be
     /// started.
     LimitedProcess(const std::filesystem::path& program, const std::wstring& arguments,
                    const std::filesystem::path& folder, const std::filesystem::path& outputFile);
@@ -21,15 +21,15 @@ public:
     LimitedProcess& operator=(const LimitedProcess&) = delete;
     ~LimitedProcess();
 
-    /// Waits for the end; false when it still runs after that many milliseconds.
+    /// Waits for the end; false if it still runs after that many milliseconds.
     [[nodiscard]] bool Ended(DWORD milliseconds) const;
 
     [[nodiscard]] DWORD ExitCode() const;
 
-    /// What it has written since the last call.
+    /// The output since the last call.
     [[nodiscard]] std::string MoreOutput();
 
-    /// Ends it and what it started.
+    /// Terminates it and the processes that it started.
     void End();
 
 private:

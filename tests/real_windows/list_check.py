@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Each test executable of the tree is in programs.txt once, run or left out, and nothing else is.
+"""Checks that programs.txt names each test executable of the tree once, run or left out, and nothing else.
    list_check.py PROGRAMS.TXT TEST-EXECUTABLES"""
 import collections
 import re

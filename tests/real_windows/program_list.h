@@ -1,4 +1,4 @@
-// What the archive of tests holds, and what of it is not run: programs.txt explains its words.
+// The contents of the archive of tests, and the tests that are not run: programs.txt explains its words.
 #pragma once
 
 #include <filesystem>

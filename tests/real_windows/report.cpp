@@ -22,7 +22,7 @@ std::size_t CountIn(const std::vector<ProgramResults>& programs, Outcome outcome
     return count;
 }
 
-/// As Notepad has read it since Windows 95: a mark that tells UTF-8, and two characters at the end of a
+/// Notepad reads this format since Windows 95: a mark for UTF-8, and two characters at the end of a
 /// line.
 void Write(const std::filesystem::path& file, const std::string& mark, const std::string& text)
 {

@@ -24,7 +24,7 @@ struct Report {
     [[nodiscard]] std::string Summary() const; ///< one line
 };
 
-/// For people. Each throws std::runtime_error where the file cannot be written.
+/// For people. Each throws std::runtime_error if the file cannot be written.
 void WriteText(const Report& report, const std::filesystem::path& file);
 
 /// The same as JUnit's XML, for machines.

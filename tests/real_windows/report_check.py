@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The report and its XML tell the same of the same tests.  report_check.py FOLDER PROGRAMS-CHOSEN (0: all)"""
+"""Checks that the report and its XML agree on all tests.  report_check.py FOLDER PROGRAMS-CHOSEN (0: all)"""
 import collections
 import re
 import sys

@@ -1,5 +1,5 @@
-// Runs the test programs of the archive on the machine that it was unpacked on, and writes down what
-// came out. Linked with nothing but Windows: it must start where the programs do not.
+// Runs the test programs of the archive on the machine on which it was unpacked, and writes the results.
+// Linked only with Windows, because it must start even if the programs do not.
 #include "kestraboot/version.h"
 #include "tests/real_windows/report.h"
 #include "tests/real_windows/screen.h"
@@ -42,7 +42,7 @@ struct Options {
     int longestTest = 180;
 };
 
-/// Throws std::invalid_argument where it does not understand one.
+/// Throws std::invalid_argument for an argument that it does not understand.
 Options Understand(int argc, wchar_t** argv)
 {
     Options options;
@@ -72,7 +72,7 @@ std::filesystem::path OwnFolder()
     return std::filesystem::path(path).parent_path();
 }
 
-/// What tests write, and no longer than they run.
+/// The tests' scratch files, which exist no longer than the tests run.
 class Scratch
 {
 public:
@@ -116,8 +116,8 @@ bool IsAscii(const std::wstring& text)
     });
 }
 
-/// The tests find the windows of their trackers by their names, and send messages to them: a boot
-/// program in use has windows of the same names.
+/// The tests find the windows of their trackers by name, and send messages to them. A boot program in
+/// use has windows of the same names.
 void RequireNoBootProgram()
 {
     for (const wchar_t* const title : {L"Corvane Kestrafetch Boot", L"CardReaderLookupWindow"}) {

@@ -10,7 +10,7 @@
 namespace kestraboot::real_windows
 {
 
-/// What the person at the machine sees: lines, and on a console a last line that changes.
+/// The display for the person at the machine: lines, and on a console a last line that changes.
 class Screen
 {
 public:
@@ -18,7 +18,7 @@ public:
 
     void Say(const std::string& line);
 
-    /// How far a program is; overwritten by the next call of either.
+    /// The progress of a program; overwritten by the next call of either.
     void ShowProgress(const std::string& program, std::size_t tests,
                       const std::vector<TestResult>& results);
 

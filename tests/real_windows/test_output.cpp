@@ -9,7 +9,7 @@ namespace
 {
 
 constexpr std::size_t kMostText =
-    8'000; // of one test, or a report would be as long as a flood of failures
+    8'000; // of one test; otherwise a report would be as long as a flood of failures
 
 constexpr std::string_view kBegins = "[ RUN      ] ";
 
@@ -49,7 +49,7 @@ bool TestOutput::TakeLine(const std::string& line)
 {
     if (!running) {
         through = through || (line.starts_with("[==========] ") && line.ends_with(" ms total)"));
-        // What is under test may have written the beginning of the line.
+        // The tested code may have written the beginning of the line.
         const std::size_t begins = line.find(kBegins);
         if (begins == std::string::npos) {
             AddText(outside, line);

@@ -14,12 +14,12 @@ struct TestResult {
     std::string name; ///< "Suite.Test"
     Outcome outcome = Outcome::Failed;
     long long milliseconds = 0;
-    std::string text; ///< why it was skipped, or what was seen of its failure
+    std::string text; ///< the reason for the skip, or the output of its failure
 };
 
-/// Understands what a GoogleTest program writes on its standard output, as it comes. Not its XML file:
-/// that comes at the very end, which a program that crashes does not see, and its path must fit the ANSI
-/// code page.
+/// Parses the standard output of a GoogleTest program as it arrives. It does not use the XML file, which
+/// is written at the very end, so that a program that crashes does not write it, and whose path must fit
+/// the ANSI code page.
 class TestOutput
 {
 public:
@@ -28,13 +28,13 @@ public:
 
     [[nodiscard]] const std::vector<TestResult>& Finished() const noexcept { return finished; }
 
-    /// The test that has begun and not ended, and what was written meanwhile.
+    /// The test that has begun and not ended, and its output so far.
     [[nodiscard]] const std::optional<TestResult>& Running() const noexcept { return running; }
 
-    /// Whether the program said that it is through with all its tests.
+    /// Whether the program reported the end of all its tests.
     [[nodiscard]] bool IsThrough() const noexcept { return through; }
 
-    /// What was written while no test ran, such as why the program could not begin.
+    /// The output while no test ran, such as the reason why the program could not begin.
     [[nodiscard]] const std::string& OutsideOfTests() const noexcept { return outside; }
 
 private:

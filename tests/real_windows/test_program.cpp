@@ -13,10 +13,10 @@ namespace
 {
 
 constexpr DWORD kBetweenLooks = 200; // milliseconds
-/// Seconds: within the longest test the watchdog of the tests ends the program and names the test.
+/// Seconds: within the longest test the watchdog of the tests terminates the program and names the test.
 constexpr int kWatchdogsTurn = 10;
 
-/// How a run of the program ended.
+/// The end of a run of the program.
 struct Run {
     std::filesystem::path outputFile;
     TestOutput output;
@@ -59,7 +59,8 @@ Run RunOnce(const Program& program, const Places& places, const std::wstring& ar
             const std::function<void(const TestOutput&)>& moved)
 {
     Run run;
-    // Another file each time: a scanner, or what the last run has left, may hold that one for a moment.
+    // Another file each time, because a scanner or the last run's leftover may hold that one for a
+    // moment.
     static int count = 0;
     run.outputFile = places.scratch / ("output-" + std::to_string(++count) + ".txt");
     LimitedProcess process(places.programs / (program.path + ".exe"), arguments, places.scratch,
@@ -79,7 +80,7 @@ Run RunOnce(const Program& program, const Places& places, const std::wstring& ar
     return run;
 }
 
-/// The tests of one program that are still to be run, and what came out so far.
+/// The tests of one program that are still to be run, and the results so far.
 class TestsOfAProgram
 {
 public:
@@ -99,7 +100,7 @@ public:
         } catch (const std::runtime_error& error) {
             GiveUp(error.what());
         }
-        // What is said of the program comes first.
+        // The result of the program itself comes first.
         std::ranges::stable_sort(results, {}, [this](const TestResult& result) {
             const auto place = std::ranges::find(all, result.name);
             return place == all.end() ? 0 : place - all.begin() + 1;
@@ -144,7 +145,7 @@ private:
 
     void RunRemaining()
     {
-        // In a file: a command line would be too short for the names.
+        // In a file, because a command line would be too short for the names.
         std::string filter;
         for (const std::string& name : remaining) {
             filter += (filter.empty() ? "" : ":") + name;
@@ -176,7 +177,7 @@ private:
         CheckEnd(run, end, before.size());
     }
 
-    /// A program that ran all its tests says so, and its exit code tells whether one failed.
+    /// A program that ran all its tests reports it, and its exit code shows whether one failed.
     void CheckEnd(const real_windows::Run& run, const std::string& end, std::size_t first)
     {
         if (!remaining.empty() || run.output.Running()) {

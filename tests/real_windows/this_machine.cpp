@@ -17,7 +17,7 @@ Function Find(const wchar_t* module, const char* name)
         reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(module), name)));
 }
 
-/// A value of HKEY_LOCAL_MACHINE's CurrentVersion key; empty where it is missing.
+/// A value of HKEY_LOCAL_MACHINE's CurrentVersion key; empty if it is missing.
 std::string CurrentVersion(const wchar_t* name)
 {
     wchar_t text[256] = {};
@@ -36,7 +36,7 @@ std::string CurrentVersion(const wchar_t* name)
     return narrow;
 }
 
-/// As Windows itself tells it; GetVersionExW tells programs without a manifest an older one.
+/// As Windows itself reports it; GetVersionExW reports an older one to programs without a manifest.
 std::string Version()
 {
     RTL_OSVERSIONINFOEXW version = {};

@@ -1,4 +1,4 @@
-// What the chooser lists, and by which names and pictures.
+// The applications that the chooser lists, with their names and pictures.
 #include "tests/samples/sample_windows.h"
 #include "tests/support/compatible_application.h"
 #include "tests/support/registry_sandbox.h"

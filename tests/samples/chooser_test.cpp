@@ -1,4 +1,4 @@
-// The viewer asked to let the user choose: each of its buttons, driven by messages.
+// The chooser of the viewer: each of its buttons, driven by messages.
 #include "tests/samples/sample_windows.h"
 #include "tests/support/registry_sandbox.h"
 
@@ -32,7 +32,7 @@ protected:
         return {flag(albums), flag(prints)};
     }
 
-    /// Waits for the message box of the chooser, answers its text and closes it.
+    /// Waits for the message box of the chooser, returns its text and closes it.
     std::wstring Dismiss() const
     {
         HWND box = nullptr;

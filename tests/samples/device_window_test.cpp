@@ -1,4 +1,4 @@
-// What the viewer shows for a device that is no drive.
+// The viewer's window for a device that is no drive.
 #include "tests/samples/sample_windows.h"
 
 namespace kestraboot::tests

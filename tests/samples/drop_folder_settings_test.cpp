@@ -1,4 +1,4 @@
-// What the drop folder plugin takes from the registry, and what it says of a value that it refuses.
+// The drop folder plugin's settings in the registry, and its report on a value that it refuses.
 #include "tests/samples/loaded_plugin.h"
 #include "tests/support/awaited_trace.h"
 #include "tests/support/registry_sandbox.h"
@@ -25,7 +25,7 @@ protected:
         EXPECT_EQ(reports.references, 1U) << "the callback is kept";
     }
 
-    /// Waits for the line that says so, which the watching thread writes.
+    /// Waits for the line with that report, which the watching thread writes.
     void Accepts(const std::wstring& watched)
     {
         ASSERT_EQ(plugin.source->RegisterCallback(&reports), mox::kSuccess);

@@ -1,4 +1,4 @@
-// When the drop folder plugin reports its folder, and what it leaves behind.
+// The times at which the drop folder plugin reports its folder, and its leftovers.
 #include "tests/samples/loaded_plugin.h"
 #include "tests/support/awaited_trace.h"
 #include "tests/support/handle_count.h"
@@ -47,7 +47,7 @@ protected:
         EXPECT_EQ(::GetModuleHandleW(L"drop_folder.mox"), nullptr);
     }
 
-    /// Of lines that tell of one thing more than once, so many.
+    /// `times`: for lines that report one thing more than once.
     void AwaitLine(const std::wstring& text, int times = 1)
     {
         ASSERT_TRUE(trace->Await(L"<DropFolder><" + text + L">", times))
@@ -86,7 +86,7 @@ TEST_F(DropFolderWatch, ReportsPicturesThatComeInAFolderWithThem)
 {
     Start();
     above.AddFile(L"Server/Drop/one.jpg", "picture");
-    AwaitReported(1); // from here on it looks when it is told of a change, and not before
+    AwaitReported(1); // from here on it scans only when it is notified of a change
     above.AddFile(L"Card/DCIM/one.JPG", "picture");
     above.AddFile(L"Card/DCIM/two.Tiff", "picture");
     fs::rename(above.Path() / L"Card", drop / L"Card");
@@ -115,7 +115,7 @@ TEST_F(DropFolderWatch, ReportsAPictureThatWasTakenOutAndComesAgain)
     const fs::path one = above.AddFile(L"Server/Drop/one.jpg", "picture");
     AwaitReported(1);
     fs::remove(one);
-    // Only when it has looked without the picture is that one new: the second one says so.
+    // A picture is new only after a scan without it: the second report proves that scan.
     above.AddFile(L"Server/Drop/two.jpg", "picture");
     AwaitReported(1, 2);
     above.AddFile(L"Server/Drop/one.jpg", "picture");
@@ -158,12 +158,12 @@ TEST_F(DropFolderWatch, ReadsTheWholeFolderWhereWindowsLostCount)
     FAKE_IMPORT(GetOverlappedResult)
     result([&](HANDLE file, LPOVERLAPPED request, LPDWORD bytes, BOOL wait) {
         const BOOL told = result.CallOriginal(file, request, bytes, wait);
-        *bytes = 0; // that is how it says so
+        *bytes = 0; // Windows' sign for it
         return told;
     });
     Start();
     above.AddFile(L"Server/Drop/one.jpg", "picture");
-    AwaitReported(1); // from here on it looks when it is told of a change, and not before
+    AwaitReported(1); // from here on it scans only when it is notified of a change
     above.AddFile(L"Server/Drop/two.jpg", "picture");
     AwaitReported(1, 2);
     AwaitLine(path + L": too many changes at once. The whole folder is read.", 2);
@@ -186,7 +186,7 @@ TEST_F(DropFolderWatch, TakesAllForNewInAFolderThatWasRemovedAndIsMadeAgain)
     Start();
     above.AddFile(L"Server/Drop/one.jpg", "picture");
     AwaitReported(1);
-    // Under Wine a folder that somebody has open stays until it is closed: so it is moved away first.
+    // Under Wine a folder that a program has open exists until it is closed, so it is moved away first.
     fs::rename(drop, above.Path() / L"Removed");
     AwaitLine(path + L": gone.");
     AwaitLine(path + L": not there. It is watched once it comes.");

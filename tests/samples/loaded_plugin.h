@@ -13,7 +13,7 @@
 namespace kestraboot::tests
 {
 
-/// A host's end of a device source, which keeps what it is told.
+/// A host's end of a device source, which keeps the reports.
 class KeptReports : public mox::ICallbackInterface
 {
 public:
@@ -24,13 +24,13 @@ public:
     std::uint32_t Release() override { return --references; }
     mox::Status Notify(std::uint64_t, const mox::DeviceRecord* record) override;
 
-    /// Waits until there are that many.
+    /// Waits until that many exist.
     [[nodiscard]] bool Await(std::size_t reports);
 
     [[nodiscard]] std::vector<mox::DeviceRecord> Records();
 
     std::atomic<std::uint32_t> references{1};
-    std::atomic<int> refusals{0};      ///< so many calls are answered with kOutOfMemory
+    std::atomic<int> refusals{0};      ///< the number of calls that are answered with kOutOfMemory
     const Signal* mayReturn = nullptr; ///< no call returns before
     Signal called;                     ///< set by the first one
 

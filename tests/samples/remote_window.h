@@ -1,4 +1,4 @@
-// A window of another process, asked and driven by the messages of standard controls.
+// A window of another process, read and driven by the messages of standard controls.
 #pragma once
 
 #include <windows.h>
@@ -10,13 +10,13 @@
 namespace kestraboot::tests
 {
 
-/// The text of any window or control, as a screen reader gets it. A process that does not answer within
-/// 30 s gives an empty one.
+/// The text of any window or control, as a screen reader gets it. Empty for a process that does not
+/// answer within 30 s.
 [[nodiscard]] std::wstring TextOf(HWND window);
 
 void SetText(HWND control, const std::wstring& text);
 
-/// A click that does not wait for what it leads to, such as a message box.
+/// A click that does not wait for its effect, such as a message box.
 void Click(HWND dialog, int button);
 
 /// A key, as from the keyboard.
@@ -37,7 +37,7 @@ public:
     [[nodiscard]] std::vector<std::wstring> Column(int column = 0) const;
     /// Selects a row, or adds it to the selection of a list of several; -1: all of them.
     void Select(int row) const;
-    /// The row with that text; -1 where there is none.
+    /// The row with that text; -1 if there is none.
     [[nodiscard]] int Find(const std::wstring& text) const;
 
 private:
@@ -47,7 +47,7 @@ private:
 
     HWND list;
     HANDLE process = nullptr;
-    void* memory = nullptr; ///< there: an LVITEMW and a text
+    void* memory = nullptr; ///< in that process: an LVITEMW and a text
 };
 
 } // namespace kestraboot::tests

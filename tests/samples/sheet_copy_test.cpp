@@ -1,5 +1,5 @@
-// Copying from the contact sheet: all, some, cancelled, and with the card or the program gone in the
-// middle.
+// Copying from the contact sheet: all, some, cancelled, and with the card removed or the program
+// terminated in the middle.
 #include "samples/simulators/cards/card_slot.h"
 #include "tests/samples/sheet_windows.h"
 
@@ -22,7 +22,7 @@ constexpr long long kMegabyte = 1 << 20;
 class SheetCopy : public SheetWindows
 {
 protected:
-    /// The names in the folder that is copied to.
+    /// The names in the target folder.
     [[nodiscard]] std::vector<std::string> Copied() const
     {
         std::vector<std::string> names;
@@ -79,7 +79,7 @@ TEST_F(SheetCopy, SelectedCopiesThoseAlone)
     for (const wchar_t* const name : {L"a.jpg", L"b.jpg", L"c.jpg", L"d.jpg"}) {
         card.AddFile(name, jpeg);
     }
-    Begin(IDC_COPY_SELECTED, 4); // nothing is selected: nothing to copy
+    Begin(IDC_COPY_SELECTED, 4); // nothing is selected, so there is nothing to copy
     EXPECT_TRUE(AwaitText(IDC_ACTION, L"Copied: 0 of 0."));
     list->Select(1);
     list->Select(3);
@@ -89,7 +89,7 @@ TEST_F(SheetCopy, SelectedCopiesThoseAlone)
     EXPECT_TRUE(std::filesystem::exists(target.Path() / L"made" / L"anew" / L"b.jpg"));
     EXPECT_TRUE(std::filesystem::exists(target.Path() / L"made" / L"anew" / L"d.jpg"));
 
-    ::SendMessageW(window, WM_COMMAND, MAKEWPARAM(ID_SELECT_ALL, 1), 0); // what Ctrl+A sends
+    ::SendMessageW(window, WM_COMMAND, MAKEWPARAM(ID_SELECT_ALL, 1), 0); // the command of Ctrl+A
     EXPECT_EQ(::SendMessageW(Item(IDC_PICTURES), LVM_GETSELECTEDCOUNT, 0, 0), 4);
 }
 

@@ -1,6 +1,6 @@
-// The contact sheet with many pictures: how soon it shows the first, all facts and all pictures, and how
-// much memory it takes. 300 small ones in the test command; KESTRABOOT_SHEET_PICTURES=10000 in the
-// environment makes them that many, of 1600 x 1200 pixels.
+// The contact sheet with many pictures: the time to the first picture, to all facts and to all pictures,
+// and the memory. The test command uses 300 small ones; KESTRABOOT_SHEET_PICTURES=10000 in the
+// environment uses that many, of 1600 x 1200 pixels.
 #include "tests/samples/sheet_windows.h"
 
 #include <cstdio>
@@ -35,7 +35,7 @@ protected:
         }
     }
 
-    /// Asks for all pictures, as a user does who scrolls through them, and waits for each.
+    /// Requests all pictures, as a user does who scrolls through them, and waits for each.
     [[nodiscard]] bool AllAreShown() const
     {
         constexpr int kPage = 100;

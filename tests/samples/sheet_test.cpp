@@ -1,4 +1,4 @@
-// The contact sheet, asked by the messages of its standard controls.
+// The contact sheet, read by the messages of its standard controls.
 #include "samples/simulators/cards/card_slot.h"
 #include "samples/simulators/cards/volume_message.h"
 #include "tests/samples/sheet_windows.h"

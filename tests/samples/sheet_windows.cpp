@@ -8,7 +8,7 @@ namespace kestraboot::tests
 
 SheetWindows::~SheetWindows()
 {
-    CloseAll(); // before the card goes
+    CloseAll(); // before the card is removed
     static_cast<void>(simulators::TakeCardOut(L'E'));
 }
 

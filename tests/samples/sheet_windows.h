@@ -12,7 +12,7 @@ class SheetWindows : public SampleWindows
 protected:
     ~SheetWindows() override;
 
-    /// Puts the card in and starts the viewer for it.
+    /// Inserts the card and starts the viewer for it.
     void Show();
 
     [[nodiscard]] HWND Item(int id) const { return ::GetDlgItem(window, id); }

@@ -10,11 +10,11 @@ namespace kestraboot::tests
 /// A JPEG file of that size, in colours.
 [[nodiscard]] std::string MakeJpeg(unsigned width, unsigned height);
 
-/// The same with what a camera writes beside it: when it was taken ("2026:11:21 13:26:59"), and the
+/// The same with a camera's additional data: the time of the picture ("2026:11:21 13:26:59"), and the
 /// orientation (1 to 8).
 [[nodiscard]] std::string WithExif(const std::string& jpeg, const std::string& taken, char orientation);
 
-/// A file that takes no room on the disk but is that long when it is read.
+/// A file that needs no room on the disk but has that length when it is read.
 void MakeSparseFile(const std::filesystem::path& file, long long bytes);
 
 } // namespace kestraboot::tests

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# What the scripts do before they begin: --help and a wrong argument print the usage and touch nothing, and setup.sh
-# installs what was asked for, as whoever may. Nothing is installed: stand-ins say what they were called with.
+# The scripts' behaviour before they begin: --help and a wrong argument print the usage and change nothing, and setup.sh
+# installs the requested packages, for any user with the privileges. Nothing is installed: stand-ins report their calls.
 #   arguments.sh SOURCE-FOLDER WORK-FOLDER
 set -euo pipefail
 source=$1 work=$2
@@ -10,22 +10,22 @@ cd "$work"
 fail() { echo "arguments: $*"; cat said 2>/dev/null || true; exit 1; }
 
 export CALLS=$work/calls
-stand_in() { # NAME COMMANDS: a program that notes that it was called
+stand_in() { # NAME COMMANDS: a program that records its call
     printf '#!/bin/bash\necho "%s $*" >>"$CALLS"\n%s\n' "$1" "$2" >"bin/$1"
     chmod +x "bin/$1"
 }
 for program in apt-get cmake wine wineserver ctest unshare debootstrap; do stand_in $program ''; done
-# The packages of the list are there, the others not; the user is whom the test says.
+# The packages of the list are installed, the others not; the test chooses the user.
 stand_in dpkg-query 'grep -qx -- "${!#}" "$HERE" && echo "install ok installed"'
 stand_in sudo 'exec "$@"'
 stand_in id 'echo "$USER_ID"'
 export HERE=$work/here USER_ID=0
 : >"$HERE"
 own=$work/bin:$PATH
-# Without sudo, wherever it may lie: the programs that setup.sh needs, and the stand-ins.
+# Without sudo, wherever it may be: the programs that setup.sh needs, and the stand-ins.
 for program in awk basename bash cat dirname env grep sed; do ln -s "$(command -v $program)" "plain/$program"; done
 for program in apt-get dpkg-query id; do cp bin/$program plain/; done
-run() { # STATUS COMMAND ...: the command ends with that
+run() { # STATUS COMMAND ...: the command exits with that status
     local wanted=$1 status=0
     shift
     : >calls
@@ -57,7 +57,7 @@ for called in 'setup.sh everything' 'setup.sh demo demo' 'demo.sh fast' 'test.sh
     nothing_called "$called"
 done
 
-# ---- What is installed, and by whom
+# ---- The installed packages, and the installing user
 run 0 "$source/scripts/setup.sh" demo
 called " wine wine64"
 ! grep -Eq 'clang|doxygen|cppcheck|jsonschema' calls || { cat calls; fail "the demo installs what it does not need"; }

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What the benchmarks' report ends with, and which measurements it shows.
+# The exit code of the benchmarks' report, and the measurements that it shows.
 set -euo pipefail
 report=$1
 folder=$(mktemp -d)
@@ -13,7 +13,7 @@ rows() {
         launch,1,library,0,1,"$2"00 launch,1,floor,1.15,1,100 >"$folder/rows/launch-1.csv"
 }
 
-# expect STATUS TEXT COMMAND ...: how it ends, and what it says.
+# expect STATUS TEXT COMMAND ...: the exit code, and a part of the output.
 expect() {
     local status=0 wanted=$1 text=$2
     shift 2

@@ -1,5 +1,5 @@
-// A host that crashes inside the library as a customer's may, and says where in the words of a crash
-// report: the module and the offset in it.
+// A host that crashes inside the library as a customer's may, and prints the place like a crash report:
+// the module and the offset in it.
 #include "kestraboot/kestraboot.h"
 
 #include <windows.h>
@@ -26,7 +26,7 @@ int main()
 {
     ::SetUnhandledExceptionFilter(Report);
     std::wstring text = L"text";
-    // The mode is read first, and lies at an address that no process has.
+    // The mode is read first, and is at an address that no process has.
     std::wstring& unreadable = *reinterpret_cast<std::wstring*>(std::uintptr_t{0x1000});
     CKestraBootCommandHandler().LaunchKestra(text, unreadable, text, text);
     return 1;

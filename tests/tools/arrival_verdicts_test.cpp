@@ -1,4 +1,4 @@
-// The verdicts on arrivals from the lines that the library writes.
+// The verdicts on arrivals, derived from the lines that the library writes.
 #include "tools/trace/arrivals/arrival_verdicts.h"
 
 #include <gmock/gmock.h>
@@ -35,7 +35,7 @@ std::string Start(const std::string& kind, const std::string& device)
 class Verdicts : public testing::Test
 {
 protected:
-    /// One line after the other, ten milliseconds apart.
+    /// One line after another, ten milliseconds apart.
     void Lines(const std::vector<std::string>& lines, std::uint32_t process = 7)
     {
         for (const std::string& line : lines) {
@@ -290,7 +290,7 @@ TEST_F(Verdicts, AreNotAboutWhatAnUninstallSays)
 
 TEST_F(Verdicts, OfACardThatFindsNoApplicationLeft)
 {
-    // The search asks for the application's settings first, and the process ends there.
+    // The search reads the application's settings first, and the process ends there.
     Lines({kNotice, kFound, kNoneFound, kRunKeyDeleted});
     EXPECT_EQ(Only().tracker, kVolumeTracker);
     EXPECT_EQ(Only().decision, Decision::Refused);

@@ -7,7 +7,7 @@
 namespace kestraboot::tools
 {
 
-/// How each object of kestractl begins.
+/// The beginning of each object of kestractl.
 inline std::string HeadJson(const std::string& type)
 {
     const Build build = ThisBuild();

@@ -1,4 +1,4 @@
-// What --check makes of Windows, of accounts, and of boot programs.
+// The rows of --check for Windows, for accounts, and for boot programs.
 #include "tests/tools/rows.h"
 
 namespace kestraboot::tools

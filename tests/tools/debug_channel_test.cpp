@@ -37,7 +37,7 @@ TEST_F(OpeningAChannel, GivesUpOnAReaderThatStays)
     EXPECT_LT(pauses, 100);
 }
 
-/// What an object answers that a program with more rights made.
+/// The answer of an object that a program with more privileges made.
 HANDLE Denied()
 {
     ::SetLastError(ERROR_ACCESS_DENIED);
@@ -72,7 +72,7 @@ TEST_F(OpeningAChannel, WaitsForAReaderWithMoreRightsThatIsJustGoing)
     EXPECT_EQ(pauses, 3);
 }
 
-/// What every program of the session may do with an object.
+/// The permissions of every program of the session on an object.
 DWORD RightsOfEveryone(HANDLE object)
 {
     PSECURITY_DESCRIPTOR descriptor = nullptr;

@@ -1,5 +1,5 @@
-// Whose turn it is to write a debug line: writers of the test's own, and silences where the test wants
-// them.
+// The turns of the writers of debug lines: writers of the test's own, and silences at the points that
+// the test chooses.
 #include "tests/tools/own_channel.h"
 
 #include <condition_variable>
@@ -14,8 +14,8 @@ namespace kestraboot::tools
 namespace
 {
 
-/// A thread that does what it is told, since a mutex belongs to a thread. What it holds at its end is
-/// abandoned, as by a process that was ended.
+/// A thread that follows instructions, because a mutex belongs to a thread. The mutexes that it holds at
+/// its end are abandoned, as by a terminated process.
 class Writer
 {
 public:
@@ -25,7 +25,7 @@ public:
         thread.join();
     }
 
-    /// Answers when it is done.
+    /// Returns when it is done.
     void Do(std::function<void()> step)
     {
         std::unique_lock lock(mutex);
@@ -80,14 +80,14 @@ protected:
 
     void TakeMutex() const { EXPECT_EQ(::WaitForSingleObject(mutex, 30'000), WAIT_OBJECT_0); }
 
-    /// The first half of what a writer does.
+    /// The first half of a writer's work.
     void BeginTurn() const
     {
         TakeMutex();
         EXPECT_TRUE(TakeTurn());
     }
 
-    /// The second half, but for the mutex.
+    /// The second half, except for the mutex.
     void Write(const std::string& text) const
     {
         const DWORD process = 42;
@@ -96,7 +96,7 @@ protected:
         ::SetEvent(events.at(1));
     }
 
-    /// What the next line is where so many silences come before it: each does something and is over.
+    /// The state of the next line after this number of silences: each does something and is over.
     std::string NextAfter(const std::vector<std::function<void()>>& silences)
     {
         std::size_t silent = 0;
@@ -177,7 +177,7 @@ TEST_F(Turns, ComeBackFromAWriterThatWasEnded)
     Writer next;
     const auto writeAnother = [&] {
         next.Do([&] {
-            BeginTurn(); // the reader has let go of the mutex
+            BeginTurn(); // the reader has released the mutex
             Write("<after it>");
             ::ReleaseMutex(mutex);
         });
@@ -201,7 +201,7 @@ TEST_F(Turns, ComeBackWhereAWriterWaitsForALostOne)
     };
     EXPECT_EQ(NextAfter({nothing, nothing, write}), "<waited for>");
     EXPECT_TRUE(TakeTurn());
-    // A writer that comes after it has a while of its own.
+    // A writer that comes after it has its own period.
     const auto writeNext = [&] {
         EXPECT_FALSE(TakeTurn());
         Write("<next>");

@@ -1,4 +1,4 @@
-// docs/tools.md names every word that scripts can meet, and none that is not there.
+// docs/tools.md names every word that scripts can meet, and no others.
 #include "tests/support/source_file.h"
 #include "tests/tools/json_schema.h"
 #include "tools/ctl/check/check_format.h"
@@ -40,7 +40,7 @@ std::set<std::string> Matches(const std::string& text, const char* pattern)
     return found;
 }
 
-/// What stands between backquotes.
+/// The text between backquotes.
 std::set<std::string> Words()
 {
     return Matches(Page(), "`([^`]+)`");

@@ -129,7 +129,7 @@ private:
                 return at + " has no member " + name.dump();
             }
         }
-        const bool whole = schema.contains("type"); // a condition names only what it asks for
+        const bool whole = schema.contains("type"); // a condition names only its own members
         const json properties = schema.value("properties", json::object());
         for (const auto& [name, member] : value.items()) {
             if (!properties.contains(name) && !whole) {

@@ -1,4 +1,4 @@
-// As much of JSON Schema as the pages' schemas use, read strictly.
+// The part of JSON Schema that the pages' schemas use, read strictly.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -9,8 +9,8 @@
 namespace kestraboot::tests
 {
 
-/// What is wrong first with `value`, and where; empty where nothing is. A member that the schema does
-/// not name is wrong, and a word of the schema that this does not know throws std::runtime_error.
+/// The first error of `value`, with its place; empty if there is none. A member that the schema does not
+/// name is an error; a word of the schema that this does not know throws std::runtime_error.
 [[nodiscard]] std::string AgainstSchema(const nlohmann::json& schema, const nlohmann::json& value);
 
 /// Of a file.

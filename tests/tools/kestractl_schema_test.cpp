@@ -1,4 +1,4 @@
-// docs/kestractl.schema.json describes what kestractl writes for programs.
+// docs/kestractl.schema.json describes the output of kestractl for programs.
 #include "tests/support/source_file.h"
 #include "tests/tools/build_json.h"
 #include "tests/tools/json_schema.h"

@@ -21,7 +21,7 @@ StyledText Formatted(const std::string& text)
     return FormatLine(Seen(text), ParseTraceLine(text));
 }
 
-/// The styles of what follows time and process, each with its text.
+/// The styles of the parts after time and process, each with its text.
 std::vector<std::pair<Style, std::string>> Styles(const std::string& text)
 {
     std::vector<std::pair<Style, std::string>> styles;

@@ -1,4 +1,4 @@
-// The file that is written on request: real files, rotated and renamed.
+// The file of the log option: real files, rotated and renamed.
 #include "tools/trace/lines/log_file.h"
 
 #include "tests/support/temp_folder.h"

@@ -11,18 +11,18 @@
 namespace kestraboot::tools
 {
 
-/// What the channel makes has no name here; the first `held` openings find another reader.
+/// The objects of the channel have no name here; the first `held` openings find another reader.
 class OwnChannel : public testing::Test
 {
 protected:
-    /// As a writer does; false where there is none.
+    /// As a writer does; false if there is none.
     [[nodiscard]] bool TakeTurn() const
     {
         return ::WaitForSingleObject(events.at(0), 0) == WAIT_OBJECT_0;
     }
 
     int held = 0;
-    int denied = 0; ///< the same of a reader with more rights
+    int denied = 0; ///< the same of a reader with more privileges
     int pauses = 0;
     std::vector<HANDLE> events; ///< not owned
     HANDLE section = nullptr;   ///< not owned

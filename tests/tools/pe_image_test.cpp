@@ -1,4 +1,4 @@
-// Library files looked at as data, whole and in every state of damage.
+// Library files read as data, whole and in every state of damage.
 #include "tools/ctl/check/pe_image.h"
 
 #include "tests/support/pe_builder.h"
@@ -25,7 +25,7 @@ using tests::kSectionHeaderAt;
 using tests::PeFile;
 using tests::PutNumber;
 
-/// The file ends where the memory ends: a byte read behind it faults.
+/// The file ends where the memory ends, so that a byte read behind it faults.
 class AtEndOfMemory
 {
 public:
@@ -85,7 +85,7 @@ TEST(PeImage, TellsWhatALibraryIsAndNeeds)
 
 TEST(PeImage, ReadsTheWindowsLibrariesOfThisProcess)
 {
-    // What a real linker wrote: this very program.
+    // The output of a real linker: this very program.
     wchar_t path[MAX_PATH] = {};
     ::GetModuleFileNameW(nullptr, path, MAX_PATH);
     FILE* const file = ::_wfopen(path, L"rb");
@@ -193,7 +193,7 @@ TEST(PeImage, RefusesTablesLargerThanAnyRealOne)
 
 TEST(PeImage, EndsTheListOfNeedsAtTheEndOfTheFile)
 {
-    // The list runs over the end: its terminating entry is missing.
+    // The list exceeds the end, because its terminating entry is missing.
     std::string bytes = PeFile().Bytes();
     bytes.resize(bytes.size() - 20);
     PutNumber(bytes, kSectionHeaderAt + 16, static_cast<std::uint32_t>(bytes.size() - kSectionAt));

@@ -1,4 +1,4 @@
-// What --check makes of the files beside a boot program.
+// The rows of --check for the files beside a boot program.
 #include "tests/tools/rows.h"
 
 namespace kestraboot::tools

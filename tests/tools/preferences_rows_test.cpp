@@ -1,4 +1,4 @@
-// What --check makes of applications, defaults and users' settings.
+// The rows of --check for applications, defaults and users' settings.
 #include "tests/tools/rows.h"
 
 namespace kestraboot::tools

@@ -1,4 +1,4 @@
-// What a recording's lines say, line by line.
+// The parts of a recording's lines, line by line.
 #include "tools/trace/recording/recorded_lines.h"
 
 #include "tools/trace/lines/line_format.h"

@@ -31,7 +31,7 @@ inline std::vector<std::string> Lines(const Rows& rows)
     std::vector<std::string> lines;
     for (const Row& row : rows) {
         lines.push_back(Line(row));
-        // Whatever is not fine says what to do.
+        // Each row that is not fine gives advice.
         EXPECT_EQ(row.advice.empty(), row.verdict == Verdict::Fine) << lines.back();
     }
     return lines;

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Holds what kestratrace --json writes against docs/kestratrace.schema.json: every line of every recording, as lines
-and as arrivals. And holds the schema itself against lines that are wrong: each line with a member taken away, with
-one too many, with a value of another type.
+"""Checks the output of kestratrace --json against docs/kestratrace.schema.json: every line of every recording, as
+lines and as arrivals. It also checks that the schema refuses wrong lines: each line with a member removed, with one
+too many, with a value of another type.
 
 usage: trace_schema.py TEST-PREFIX-SCRIPT WINE-PREFIX KESTRATRACE SCHEMA RECORDING ...
 """

@@ -1,4 +1,4 @@
-// The guarded heap itself, in processes of its own that it ends.
+// The guarded heap itself, in child processes that it terminates.
 #include "tests/support/run_in_child.h"
 
 #include <gtest/gtest.h>
@@ -29,7 +29,7 @@ unsigned long EndOfChild(const wchar_t* side, const std::function<void()>& opera
     return end.exitCode;
 }
 
-/// Keeps the compiler from seeing what is wrong here.
+/// Hides the planted fault from the compiler.
 template <typename Value>
 Value Unseen(Value value)
 {

@@ -13,7 +13,7 @@ namespace kestraboot::tests
 namespace
 {
 
-// Written in the middle of the product, so all of it is there before: nothing here takes memory.
+// Written in the middle of the product, so all of it exists before: nothing here takes memory.
 struct Made {
     const FunctionFailures* function;
     unsigned applying; ///< a bit for each failure

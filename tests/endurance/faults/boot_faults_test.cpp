@@ -1,5 +1,5 @@
 // The boot program's own calls: its objects in a library, which a scene runs up to the start of the
-// service. What comes after that, the message loop and the end of the process, the system tests see.
+// service. The system tests check the later steps, the message loop and the end of the process.
 #include "tests/endurance/faults/armed.h"
 #include "tests/endurance/faults/journal.h"
 #include "tests/endurance/faults/machine.h"
@@ -48,7 +48,7 @@ BOOL SetStandardHandle(DWORD, HANDLE) noexcept
     return TRUE;
 }
 
-/// Of a program of the Windows subsystem that was started at a prompt.
+/// The handle type of a Windows-subsystem program that was started at a prompt.
 DWORD TypeOfHandle(HANDLE) noexcept
 {
     return FILE_TYPE_UNKNOWN;
@@ -103,7 +103,7 @@ void* Address(Function* function)
     return reinterpret_cast<void*>(function);
 }
 
-/// The module under test is the boot program's while they are made.
+/// While they are created, the module under test is the boot program's.
 struct BootPatches {
     ImportPatch line{"GetCommandLineW", Address(CommandLine)};
     ImportPatch path{"GetModuleFileNameW", Address(OwnPath)};

@@ -1,7 +1,7 @@
 // A call through a gated slot runs
 //   slot's own code:  mov eax, index ; mov r11, common ; jmp r11
 //   common:           save the argument registers, ask, restore them, then jump to the original with the
-//                     caller's stack as it was, or return the failing value.
+//                     caller's stack unchanged, or return the failing value.
 // No frame of ours is on the stack while the original runs, so that exceptions pass as always.
 #include "tests/endurance/faults/call_gate.h"
 
@@ -19,7 +19,7 @@ namespace kestraboot::tests
 namespace
 {
 
-/// What the common code saves, from the lowest address up. The return address lies behind it.
+/// The registers that the common code saves, from the lowest address up. The return address follows.
 struct SavedRegisters {
     std::uint64_t integer[4];
     std::uint64_t vector[8];
@@ -143,7 +143,7 @@ std::vector<CallGate::Slot> FindSlots(HMODULE module)
          ++dll) {
         const std::string_view library(At<char>(module, dll->Name));
         if (library.starts_with("lib") || library == "kestraboot.dll") {
-            continue; // the C++ runtime: what fails there is memory alone; the library has its own
+            continue; // the C++ runtime: only memory fails there; the library has its own
                       // scenes
         }
         const auto* names = At<IMAGE_THUNK_DATA64>(module, dll->OriginalFirstThunk);

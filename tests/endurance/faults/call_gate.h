@@ -1,4 +1,4 @@
-// Every call that a module makes through its import table, held up for a look before it goes on.
+// Every call that a module makes through its import table is checked before it goes on.
 #pragma once
 
 #include <windows.h>
@@ -14,11 +14,11 @@ struct FunctionFailures;
 /// A call that is about to be made.
 struct GatedCall {
     const char* function;
-    const FunctionFailures* failures; ///< null when the table does not know the function
+    const FunctionFailures* failures; ///< null if the table does not know the function
     void* original;
     std::uint64_t* first;   ///< the first four integer arguments
     std::uint64_t* further; ///< the fifth one and those after it
-    std::uint64_t result;   ///< what the caller gets when the call does not go on
+    std::uint64_t result;   ///< the caller's result if the call does not go on
 
     [[nodiscard]] std::uint64_t Argument(std::size_t index) const noexcept
     {
@@ -27,7 +27,7 @@ struct GatedCall {
 };
 
 /// Points each function's import slot of a module at a few instructions of its own, which ask first.
-/// Slots keep what stands in them then (the function itself, or a test's fake of it) as the original.
+/// The current content of a slot (the function itself, or a test's fake of it) becomes the original.
 /// Functions of the C++ runtime's own libraries and of kestraboot.dll are left alone. One at a time.
 class CallGate
 {
@@ -41,7 +41,7 @@ public:
             withoutBuffer; ///< null: a call whose second argument is null is like the others
     };
 
-    /// Answers whether the call goes on. Runs on the calling thread, in the middle of the product: it
+    /// Returns whether the call goes on. Runs on the calling thread, in the middle of the product, so it
     /// must not throw and must not make calls of the gated module.
     using Decide = bool (*)(GatedCall& call) noexcept;
 

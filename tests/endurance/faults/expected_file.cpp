@@ -77,8 +77,8 @@ constexpr std::string_view kAllocationsMark = "Takes memory so often: ";
 constexpr std::string_view kFailureMark = "  * ";
 constexpr std::string_view kLineMark = "    ";
 
-/// What becomes of each failure, by a name such as "RegOpenKeyExW 3: denied"; under the empty name what
-/// becomes of it when nothing fails.
+/// The outcome of each failure, by a name such as "RegOpenKeyExW 3: denied"; the empty name has the
+/// outcome without a failure.
 using Expectations = std::map<std::string, std::string>;
 
 /// Adds the failures of one line, such as "RegOpenKeyExW 1, 4-5: denied, not found".
@@ -126,7 +126,7 @@ Expectations Parse(const std::string& text)
     return parsed;
 }
 
-/// "RegOpenKeyExW 3: denied"; an occurrence that a file groups with others has the same name.
+/// "RegOpenKeyExW 3: denied"; an occurrence in a group of the file has the same name.
 std::string NameOf(const SweptCall& call, const Failure& failure)
 {
     return std::string(call.function) + ' ' + std::to_string(call.occurrence) + ": " + failure.name;
@@ -137,10 +137,10 @@ int Allocations(const std::string& text)
     return text.starts_with(kAllocationsMark) ? std::stoi(text.substr(kAllocationsMark.size())) : -1;
 }
 
-/// The lines that only one of the two has, in their order.
+/// The lines of only one of the two, in their order.
 std::string Difference(const std::vector<std::string>& before, const std::vector<std::string>& after)
 {
-    // The length of the longest common sequence of the two from there on.
+    // The length of the longest common sequence of both from there on.
     std::vector<std::vector<int>> common(before.size() + 1, std::vector<int>(after.size() + 1));
     for (std::size_t i = before.size(); i-- > 0;) {
         for (std::size_t j = after.size(); j-- > 0;) {
@@ -219,7 +219,7 @@ void CheckExpectedFile(const std::string& scene, const Outcomes& outcomes,
     const std::string text = Contents(FileOf(scene));
     Expectations expected = Parse(text);
     const std::string actual = outcomes.Text();
-    if (FromTheArchive()) { // whose longer paths take memory where the build's do not
+    if (FromTheArchive()) { // its longer paths take memory where the build's do not
         EXPECT_LE(Allocations(text), Allocations(actual)) << scene << ": the allocations";
     } else {
         EXPECT_EQ(Allocations(text), Allocations(actual)) << scene << ": the allocations";

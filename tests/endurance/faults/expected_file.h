@@ -9,12 +9,12 @@
 namespace kestraboot::tests
 {
 
-/// What became of every failure of a scene, for a reader: each outcome once, with all that leads to it.
-/// The outcomes after the first one are shown by the lines in which they differ from it.
+/// The outcome of every failure of a scene, for a reader: each outcome once, with all failures that lead
+/// to it. The outcomes after the first one are shown by the lines in which they differ from it.
 class Outcomes
 {
 public:
-    /// What becomes of it when nothing fails, and how often it asks for memory then.
+    /// The outcome without a failure, and its number of allocations.
     void Begin(const std::string& outcome, int allocations);
 
     void Add(const SweptCall& call, const Failure& failure, const std::string& outcome);
@@ -35,19 +35,19 @@ private:
     int allocationsOfUsual = 0;
 };
 
-/// Fails the test where the scene's file of expected outcomes says otherwise of a failure, or of the
-/// memory that the scene takes; and where the failures that it tells of are not exactly those of
-/// `calls`, swept or not. Writes the file instead where KESTRABOOT_REWRITE_EXPECTED is set.
+/// Fails the test if the scene's file of expected outcomes differs in a failure's outcome or in the
+/// memory that the scene takes, and if the failures in the file are not exactly those of `calls`, swept
+/// or not. Writes the file instead if KESTRABOOT_REWRITE_EXPECTED is set.
 void CheckExpectedFile(const std::string& scene, const Outcomes& outcomes,
                        const std::vector<SweptCall>& calls);
 
-/// The number of allocations that stands in the scene's file; -1 where there is none.
+/// The number of allocations in the scene's file; -1 if it has none.
 [[nodiscard]] int StatedAllocations(const std::string& scene);
 
 /// The names of all scenes that have a file.
 [[nodiscard]] std::vector<std::string> ScenesWithAFile();
 
-/// Whether the file of some scene tells of failures of that function.
+/// Whether the file of some scene contains failures of that function.
 [[nodiscard]] bool SomeSceneSweeps(const std::string& function);
 
 } // namespace kestraboot::tests

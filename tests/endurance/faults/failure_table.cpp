@@ -1,6 +1,6 @@
-// A function that the product calls stands here: with the ways in which it fails on Windows, as far as
-// they differ to a caller, or among those that cannot fail. Memory of the C runtime is not for this
-// table.
+// This table has each function that the product calls: with its ways of failure on Windows, as far as
+// they differ to a caller, or among the functions that cannot fail. Memory of the C runtime is not for
+// this table.
 #include "tests/endurance/faults/failure_table.h"
 
 #include <algorithm>
@@ -51,13 +51,13 @@ void ClearObject(const GatedCall& call)
 }
 
 // clang-format off
-/// These have no failure that a caller could be told of.
+/// These have no failure that a caller could learn of.
 constexpr const char* kCannotFail[] = {
     // kernel32
     "AcquireSRWLockExclusive", "DeleteCriticalSection", "EnterCriticalSection", "ExitProcess", "GetCommandLineW",
     "GetCurrentProcessId", "GetLastError", "GetProcessHeap", "GetTickCount64", "InitializeCriticalSection",
     "IsDBCSLeadByteEx", "LeaveCriticalSection", "OutputDebugStringW", "ReleaseSRWLockExclusive", "SetErrorMode", "Sleep",
-    // ole32, user32: messages that are not there, and what nobody answers
+    // ole32, user32: messages that do not exist, and functions whose result no caller reads
     "CoUninitialize", "DefWindowProcW", "DispatchMessageW", "PeekMessageW", "TranslateMessage",
     // msvcrt: text and memory
     "_wcsicmp", "_wcslwr", "_wcsnicmp", "_wtoi", "memcmp", "memcpy", "memmove", "memset", "strlen", "strncmp", "wcscmp", "wcslen",
@@ -66,7 +66,7 @@ constexpr const char* kCannotFail[] = {
     "___lc_codepage_func", "___mb_cur_max_func", "__iob_func", "_amsg_exit", "_errno", "_initterm", "_lock", "_unlock",
     "abort", "fwrite", "localeconv", "strerror", "vfprintf",
     "TlsGetValue", "VirtualProtect", "VirtualQuery",
-    // advapi32, msvcrt: the hardened build's own checks of the stack, at the start and where one fails
+    // advapi32, msvcrt: the hardened build's own checks of the stack, at the start and on a failure
     "CryptAcquireContextA", "CryptGenRandom", "CryptReleaseContext", "_close", "_exit", "_open", "_write",
     // the same of the UCRT
     "__acrt_iob_func", "__daylight", "__p___argc", "__p___argv", "__p___wargv", "__p__environ", "__p__wenviron",
@@ -164,7 +164,7 @@ const std::vector<FunctionFailures>& FailureTable()
         {"MsgWaitForMultipleObjectsEx", {{"bad handle", kMinusOne, ERROR_INVALID_HANDLE}}},
         {"RegisterClassExW", {{"exists", 0, ERROR_CLASS_ALREADY_EXISTS}, {"no memory", 0, ERROR_NOT_ENOUGH_MEMORY}}},
         {"SendMessageW", {{"denied", 0, ERROR_ACCESS_DENIED}}},
-        // WIA: a service that has gone, and what it answers by itself
+        // WIA: a service that has gone, and its own error answers
         {"IWiaDevMgr::EnumDeviceInfo", {{"no server", kServerGone}, {"no memory", kOutOfMemory}}},
         {"IWiaDevMgr::RegisterEventCallbackInterface", {{"no server", kServerGone}, {"denied", 0x80070005}}},
         {"IEnumWIA_DEV_INFO::Reset", {{"no server", kServerGone}}},
@@ -178,7 +178,7 @@ const std::vector<FunctionFailures>& FailureTable()
         {"DSM_Entry.MSG_CLOSEDSM", {{"failure", 1}}},
         {"DSM_Entry.MSG_GETFIRST", {{"failure", 1}, {"no more", 7}}},
         {"DSM_Entry.MSG_GETNEXT", {{"failure", 1}, {"no more", 7}}},
-        // device plugins: what the operation gives, it does not give
+        // device plugins: the operation does not give its result
         {"FxPluginMain", {{"gives nothing", 0}}},
         {"IPluginDescriptor::Query.13", {{"gives nothing", 0}}},
         {"IPluginDescriptor::Query.1", {{"gives nothing", 0}}},

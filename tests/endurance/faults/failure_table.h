@@ -1,4 +1,4 @@
-// How each function can fail that the product imports, or gets from an object or a library of others.
+// The possible failures of each function that the product imports, or gets from an object or a library.
 #pragma once
 
 #include "tests/endurance/faults/call_gate.h"
@@ -14,9 +14,10 @@ namespace kestraboot::tests
 struct Failure {
     const char* name;
     std::uint64_t result;
-    DWORD lastError = ERROR_SUCCESS; ///< left alone where it is success
-    /// What the function does all the same: nothing, or all of it (a handle that is said not to close is
-    /// closed), or all of it with a result of its own (a mutex that exists already).
+    DWORD lastError = ERROR_SUCCESS; ///< left alone if it is success
+    /// The effect of the function despite the failure: none, or all of it (a handle whose close is
+    /// reported as failed is closed), or all of it with a result of its own (a mutex that exists
+    /// already).
     enum class Work { None, Done, DoneWithItsResult } work = Work::None;
     void (*writes)(const GatedCall& call) = nullptr;
     bool (*applies)(const GatedCall& call) = nullptr; ///< null: to every call
@@ -31,11 +32,11 @@ struct FunctionFailures {
 /// Every function that can fail.
 [[nodiscard]] const std::vector<FunctionFailures>& FailureTable();
 
-/// Null for a function that the table does not know. What the UCRT has in the place of a function of
-/// msvcrt fails like that one.
+/// Null for a function that the table does not know. A function of the UCRT fails like the function of
+/// msvcrt that it replaces.
 [[nodiscard]] const FunctionFailures* FailuresOf(std::string_view function);
 
-/// Of a function that is another one when its second argument, a buffer, is null; null for all others.
+/// Of a function that acts as another one when its second argument, a buffer, is null; else null.
 [[nodiscard]] const FunctionFailures* FailuresWithoutBufferOf(std::string_view function);
 
 } // namespace kestraboot::tests

@@ -12,7 +12,7 @@
 namespace kestraboot::tests
 {
 
-/// Lets a scene see the list.
+/// Gives a scene access to the list.
 class OpenHandler : public CKestraBootCommandHandler
 {
 public:

@@ -1,4 +1,5 @@
-// The sweep itself: what it is there to see, done on purpose in a scene of its own.
+// The sweep itself: a scene of its own makes each mistake that the sweep must detect, as a proof that it
+// does.
 #include "tests/endurance/faults/armed.h"
 #include "tests/endurance/faults/handler_scene.h"
 
@@ -41,8 +42,8 @@ protected:
         }
     }
 
-    /// The messages of the failures that the check makes of the scene "command_line" with that operation
-    /// in the place of its own.
+    /// The messages of the failures that the check reports for the scene "command_line" with that
+    /// operation in the place of its own.
     std::string Says(const HandlerOperation& operation, void (*check)(const Scene&) = SweepFaults)
     {
         testing::TestPartResultArray failures;
@@ -58,7 +59,7 @@ protected:
         return messages;
     }
 
-    /// What it says of an operation that leaves something behind.
+    /// The messages for an operation that leaves something behind.
     std::string SaysOf(const std::function<void()>& leave)
     {
         return Says([&](OpenHandler& handler) {

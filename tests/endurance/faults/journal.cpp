@@ -76,7 +76,7 @@ std::string Journal::Text(const std::wstring& folder)
         shown.replace(at, folder.size(), L"<files>");
     }
     static const std::wregex build(
-        L"commit [^~]*~compiler [^~]*~runtime [^~]*~"); // of each commit its own
+        L"commit [^~]*~compiler [^~]*~runtime [^~]*~"); // each commit has its own
     shown = std::regex_replace(shown, build, L"<build>~");
     std::string narrow(shown.size() * 3 + 1, '\0');
     const int written =

@@ -5,9 +5,8 @@
 namespace kestraboot::tests
 {
 
-/// What is seen of one run from outside, in order, one line each: trace lines, started programs,
-/// reports, results. Takes no memory, so that it can be written to while there is none. One for the
-/// process.
+/// The visible effects of one run, in order, one line each: trace lines, started programs, reports,
+/// results. Takes no memory, so that it can be written while there is none. One for the process.
 class Journal
 {
 public:
@@ -15,13 +14,13 @@ public:
     static void Add(const wchar_t* what, const wchar_t* text = L"") noexcept;
     static void AddNumber(const wchar_t* what, long long number) noexcept;
 
-    /// Console output, which comes in characters: they gather on a line of their own.
+    /// Console output, which comes as characters: they are collected on a separate line.
     static void AddConsole(wchar_t character) noexcept;
 
-    /// Nothing is added from here on: for the rest of a process that has ended.
+    /// Nothing is added after this call: for the rest of a process that has exited.
     static void Stop() noexcept;
 
-    /// For what outlives the process.
+    /// For objects that outlive the process.
     static void GoOn() noexcept;
 
     /// With every mention of `folder` replaced by "<files>".

@@ -15,7 +15,7 @@ namespace kestraboot::tests
 namespace
 {
 
-/// Not through the process status functions, which ask the system for each module's memory.
+/// Without the process status functions, which ask the system for each module's memory.
 int LoadedModules()
 {
     const LIST_ENTRY& head = ::NtCurrentTeb()->ProcessEnvironmentBlock->Ldr->InMemoryOrderModuleList;
@@ -26,8 +26,8 @@ int LoadedModules()
     return count;
 }
 
-/// A handle that stays open takes one of the lowest free values, and the next ones made get others: as
-/// long as they get the same, there is no need to count.
+/// A handle that stays open takes one of the lowest free values, and the next handles get others. As
+/// long as they get the same values, there is no need to count.
 int Handles(bool lookAgain)
 {
     constexpr std::size_t kMostAtATime = 10; // that an operation has open
@@ -52,7 +52,7 @@ int Handles(bool lookAgain)
 
 volatile long runningThreads = 0;
 
-/// Windows tells a program of each thread that begins and ends, but for its first one.
+/// Windows calls a program at the begin and the end of each thread except for its first one.
 void WINAPI CountThread(void*, DWORD reason, void*)
 {
     if (reason == DLL_THREAD_ATTACH) {

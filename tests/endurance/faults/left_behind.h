@@ -5,7 +5,7 @@
 namespace kestraboot::tests
 {
 
-/// What a process has of the things that an operation must give back or put back.
+/// The state of a process that an operation must give back or restore.
 struct Belongings {
     int handles = 0; ///< of every kind
     int threads = 0; ///< that run
@@ -16,14 +16,14 @@ struct Belongings {
     wchar_t folder[260] = {}; ///< the current directory
 };
 
-/// Before a run the handles are those that were counted last; after one they are looked for again.
+/// Before a run the handles are those of the last count; after one they are counted again.
 [[nodiscard]] Belongings LookAround(bool afterRun);
 
-/// What `after` has more, or otherwise, than `before`, a line for each, such as "LEFT BEHIND handles 1";
-/// empty when nothing. Puts the mode and the directory back.
+/// The surplus or other difference of `after`, a line for each, such as "LEFT BEHIND handles 1"; empty
+/// if there is none. Restores the mode and the directory.
 [[nodiscard]] std::string LeftBehind(const Belongings& before, const Belongings& after);
 
-/// How a line of the journal begins that says what stayed.
+/// The beginning of a journal line that names a leftover.
 inline constexpr const char* kLeftBehind = "LEFT BEHIND ";
 
 } // namespace kestraboot::tests

@@ -1,6 +1,6 @@
 // The machine that the library sees in a sweep: an application whose proxy is the running program, a
-// second application, the legacy organiser, other processes, no time that passes. Nothing of it takes
-// memory while the product runs, so that there may be none.
+// second application, the legacy organiser, other processes, and a clock that does not advance. It takes
+// no memory while the product runs, so that there may be none.
 #pragma once
 
 #include "tests/support/import_patch.h"
@@ -23,10 +23,10 @@ public:
     Machine& operator=(const Machine&) = delete;
     ~Machine();
 
-    /// Puts registry, folders and processes as they are at the start.
+    /// Restores the initial state of registry, folders and processes.
     void Restore();
 
-    /// Writes into the journal what is stored otherwise than at the start.
+    /// Writes each difference from the initial stored state into the journal.
     void ShowStored() const;
 
     [[nodiscard]] const std::wstring& Folder() const noexcept { return folder; }
@@ -34,7 +34,7 @@ public:
     /// Uninstalls both applications; the organiser stays.
     void RemoveApplications() const;
 
-    /// The file by which the maker of the machine stops the install, where its line begins with 1.
+    /// The file by which the maker of the machine stops the install if its line begins with 1.
     void PutOemFile(const char* line) const;
 
 private:
@@ -45,10 +45,10 @@ private:
     Patches* patches;
 };
 
-/// Closes the claim that TakeControl leaves open; says in the journal whether there is one.
+/// Closes the claim that TakeControl leaves open; reports in the journal whether there is one.
 void CloseClaim();
 
-/// The version of Windows that the library is told while this lives; Windows XP otherwise. Numbers as
+/// The version of Windows that the library sees while this lives; Windows XP otherwise. Numbers as
 /// Windows gives them; 6.0 is the workstation.
 class WindowsVersion
 {

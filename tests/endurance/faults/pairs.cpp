@@ -1,4 +1,4 @@
-// Two calls of one run that fail.
+// Two failing calls in one run.
 #include "tests/endurance/faults/run_guard.h"
 #include "tests/endurance/faults/run_scene.h"
 
@@ -20,7 +20,7 @@ public:
     {
     }
 
-    /// False when the run did not get as far as a second failure.
+    /// False if the run did not reach a second failure.
     bool RunOne()
     {
         const auto number = Below(calls.size() - 1);

@@ -1,5 +1,5 @@
 // The road of the plugin host, from its thread's start to the end of a source's tracker: the phone
-// manager is there, is scanned, registers the callback and tells of a phone that is ready.
+// manager exists, is scanned, registers the callback and reports a phone that is ready.
 #include "tests/endurance/faults/armed.h"
 #include "tests/endurance/faults/journal.h"
 #include "tests/endurance/faults/machine.h"
@@ -21,7 +21,7 @@ constexpr const char* kTellsNothing = "a plugin loaded that tells nothing";
 constexpr const wchar_t* kPlugin = L".\\moxplugins\\nokiamanager.mox";
 
 int references = 0;
-bool isRegistered = false; ///< the callback was, in this run
+bool isRegistered = false; ///< whether the callback was, in this run
 
 void TellOfAPhone(mox::ICallbackInterface* callback)
 {
@@ -35,7 +35,7 @@ void TellOfAPhone(mox::ICallbackInterface* callback)
     }
 }
 
-/// As the sweep's table names them; null where the host is told of nothing that fails.
+/// The sweep's table names them so; null if the host gets no failing result.
 const char* NameOf(Operation operation) noexcept
 {
     switch (operation) {
@@ -199,7 +199,7 @@ TEST_F(PluginFaults, OfAPhoneThatIsReadyComeInPairs)
     Scene scene = PhoneScene();
     scene.kept.push_back({"", kTellsNothing, "see below, of either of the two"});
     scene.kept.push_back({"", "blocks of memory 4", "the tracker, with a name that takes none"});
-    SweepPairs(scene, 100); // the dearest
+    SweepPairs(scene, 100); // the most expensive scene
 }
 
 } // namespace

@@ -85,7 +85,7 @@ BOOL FirstProcess(HANDLE list, PROCESSENTRY32W* entry) noexcept
 BOOL Terminate(HANDLE process, UINT) noexcept
 {
     Journal::AddNumber(L"ends process", ProcessOf(process));
-    ::CloseHandle(process); // which the product leaves open on purpose
+    ::CloseHandle(process); // the product leaves it open
     return TRUE;
 }
 

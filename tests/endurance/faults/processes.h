@@ -1,5 +1,5 @@
 // The processes that the library sees: the running program (some application's proxy), another instance
-// of it with a boot window, and a program that has nothing to do with it.
+// of it with a boot window, and an unrelated program.
 #pragma once
 
 #include "tests/support/import_patch.h"

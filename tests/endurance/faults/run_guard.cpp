@@ -73,7 +73,7 @@ void WatchTheRuns()
 RunGuard::RunGuard(const std::string& what)
 {
     WatchTheRuns();
-    RestartWatchdog(); // a hang shows here within seconds
+    RestartWatchdog(); // so that a hang is reported within seconds
     ++guards;
     std::snprintf(current, sizeof current, "%s", what.c_str());
 }

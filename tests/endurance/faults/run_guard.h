@@ -5,7 +5,7 @@
 namespace kestraboot::tests
 {
 
-/// Names the run that the process is in, should it crash, hang or be ended while this lives.
+/// Names the current run of the process if it crashes, hangs or is terminated while this lives.
 class RunGuard
 {
 public:

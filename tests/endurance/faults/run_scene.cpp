@@ -76,7 +76,7 @@ void WarmUp(const Scene& scene)
 std::string OutcomeOf(const Scene& scene, const Plan& plan)
 {
     OneRun run = RunOnce(scene, plan);
-    // What is left behind each time counts: Wine makes a handle of its own now and then.
+    // Only a leftover of every run counts, because Wine creates a handle of its own now and then.
     for (int again = 0; again < 2 && !run.left.empty(); ++again) {
         OneRun other = RunOnce(scene, plan);
         if (other.left.size() < run.left.size()) {

@@ -1,4 +1,4 @@
-// Memory that runs out, at one allocation after the other.
+// Memory that runs out, at one allocation after another.
 #include "tests/endurance/faults/expected_file.h"
 #include "tests/endurance/faults/journal.h"
 #include "tests/endurance/faults/left_behind.h"
@@ -28,7 +28,7 @@ struct Afterwards {
     std::string left;
 };
 
-/// Runs short of memory, then again with all of it: the same object does what it does otherwise.
+/// Runs short of memory, then again with all of it: the same object then works as usual.
 Afterwards RunTwice(const Scene& scene, const Plan& plan, const std::string& usual)
 {
     const std::string what = scene.name + ", " + Describe(plan);

@@ -28,7 +28,7 @@ bool twainIsOpen = false;
 class StillImage final : public simulators::UnansweredStillImage
 {
 public:
-    IStillImageW* Itself() noexcept { return this; } // its one reference is never given back
+    IStillImageW* Itself() noexcept { return this; } // its only reference is never given back
     HRESULT STDMETHODCALLTYPE GetDeviceList(DWORD, DWORD, DWORD* count, void** buffer) override
     {
         *count = 0;

@@ -8,7 +8,7 @@ namespace kestraboot::tests
 
 inline constexpr const wchar_t* kTwainSource = L"Fine Scan with a long name";
 
-/// The library under test meets it while it lives. One at a time.
+/// The library under test uses it while it lives. One at a time.
 class StillImaging
 {
 public:
@@ -16,7 +16,7 @@ public:
 
     static void PlugCamera(bool isIn) noexcept;
 
-    /// Writes into the journal what was not given back.
+    /// Writes each missing release into the journal.
     static void ShowReferences();
 
 private:

@@ -47,7 +47,7 @@ int SweepCall(const Scene& scene, int number, const SweptCall& call, Outcomes& o
     return swept;
 }
 
-/// What a scene says that it keeps, it keeps.
+/// Checks that each leftover that a scene names exists.
 void CheckKept(const Scene& scene, const std::string& usual)
 {
     for (const Kept& kept : scene.kept) {

@@ -1,4 +1,4 @@
-// The table against the library's imports: whoever adds a call is told what to add here.
+// The table against the library's imports: the test names the entry that a new call needs here.
 #include "tests/endurance/faults/armed.h"
 #include "tests/endurance/faults/expected_file.h"
 #include "tests/endurance/faults/failure_table.h"
@@ -17,8 +17,8 @@ namespace kestraboot::tests
 namespace
 {
 
-/// Called in none of the scenes while nothing fails: the runtime's, for single characters and padding in
-/// a console text; and the boot program's, where a standard handle is a console's.
+/// No scene calls them while nothing fails: the runtime's, for single characters and padding in a
+/// console text; and the boot program's, for a standard handle of a console.
 constexpr std::string_view kInNoScene[] = {"fputwc", "SetStdHandle"};
 
 TEST(FailureTable, KnowsEveryFunctionThatTheLibraryImports)

@@ -1,4 +1,4 @@
-// The trackers' threads of the shipped library, to be run where and when a scene wants.
+// The trackers' threads of the shipped library; a scene runs them where and when it needs them.
 #pragma once
 
 #include "tests/support/import_patch.h"
@@ -19,14 +19,14 @@ public:
     Trackers& operator=(const Trackers&) = delete;
     ~Trackers();
 
-    /// Runs one until its message loop ends. Threads that it makes run at once, inside it.
+    /// Runs one until its message loop ends. Threads that it creates run at once, inside it.
     static void Run(Tracker tracker);
 
 private:
     ImportPatch create;
 };
 
-/// Starts the service again; the journal says which threads it made.
+/// Starts the service again; the journal names the threads that it created.
 void StartService();
 
 } // namespace kestraboot::tests

@@ -1,5 +1,5 @@
 // The start of the service, and the road from a card to the host's callback: the thread starts, a card
-// arrives, and two more looks find nothing new.
+// arrives, and two more polls detect nothing new.
 #include "tests/endurance/faults/armed.h"
 #include "tests/endurance/faults/journal.h"
 #include "tests/endurance/faults/machine.h"
@@ -95,7 +95,7 @@ BOOL LookForMessage(MSG*, HWND, UINT, UINT, UINT) noexcept
 
 DWORD AwaitAnything(DWORD, const HANDLE*, DWORD milliseconds, DWORD, DWORD) noexcept
 {
-    now += milliseconds; // nothing comes
+    now += milliseconds; // no event comes
     return WAIT_TIMEOUT;
 }
 
@@ -128,7 +128,7 @@ class CardAct final : public Act
 public:
     explicit CardAct(Machine& where) : machine(where) {}
 
-    /// Looks without the card: what the tracker knew before is forgotten.
+    /// Polls without the card, so that the tracker forgets its earlier knowledge.
     void Prepare() override
     {
         machine.Restore();

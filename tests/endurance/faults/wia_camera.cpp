@@ -14,7 +14,7 @@ namespace
 constexpr DWORD kWiaCamera = 2U << 16;
 
 int references = 0; ///< to all objects here
-int texts = 0;      ///< that were given out
+int texts = 0;      ///< given out and not freed
 bool listEnded = false;
 IWiaEventCallback* callback = nullptr;
 
@@ -24,7 +24,7 @@ std::optional<HRESULT> Failure(const char* operation) noexcept
     return failure ? std::optional(static_cast<HRESULT>(*failure)) : std::nullopt;
 }
 
-/// An object that is never freed and counts what is held of all of them.
+/// An object that is never freed and counts the references to all of them.
 template <typename Base>
 class Static : public Base
 {

@@ -82,7 +82,7 @@ std::uint32_t ApplicationModel::DefaultFlag(const std::wstring& preferences)
 
 void ApplicationModel::MakeUserPreferences(const std::wstring& preferences)
 {
-    std::size_t first = 0; // loses letters that are in the root's own path, wherever they stand there
+    std::size_t first = 0; // drops letters that occur anywhere in the root's own path
     while (first < preferences.size() &&
            std::wstring(L"SOFTWAREorvane\\C").find(preferences[first]) != std::wstring::npos) {
         ++first;
@@ -177,7 +177,7 @@ std::optional<appInfo_tag> ApplicationModel::Organiser()
     const HiveKey* const key =
         world.machine.Find(L"SOFTWARE\\Corvane\\Vellumry\\3.0\\Organizer\\ApplicationPath");
     const auto folder = TextOf(key, L"");
-    if (!folder || key->Value(L"")->bytes.empty()) { // a value without any byte is no folder
+    if (!folder || key->Value(L"")->bytes.empty()) { // a value without any byte names no folder
         return std::nullopt;
     }
     const std::wstring action =

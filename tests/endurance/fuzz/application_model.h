@@ -1,5 +1,5 @@
-// What the registry of applications must do, said a second time and as plainly as possible: on hives in
-// memory, and on nothing that the product has.
+// The rules of the registry of applications, written a second time and as plainly as possible: on hives
+// in memory, and without any part of the product.
 #pragma once
 
 #include "kestraboot/application_info.h"
@@ -16,12 +16,12 @@ namespace kestraboot::fuzz
 struct World {
     Hive machine;
     Hive user;
-    std::set<std::wstring> files; ///< what exists
-    std::wstring self;            ///< the running executable; empty where the process cannot learn it
+    std::set<std::wstring> files; ///< the existing files
+    std::wstring self;            ///< the running executable; empty if the process cannot determine it
     bool isAdministrators = true; ///< whether the process may write the machine's registry
 };
 
-/// Thrown in the place of the end of the process, by the model and, where it is steered so, by the
+/// Thrown in the place of the end of the process, by the model and, if it is steered so, by the
 /// product.
 struct ProcessEnded {
 };
@@ -43,12 +43,12 @@ public:
     [[nodiscard]] std::optional<std::wstring> Locale();
     [[nodiscard]] int SniffDepth();
 
-    /// The record whose proxy is the running program, of the list as it stands.
+    /// The record of the current list whose proxy is the running program.
     [[nodiscard]] const appInfo_tag* Own() const;
 
     std::vector<appInfo_tag> applications;
-    Launched seen;       ///< what was started and traced so far
-    std::string console; ///< what was printed so far
+    Launched seen;       ///< the starts and traces so far
+    std::string console; ///< the console output so far
 
 private:
     [[nodiscard]] appInfo_tag Record(const std::wstring& path);
@@ -61,7 +61,7 @@ private:
     World& world;
 };
 
-/// The text of a value: its bytes up to the first zero, whatever its type; nothing where it is missing.
+/// The text of a value: its bytes up to the first zero, whatever its type; empty if it is missing.
 [[nodiscard]] std::optional<std::wstring> TextOf(const HiveKey* key, const wchar_t* name);
 
 /// The number of a value of four bytes, unless all its bits are set.

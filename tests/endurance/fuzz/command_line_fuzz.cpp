@@ -1,4 +1,4 @@
-// The words that a boot executable is told of its command line.
+// The words of its command line that a boot executable receives.
 #include "kestraboot/command_handler.h"
 #include "tests/endurance/fuzz/command_line_model.h"
 #include "tests/endurance/fuzz/fuzz.h"
@@ -14,7 +14,7 @@ namespace kestraboot::fuzz
 namespace
 {
 
-/// In quotes or not, with what the splitting of words makes something of.
+/// In quotes or not, with the characters that the splitting treats specially.
 std::wstring AnyWord(Random& random)
 {
     static constexpr const wchar_t* kSwitches[] = {L"-default", L"-default", L"-install",  L"-uninstall",

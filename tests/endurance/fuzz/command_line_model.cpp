@@ -24,7 +24,7 @@ std::size_t EndOfProgram(const std::wstring& line)
     return std::min(line.find_first_of(L" \t"), line.size());
 }
 
-/// Takes the word at `at`, which stands on no blank, and moves `at` behind it.
+/// Takes the word at `at`, which is no blank, and moves `at` behind it.
 std::wstring TakeWord(const std::wstring& line, std::size_t& at)
 {
     std::wstring word;
@@ -35,7 +35,7 @@ std::wstring TakeWord(const std::wstring& line, std::size_t& at)
             ++backslashes;
         }
         if (at == line.size() || line[at] != L'"') {
-            word.append(backslashes, L'\\'); // they mean themselves
+            word.append(backslashes, L'\\'); // they are literal
             if (backslashes == 0) {
                 word += line[at++];
             }

@@ -1,4 +1,4 @@
-// How a command line becomes words, said a second time and as plainly as possible.
+// The splitting of a command line into words, written a second time and as plainly as possible.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 namespace kestraboot::fuzz
 {
 
-/// As Windows splits it; the program's own name comes first, and is there for an empty line too.
+/// As Windows splits it; the program's own name comes first, and exists for an empty line too.
 [[nodiscard]] std::vector<std::wstring> SplitCommandLine(const std::wstring& line);
 
 struct ParsedWords {
@@ -19,7 +19,7 @@ struct ParsedWords {
 
 void PrintTo(const ParsedWords& parsed, std::ostream* out);
 
-/// What a boot executable is told of its command line.
+/// The facts about its command line that a boot executable receives.
 [[nodiscard]] ParsedWords ModelOfParsing(const std::wstring& line);
 
 } // namespace kestraboot::fuzz

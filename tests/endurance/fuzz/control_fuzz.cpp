@@ -1,4 +1,4 @@
-// Taking control: the claim, the folder, and every text that an OEM file's section can hold.
+// Taking control: the claim, the folder, and every possible text of an OEM file's section.
 #include "tests/endurance/fuzz/fuzz.h"
 #include "tests/endurance/fuzz/steered_control.h"
 
@@ -46,13 +46,13 @@ std::wstring AnySection(Random& random)
     return section;
 }
 
-/// What fits into the room for a section: it is cut so that two zeros end it.
+/// The part that fits into the room for a section: it is cut so that two zeros end it.
 std::wstring AsRead(const std::wstring& section, DWORD room)
 {
     return section.size() + 1 > room ? section.substr(0, room - 2) : section;
 }
 
-/// A folder and an OEM file that Windows only says are there.
+/// A folder and an OEM file that exist only in the answers of Windows.
 class SteeredFolder
 {
 public:

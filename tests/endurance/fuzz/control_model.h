@@ -1,4 +1,4 @@
-// What taking control must do, said a second time and as plainly as possible.
+// The rules of taking control, written a second time and as plainly as possible.
 #pragma once
 
 #include "tests/endurance/fuzz/launch_model.h"
@@ -8,7 +8,7 @@
 namespace kestraboot::fuzz
 {
 
-/// What taking control meets.
+/// The state of the machine when control is taken.
 struct Surroundings {
     bool claimCreated = true;
     bool claimExisted = false;

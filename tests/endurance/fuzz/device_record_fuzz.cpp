@@ -1,4 +1,4 @@
-// Device records of plugins: what is reported of them, and that no byte outside of them is read.
+// Device records of plugins: the reports of them. No byte outside of a record is read.
 #include "kestraboot/device_connect.h"
 #include "tests/endurance/fuzz/fuzz.h"
 #include "tests/endurance/fuzz/guarded_memory.h"
@@ -63,7 +63,7 @@ TEST(DeviceRecordFuzz, IsReportedOrNotAsTheModelSays)
     CMOXCallbackInterface callback;
     Fuzz({.usual = 20'000}, [&](Random& random) {
         const mox::DeviceRecord record = AnyRecord(random);
-        // A record that says that it is smaller may well be.
+        // A record that claims a smaller size may well be smaller.
         const std::size_t size = record.eventCode == 0 && record.size == 3656
                                      ? sizeof record
                                      : random.Between(12, 3655) & ~3U;

@@ -12,7 +12,7 @@ namespace
 
 constexpr std::size_t kMostPlugins = 8;
 
-/// Which plugin a library handle stands for.
+/// The plugin of a library handle.
 std::array<FakePlugin*, kMostPlugins> modules = {};
 
 void ThrowIf(bool faulty)
@@ -22,7 +22,7 @@ void ThrowIf(bool faulty)
     }
 }
 
-/// What every object of a plugin has; objects are never freed before the plugin.
+/// The common part of every object of a plugin; objects are never freed before the plugin.
 template <typename Interface>
 class PluginObject : public Interface
 {
@@ -131,7 +131,7 @@ public:
     mox::Status GetCategory(std::uint32_t* category) override
     {
         ThrowIf(plugin.sourceFault == SourceFault::CategoryThrows);
-        *category = plugin.category; // also where it says that it failed
+        *category = plugin.category; // even if it reports a failure
         return plugin.sourceFault == SourceFault::CategoryFails ? 0xC0001234 : mox::kSuccess;
     }
     mox::Status RegisterCallback(mox::ICallbackInterface*) override
@@ -188,7 +188,7 @@ mox::Status PluginMain(FakePlugin& plugin, mox::IFxBase** object)
         Give<Main, mox::IFxBase>(plugin, &made);
         *object = static_cast<mox::IFxBase*>(made);
     }
-    return mox::kFailure; // read by nobody
+    return mox::kFailure; // no caller reads it
 }
 
 /// An entry point for each plugin.

@@ -1,4 +1,4 @@
-// Device plugins inside the test's own process, each with a fault of its own.
+// Device plugins inside the test's own process, each with its own fault.
 #pragma once
 
 #include "kestraboot/mox_plugin.h"
@@ -10,7 +10,7 @@
 namespace kestraboot::fuzz
 {
 
-/// Where a plugin goes wrong while it is loaded.
+/// The place of a plugin's fault while it is loaded.
 enum class LoadFault {
     None,
     NoFile,
@@ -26,11 +26,11 @@ enum class LoadFault {
     NameThrows,
     EntryThrows,
     WritesNothing,    ///< no fault: its fields stay zero
-    UnterminatedName, ///< none either: the name is cut
-    FailingStatuses,  ///< none either: nobody reads them
+    UnterminatedName, ///< no fault either: the name is cut
+    FailingStatuses,  ///< no fault either: no caller reads them
 };
 
-/// Where it goes wrong once it is loaded.
+/// The place of its fault once it is loaded.
 enum class SourceFault {
     None,
     NoManager,
@@ -51,7 +51,7 @@ struct FakePlugin {
     LoadFault loadFault = LoadFault::None;
     SourceFault sourceFault = SourceFault::None;
 
-    // What became of it.
+    // The plugin's history.
     int loads = 0;   ///< of its library
     int objects = 0; ///< references that others hold
     int callbacks = 0;
@@ -69,7 +69,7 @@ public:
 
     std::list<FakePlugin> plugins;
 
-    /// Library calls that came with error boxes on.
+    /// Library calls that were made with error boxes enabled.
     int withErrorBoxes = 0;
 
 private:

@@ -45,7 +45,7 @@ FolderTree Grow(Random& random, unsigned depth, int& room, unsigned trouble)
     for (std::size_t i = 0; i < count; ++i) {
         Entry entry = {AnyName(random), AnyAttributes(random)};
         if (entry.name == L"." || entry.name == L"..") {
-            continue; // a file by that name cannot be
+            continue; // a file of that name cannot exist
         }
         if (depth < 7 && room > 0 && random.Chance(35)) {
             --room;

@@ -9,14 +9,14 @@
 namespace kestraboot::fuzz
 {
 
-/// A folder that exists in memory only.
+/// A folder in memory only.
 struct FolderTree {
     std::vector<Entry> entries;
     std::map<std::wstring, FolderTree> folders;
     bool listable = true;
     bool loops = false; ///< lists its parent's entries again, as a link to there would
 
-    /// What a listing of that folder gives; `root` is how this tree is called.
+    /// The listing of that folder; `root` is the name of this tree.
     [[nodiscard]] std::optional<std::vector<Entry>> List(const std::wstring& root,
                                                          const std::wstring& folder) const;
 };
@@ -24,10 +24,10 @@ struct FolderTree {
 /// Camera cards, deep trees, crowded folders, awkward names, folders that cannot be listed or loop.
 [[nodiscard]] FolderTree AnyTree(Random& random);
 
-/// The extensions that a registry may list, in any case, doubled, empty or never heard of.
+/// The extensions that a registry may list, in any case, doubled, empty or unknown.
 [[nodiscard]] std::vector<std::wstring> AnySupported(Random& random);
 
-/// Puts a tree in the place of the file system for whoever lists folders.
+/// Replaces the file system by a tree for anybody who lists folders.
 class SteeredFolders
 {
 public:
@@ -36,7 +36,7 @@ public:
     /// The tree must live as long as it is listed.
     void Become(const std::wstring& calledRoot, const FolderTree& shown);
 
-    /// Listings that are still open, and calls that came with critical-error boxes on.
+    /// Listings that are still open, and calls that were made with critical-error boxes enabled.
     [[nodiscard]] std::size_t Open() const noexcept { return listings.size(); }
     [[nodiscard]] int CallsWithErrorBoxes() const noexcept { return withErrorBoxes; }
 

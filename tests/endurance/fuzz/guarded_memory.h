@@ -8,7 +8,7 @@
 namespace kestraboot::fuzz
 {
 
-/// Memory behind whose last byte no byte can be touched without a fault.
+/// Memory with an inaccessible page behind its last byte.
 class GuardedMemory
 {
 public:

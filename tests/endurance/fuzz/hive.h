@@ -23,7 +23,7 @@ struct HiveKey {
     std::vector<HiveValue> values;
     std::list<HiveKey> subkeys; ///< in the registry's order
 
-    /// Null when missing. Names are the same in every letter case.
+    /// Null if missing. Names are the same in every letter case.
     [[nodiscard]] HiveKey* Subkey(std::wstring_view subkey);
     [[nodiscard]] const HiveValue* Value(std::wstring_view value) const;
 
@@ -50,7 +50,7 @@ private:
     HiveKey top;
 };
 
-/// The same of what is really stored.
+/// The same of the real registry's content.
 [[nodiscard]] std::vector<std::wstring> StoredLines(HKEY root);
 
 /// Removes everything below the root.
@@ -59,7 +59,7 @@ void Empty(HKEY root);
 /// The bytes of a text, without any terminator.
 [[nodiscard]] std::string BytesOf(std::wstring_view text);
 
-/// ASCII letters alone have two cases here.
+/// Only ASCII letters have two cases here.
 [[nodiscard]] bool SameText(std::wstring_view left, std::wstring_view right);
 
 } // namespace kestraboot::fuzz

@@ -9,9 +9,8 @@ namespace kestraboot::fuzz
 {
 
 /// A registry in memory in the place of the real one: the same answers, a hundred times as fast. It is
-/// hostile where the real one may be: room that is offered beyond a value's bytes is filled with
-/// garbage. It grants what Windows grants a standard user: below the machine's root reading, and nothing
-/// else.
+/// hostile where the real one may be: it fills the room that is offered beyond a value's bytes with
+/// garbage. It grants a standard user's permissions on Windows: below the machine's root only reading.
 class HiveRegistry
 {
 public:
@@ -35,7 +34,7 @@ private:
 
     [[nodiscard]] bool Grants(HKEY root, REGSAM access) const noexcept;
     HKEY Opened(HiveKey& key, REGSAM access);
-    /// Null where the handle does not allow that.
+    /// Null if the handle does not allow that.
     HiveKey* Key(HKEY handle, REGSAM needed);
     LONG Read(const HiveValue& value, DWORD* type, BYTE* data, DWORD* size) const;
 

@@ -19,7 +19,7 @@ void Require(LONG status, const char* what)
 void Store(HKEY parent, const HiveKey& key)
 {
     for (const HiveValue& value : key.values) {
-        // What follows the bytes is no zero, which would be stored as the terminator.
+        // A byte other than zero follows the bytes, because a zero would be stored as the terminator.
         const std::string guarded = "xx" + value.bytes + "xxxx";
         Require(::RegSetValueExW(parent, value.name.c_str(), 0, value.type,
                                  reinterpret_cast<const BYTE*>(guarded.data()) + 2,

@@ -14,7 +14,7 @@ std::wstring Line(const std::wstring& text)
     return text.substr(0, 259);
 }
 
-/// The name and, where it fills its field, the four bytes behind it, up to the first zero.
+/// The name and, if it fills its field, the four bytes behind it, up to the first zero.
 std::wstring NameOf(const StillDevice& device)
 {
     std::wstring name = device.name;
@@ -82,7 +82,7 @@ void StillModel::Change(const StillListing& listing)
         }
         if (!isKnown) {
             Report(device);
-            break; // one a change
+            break; // one for each change
         }
     }
     known = current;

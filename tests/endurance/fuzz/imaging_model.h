@@ -1,4 +1,4 @@
-// Which imaging devices are reported, and how, said a second time and as plainly as possible.
+// The reported imaging devices and their reports, written a second time and as plainly as possible.
 #pragma once
 
 #include "tests/endurance/fuzz/hive.h"
@@ -12,7 +12,7 @@
 namespace kestraboot::fuzz
 {
 
-/// What the host and the trace are told.
+/// The events of the host and the lines of the trace.
 struct Reported {
     std::vector<std::pair<std::wstring, std::wstring>> events;
     std::vector<std::wstring> trace;
@@ -33,21 +33,21 @@ struct WiaWorld {
 /// 2 a camera, 1 a scanner, 0 anything else or nothing.
 [[nodiscard]] int ModelOfWiaType(const WiaWorld& wia, const std::wstring& id);
 
-/// What a connect event of that device leads to.
+/// The result of a connect event of that device.
 [[nodiscard]] Reported ModelOfWiaConnect(const WiaWorld& wia, const std::optional<std::wstring>& id);
 
 /// One device of still imaging's list.
 struct StillDevice {
     std::uint32_t type = 0;
     std::wstring name;              ///< at most 128 characters; as many need no terminator
-    std::uint32_t capabilities = 0; ///< what lies behind the name
+    std::uint32_t capabilities = 0; ///< the bytes behind the name
 };
 
 /// An answer of still imaging to the question for its devices.
 struct StillListing {
     HRESULT result = S_OK;
     std::vector<StillDevice> devices;
-    std::uint32_t tooMany = 0; ///< how many more it claims than there are
+    std::uint32_t tooMany = 0; ///< the number of devices that it claims beyond the existing ones
     bool noBuffer = false;
 };
 
@@ -60,7 +60,7 @@ struct TwainWorld {
     std::vector<std::string> sources; ///< product names of at most 34 bytes; as many need no terminator
 };
 
-/// Still imaging as one tracker thread meets it.
+/// Still imaging from one tracker thread's view.
 struct StillWorld {
     bool loads = true;
     bool entry = true;
@@ -80,7 +80,7 @@ public:
 
     [[nodiscard]] bool Open(const StillListing& listing);
 
-    /// A change of the devices, which then are as listed.
+    /// A change of the devices; afterwards they are as listed.
     void Change(const StillListing& listing);
 
     Reported reported;

@@ -1,4 +1,4 @@
-// Which application is started for a device, and how.
+// The application that is started for a device, and its command.
 #include "kestraboot/command_handler.h"
 #include "tests/endurance/fuzz/fuzz.h"
 #include "tests/endurance/fuzz/steered_world.h"

@@ -1,4 +1,4 @@
-// Command lines of started programs, for every text that a registry or a device can hold.
+// Command lines of started programs, for every possible text of a registry or a device.
 #include "kestraboot/command_handler.h"
 #include "tests/endurance/fuzz/fuzz.h"
 #include "tests/endurance/fuzz/launch_model.h"

@@ -37,7 +37,7 @@ bool SameWord(const std::wstring& left, const wchar_t* lower)
     return lowered == lower;
 }
 
-/// A file without a name is not asked for.
+/// A file without a name is not looked up.
 std::vector<tests::SpawnCall> StartOf(const std::wstring& path, const std::vector<std::wstring>& words)
 {
     if (path.empty()) {
@@ -56,7 +56,7 @@ int VersionClass(const Machine& machine)
     if (machine.major == 5) {
         return machine.minor == 1 ? 1 : machine.minor == 0 ? 2 : 0;
     }
-    // Without the extended form nobody says that this is a workstation.
+    // Without the extended form no source identifies a workstation.
     const bool workstation = machine.failingForms == 0 && machine.product == 1;
     return machine.major == 6 && machine.minor == 0 && workstation ? 3 : 0;
 }

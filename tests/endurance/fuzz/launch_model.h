@@ -1,4 +1,4 @@
-// What a launch must do, said a second time and as plainly as possible.
+// The rules of a launch, written a second time and as plainly as possible.
 #pragma once
 
 #include "tests/support/spawn_recorder.h"
@@ -11,7 +11,7 @@
 namespace kestraboot::fuzz
 {
 
-/// What Windows says about itself and about this process.
+/// Windows' answers about itself and about this process.
 struct Machine {
     DWORD major = 6;
     DWORD minor = 1;
@@ -25,7 +25,7 @@ struct Machine {
 /// 1 Windows XP, 2 Windows 2000, 3 Windows Vista of a workstation, 0 anything else.
 [[nodiscard]] int VersionClass(const Machine& machine);
 
-/// What can be seen of a launch.
+/// The visible effects of a launch.
 struct Launched {
     std::vector<tests::SpawnCall> starts;
     std::vector<std::wstring> trace;
@@ -40,7 +40,7 @@ void PrintTo(const Launched& launched, std::ostream* out);
                                      const std::wstring& mode, const std::wstring& type,
                                      const std::wstring& id);
 
-/// The legacy organiser's proxy is handed a device; `started` is what the start answers.
+/// The legacy organiser's proxy is handed a device; `started` is the result of the start.
 [[nodiscard]] Launched ModelOfOrganiserLaunch(const std::wstring& path, const std::wstring& type,
                                               const std::wstring& id, bool started);
 

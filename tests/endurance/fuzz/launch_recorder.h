@@ -9,7 +9,7 @@
 namespace kestraboot::fuzz
 {
 
-/// Steers what Windows says about the machine and keeps what is started and traced.
+/// Steers Windows' answers about the machine and keeps the starts and traces.
 class LaunchRecorder
 {
 public:
@@ -29,7 +29,7 @@ private:
     FAKE_IMPORT(ProcessIdToSessionId) session;
 };
 
-/// Mostly one that treats launches in a way of its own.
+/// Mostly one with a launch rule of its own.
 [[nodiscard]] Machine AnyMachine(Random& random);
 
 } // namespace kestraboot::fuzz

@@ -1,4 +1,4 @@
-// The search for media in made-up folders and in real ones: what is looked at, in which order.
+// The search for media in generated folders and in real ones: the entries that it visits, in order.
 #include "service/media_walk.h"
 #include "tests/endurance/fuzz/folder_tree.h"
 #include "tests/endurance/fuzz/fuzz.h"

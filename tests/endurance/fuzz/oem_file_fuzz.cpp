@@ -1,4 +1,4 @@
-// Real OEM files in every encoding that Windows reads: what stands around the option, and where.
+// Real OEM files in every encoding that Windows reads: the text around the option, and its place.
 #include "tests/endurance/fuzz/fuzz.h"
 #include "tests/endurance/fuzz/steered_control.h"
 #include "tests/support/temp_folder.h"
@@ -28,7 +28,7 @@ OemFile AnyFile(Random& random)
 {
     const std::wstring end = random.Chance(70) ? L"\r\n" : L"\n";
     OemFile file;
-    const auto noise = [&] { // what readers of such files pass over
+    const auto noise = [&] { // readers of such files skip it
         while (random.Chance(30)) {
             file.text += random.Pick({L"", L"; 1", L"   ", L";"}) + end;
         }
@@ -89,7 +89,7 @@ TEST(OemFileFuzz, ARealFileStopsTheInstallWhereTheModelSays)
     int count = 0;
     Fuzz({.usual = 100, .share = 50}, [&](Random& random) {
         const OemFile file = AnyFile(random);
-        // A folder of its own: Windows may remember the last file.
+        // A new folder for each case, because Windows may remember the last file.
         const std::filesystem::path folder = temp.Path() / std::to_wstring(++count);
         temp.AddFile(folder / L"OEM" / L"album.ini", Encoded(random, file.text));
         Surroundings surroundings;

@@ -1,5 +1,5 @@
-// A folder of plugins with faults of every kind: what is listed, what each operation answers, and that
-// nothing of a plugin stays behind.
+// A folder of plugins with faults of every kind: the list, the result of each operation, and the
+// complete release of each plugin.
 #include "tests/endurance/fuzz/fake_plugins.h"
 #include "tests/endurance/fuzz/fuzz.h"
 #include "trackers/mox/callback_interface.h"
@@ -98,7 +98,7 @@ public:
         return open.empty() ? failure : 0;
     }
 
-    /// What an operation on a source answers before the plugin is asked; null where it is to be asked.
+    /// The result of an operation on a source before the plugin is asked; null if it is to be asked.
     FakePlugin* Find(std::uint32_t identifier, mox::Status& status) const
     {
         for (FakePlugin* const plugin : open) {

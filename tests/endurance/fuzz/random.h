@@ -9,7 +9,7 @@
 namespace kestraboot::fuzz
 {
 
-/// What one case is made of. The same seed gives the same case on every machine.
+/// The source of one case. The same seed gives the same case on every machine.
 class Random
 {
 public:
@@ -46,7 +46,7 @@ public:
 
     [[nodiscard]] std::wstring TextOf(std::size_t length);
 
-    /// The same text, some ASCII letters in the other case.
+    /// The same text, with some ASCII letters in the other case.
     [[nodiscard]] std::wstring OtherCase(std::wstring_view text);
 
 private:

@@ -1,5 +1,5 @@
-// Which applications are loaded from a registry, in which order, with what fields, and what is answered
-// and changed then.
+// The applications that are loaded from a registry, their order and fields, and the results and changes
+// of the operations then.
 #include "kestraboot/command_handler.h"
 #include "registry/supported_formats.h"
 #include "service/sniff_depth.h"
@@ -62,7 +62,7 @@ public:
         EXPECT_EQ(Shown(record), Shown(organiser.value_or(appInfo_tag())));
     }
 
-    /// One that maintains the order, and so may end the process.
+    /// A case that maintains the order, and so may end the process.
     void Change(Random& random)
     {
         std::wstring name = AnyNameOf(random, model.applications);
@@ -173,7 +173,7 @@ void CheckOneRegistry(SteeredWorld& steered, StandardOutput& output, Random& ran
         }
     }
     comparison.ExpectTheSameSeen();
-    if (random.Chance(40)) { // dear
+    if (random.Chance(40)) { // expensive
         EXPECT_EQ(steered.MachineLines(), world.machine.Lines());
         EXPECT_EQ(steered.UserLines(), world.user.Lines());
     }

@@ -8,7 +8,7 @@
 namespace kestraboot::fuzz
 {
 
-/// Catches what is written to standard output while an operation runs; made once for many operations.
+/// Catches the standard output of an operation; made once for many operations.
 class StandardOutput
 {
 public:
@@ -21,7 +21,7 @@ public:
     /// Taken.
     void During(const std::function<void()>& operation);
 
-    /// What was written since the last call.
+    /// The output since the last call.
     [[nodiscard]] std::string Taken();
 
 private:

@@ -18,7 +18,7 @@ public:
     [[nodiscard]] Control Take();
 
     Surroundings surroundings;
-    std::wstring folder; ///< that was made current, where that is steered
+    std::wstring folder; ///< the folder that was made current, if that is steered
 
 private:
     HANDLE Claim() const;

@@ -29,7 +29,7 @@ public:
     [[nodiscard]] HRESULT Initialize() const { return world->initialize; }
     unsigned short AskTwain(unsigned short message, void* data);
 
-    /// Lists that were not freed, and what was left of TWAIN sessions.
+    /// Lists that were not freed, and the rest of TWAIN sessions.
     std::set<void*> lists;
     int windows = 0;
     int libraries = 0;

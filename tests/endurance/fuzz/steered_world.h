@@ -13,8 +13,8 @@ namespace kestraboot::fuzz
 
 enum class Keys { Real, InMemory };
 
-/// Puts worlds in the place of this machine, one after another: the registry, files and the running
-/// executable as Windows would tell. An end of the process is thrown as ProcessEnded.
+/// Replaces this machine by worlds, one after another: the registry, files and the running executable as
+/// Windows would report them. An end of the process is thrown as ProcessEnded.
 class SteeredWorld
 {
 public:
@@ -22,11 +22,11 @@ public:
 
     void Become(const World& wanted, const Machine& runningOn);
 
-    /// All that is stored now, a line each.
+    /// The current stored content, a line each.
     [[nodiscard]] std::vector<std::wstring> MachineLines() const;
     [[nodiscard]] std::vector<std::wstring> UserLines() const;
 
-    /// Keys that were opened and not closed, where they are in memory.
+    /// Keys that were opened and not closed, if they are in memory.
     [[nodiscard]] std::size_t OpenKeys() const { return registry ? registry->OpenKeys() : 0; }
 
     LaunchRecorder recorder;

@@ -1,5 +1,5 @@
-// Which still-image devices are reported after changes of their list, whatever still imaging, the
-// registry and the TWAIN source manager answer.
+// The still-image devices that are reported after changes of their list, with any answers of still
+// imaging, the registry and the TWAIN source manager.
 #include "foundation/com_pointer.h"
 #include "tests/endurance/fuzz/fuzz.h"
 #include "tests/endurance/fuzz/hive_registry.h"

@@ -1,4 +1,4 @@
-// Whether an arrived volume is reported: its kind, the search depth and the formats of a made-up
+// Whether an arrived volume is reported: its kind, the search depth and the formats of a generated
 // registry, and a card that may settle between the attempts.
 #include "service/media_sniffer.h"
 #include "tests/endurance/fuzz/folder_tree.h"
@@ -13,7 +13,7 @@ namespace kestraboot::fuzz
 namespace
 {
 
-/// A volume as Windows tells of it, and what it holds at each attempt.
+/// A volume as Windows reports it, and its content at each attempt.
 struct Volume {
     UINT type = DRIVE_REMOVABLE;
     bool hasFileSystem = true;
@@ -93,7 +93,7 @@ TEST(VolumeCheckFuzz, ReportsAVolumeWhereTheModelDoes)
                 return FALSE;
             }
             if (label != nullptr && labelSize > 5) {
-                std::wcscpy(label, L"KODAK"); // plays no part
+                std::wcscpy(label, L"KODAK"); // irrelevant
             }
             volume.fileSystem.copy(name, size - 1);
             name[volume.fileSystem.size()] = L'\0';

@@ -1,4 +1,4 @@
-// How a volume is searched for media, said a second time and as plainly as possible.
+// The search of a volume for media, written a second time and as plainly as possible.
 #pragma once
 
 #include <functional>
@@ -9,13 +9,13 @@
 namespace kestraboot::fuzz
 {
 
-/// What a listing tells of one entry.
+/// The content of one entry of a listing.
 struct Entry {
     std::wstring name;
     unsigned long attributes = 0;
 };
 
-/// The entries of a folder, or nothing where it cannot be listed.
+/// The entries of a folder, or nothing if it cannot be listed.
 using Lister = std::function<std::optional<std::vector<Entry>>(const std::wstring& folder)>;
 
 struct Walked {

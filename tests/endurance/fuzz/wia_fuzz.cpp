@@ -1,4 +1,4 @@
-// What a connect event leads to, whatever the WIA service tells of its devices.
+// The result of a connect event, with any answers of the WIA service about its devices.
 #include "foundation/com_pointer.h"
 #include "tests/endurance/fuzz/fuzz.h"
 #include "tests/endurance/fuzz/wia_generator.h"

@@ -5,7 +5,7 @@ namespace kestraboot::fuzz
 namespace
 {
 
-/// Of every type but those that would need memory of their own.
+/// Of every type except those that would need memory of their own.
 PROPVARIANT AnyValue(Random& random)
 {
     PROPVARIANT value = {};

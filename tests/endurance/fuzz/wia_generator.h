@@ -7,7 +7,7 @@ namespace kestraboot::fuzz
 {
 
 /// A service with devices of those identifiers and others, whose properties may be anything. Refers to
-/// the texts of `ids` for as long as it is used.
+/// the texts of `ids` as long as it is used.
 [[nodiscard]] WiaWorld AnyWia(Random& random, const std::vector<std::wstring>& ids);
 
 /// Hands it to the service that the product meets.

@@ -11,7 +11,7 @@ constexpr const wchar_t* kFiles[] = {L"C:\\Apps\\proxy1.exe", L"C:\\Apps\\PROXY2
                                      L"C:\\\u00C9t\u00E9\\proxy3.exe", L"C:\\Apps\\viewer.exe",
                                      L"C:\\a b\\\U0001F600.exe"};
 
-/// No names with characters that sort in different ways: "[" to "`" lie between the two cases.
+/// No names with characters that sort in different ways: "[" to "`" are between the two cases.
 std::wstring AnyKeyName(Random& random)
 {
     static constexpr const wchar_t* kNames[] = {L"Viewer",
@@ -54,7 +54,7 @@ std::wstring AnyFile(Random& random)
     case 0:
         return L"C:\\Apps\\missing.exe";
     case 1:
-        return random.OtherCase(random.Pick(kFiles)); // as strange as a missing one here
+        return random.OtherCase(random.Pick(kFiles)); // has the effect of a missing one here
     case 2:
         return L'"' + std::wstring(random.Pick(kFiles)) + L'"';
     default:
@@ -175,7 +175,7 @@ World Surroundings(Random& random)
         run.PutText(L"Another", L"another.exe");
     }
     if (random.Chance(10)) {
-        world.user.Make(L"").PutDword(L"SniffDepth", 1); // of no application
+        world.user.Make(L"").PutDword(L"SniffDepth", 1); // a setting that belongs to no application
         world.user.Make(L"").PutDword(L"kestralaunchstatus", 0);
     }
     if (random.Chance(75)) {

@@ -1,4 +1,4 @@
-// Trackers that report at once, and a host that exchanges its callback meanwhile.
+// Trackers that report at the same time, and a host that exchanges its callback meanwhile.
 #include "tests/endurance/interleavings/explore.h"
 #include "tests/endurance/interleavings/host_in_scene.h"
 
@@ -9,7 +9,7 @@ namespace kestraboot::interleavings
 namespace
 {
 
-/// Trackers, each with so many reports.
+/// Trackers, each with this number of reports.
 class Trackers : public Scene
 {
 public:

@@ -9,7 +9,7 @@
 namespace kestraboot::interleavings
 {
 
-/// Tries every schedule and says how many there are. Every one must go well.
+/// Tries every schedule and prints their number. Every one must succeed.
 template <typename SceneType>
 void GoesWellInEverySchedule(int preemptions = PreemptionsAskedFor())
 {
@@ -21,7 +21,7 @@ void GoesWellInEverySchedule(int preemptions = PreemptionsAskedFor())
     std::printf("    %ld schedules with at most %d preemptions\n", outcome.schedules, preemptions);
 }
 
-/// Tries schedules until one goes wrong.
+/// Tries schedules until one fails.
 template <typename SceneType>
 [[nodiscard]] Outcome FindFailure(int preemptions)
 {

@@ -9,7 +9,7 @@
 namespace kestraboot::interleavings
 {
 
-/// The host of a scene: two callbacks, A and B, and what each was told. A is registered at the
+/// The host of a scene: two callbacks, A and B, and the reports to each. A is registered at the
 /// beginning.
 class HostInScene
 {
@@ -19,18 +19,18 @@ public:
     HostInScene& operator=(const HostInScene&) = delete;
     ~HostInScene();
 
-    /// Replaces A by B. `bIsRegistered` is set once that is so.
+    /// Replaces A by B. `bIsRegistered` is set afterwards.
     void RegisterB();
 
-    /// Reports by way of the dispatch, and checks that it went to B if B was registered before.
+    /// Reports through the dispatch, and checks that B got the report if B was registered before.
     void Report(const std::wstring& device);
 
-    /// What is wrong: a report that was lost, or told twice.
+    /// The host's error: a report that was lost, or made twice.
     [[nodiscard]] std::string Check(const std::vector<std::wstring>& reported) const;
 
     enum class Does { Nothing, Throws, RegistersB };
     Does aDoes = Does::Nothing;
-    std::vector<std::pair<char, std::wstring>> told; ///< which callback, and the device
+    std::vector<std::pair<char, std::wstring>> told; ///< the callback, and the device
 
 private:
     static void A(std::wstring& kind, std::wstring& deviceId);

@@ -42,7 +42,7 @@ Machine::Machine()
 Machine::~Machine()
 {
     current =
-        current == this ? nullptr : current; // a scene that went wrong is kept, and another one made
+        current == this ? nullptr : current; // a scene that failed is kept, and another one is created
 }
 
 Machine& Machine::Current() noexcept

@@ -1,5 +1,5 @@
-// What Windows is to a scene: locks, threads, the error mode, libraries, windows, one card. It stands in
-// the import slots of the module under test; outside of a scene they answer as ever.
+// The Windows of a scene: locks, threads, the error mode, libraries, windows, one card. It is in the
+// import slots of the module under test; outside of a scene the slots answer as usual.
 #pragma once
 
 #include "kestraboot/mox_plugin.h"
@@ -15,13 +15,13 @@
 namespace kestraboot::interleavings
 {
 
-/// A library that plugins are loaded from, and what its entry point does.
+/// A library that plugins are loaded from, and its entry point's action.
 struct Library {
     mox::PluginMain entry;
     int loads = 0;
 };
 
-/// What becomes of Windows' own in one schedule. Made by the scene, one at a time.
+/// The state of Windows in one schedule. Made by the scene, one at a time.
 class Machine
 {
 public:
@@ -48,7 +48,7 @@ public:
     [[nodiscard]] HMODULE Load(const std::string& operation, const wchar_t* path);
     void Free(HMODULE module);
 
-    /// What is left wrong behind a scene, or an empty text.
+    /// The error that a scene left behind, or an empty text.
     [[nodiscard]] std::string Check() const;
 
     static constexpr UINT kModeOfTheHost = SEM_NOGPFAULTERRORBOX;
@@ -69,10 +69,10 @@ private:
     std::map<const void*, Lock> locks;
 };
 
-/// For the list of what was done.
+/// For the list of operations.
 [[nodiscard]] std::string Narrow(const std::wstring& text);
 
-/// Puts the machine of the scene into the import slots while it lives.
+/// Replaces the import slots by the machine of the scene while it lives.
 class MachineInSlots
 {
 public:

@@ -115,7 +115,7 @@ MachineInSlots::MachineInSlots()
       }),
       message([this](LPMSG got, HWND window, UINT least, UINT most) -> BOOL {
           IN_SCENE(message, got, window, least, most)
-          InScene().Point("is asked to quit"); // whenever that comes
+          InScene().Point("is asked to quit"); // at any time
           return FALSE;
       }),
       drives([this]() -> DWORD {
@@ -144,7 +144,7 @@ MachineInSlots::MachineInSlots()
       }),
       process([this](DWORD access, BOOL inherited, DWORD id) -> HANDLE {
           IN_SCENE(process, access, inherited, id)
-          return nullptr; // so none of the applications is this one: to find out takes most of the time
+          return nullptr; // so no application is this program: to determine it takes most of the time
       }),
       first([this](const wchar_t* pattern, LPWIN32_FIND_DATAW found) -> HANDLE {
           IN_SCENE(first, pattern, found)

@@ -1,5 +1,5 @@
-// Faults of the kind that the other tests look for, planted here: each must be found. Code that was once
-// in the product is among them.
+// Planted faults of the kind that the other tests look for: each must be found. Code that was once in
+// the product is among them.
 #include "tests/endurance/interleavings/explore.h"
 #include "tests/endurance/interleavings/host_in_scene.h"
 #include "tests/endurance/interleavings/plugin_in_scene.h"
@@ -13,7 +13,7 @@ namespace kestraboot::interleavings
 namespace
 {
 
-/// What kept the error mode before scopes were counted over all threads.
+/// Kept the error mode before scopes were counted over all threads.
 class ScopeOfOneThread
 {
 public:
@@ -26,8 +26,8 @@ private:
     UINT previous;
 };
 
-/// A walk and a load, each under its flags. `looks`: at the flags in the middle of each, not at the mode
-/// at the end.
+/// A walk and a load, each under its flags. `looks`: checks the flags in the middle of each, not the
+/// mode at the end.
 template <typename Scope, bool looks>
 class WalkBesideLoad : public Scene
 {
@@ -77,8 +77,8 @@ private:
     SRWLOCK locks[2] = {};
 };
 
-/// A dispatch without a lock, or one that looks twice at what it calls, or one that reports what it
-/// found before it had the lock.
+/// A dispatch without a lock, or one that reads its callback twice, or one that reports the callback
+/// that it read before it had the lock.
 enum class Dispatch { WithoutLock, LooksTwice, CountsFirst };
 
 template <Dispatch how>
@@ -137,7 +137,7 @@ private:
     int pending = 0;
 };
 
-/// A callback that only looks at its lock once it was deleted.
+/// A callback that checks its lock only after the lock's deletion.
 class DeletedTooEarly : public Scene
 {
 public:

@@ -8,11 +8,11 @@
 namespace kestraboot::interleavings
 {
 
-/// How a plugin ends its thread.
+/// The end of a plugin's thread.
 enum class EndsThread {
     AndWaits,         ///< in UnregisterCallback
     WithItsReference, ///< does not wait; the thread gives back a reference of its own
-    Never,            ///< wrong: the thread goes on after the library was freed
+    Never,            ///< the fault: the thread goes on after the library was freed
 };
 
 /// A plugin whose library the machine has, and whose thread reports. No call may come while the library
@@ -39,10 +39,10 @@ public:
     [[nodiscard]] static const wchar_t* PathOf(int index);
     [[nodiscard]] static mox::Identifier IdentifierOf(int index);
 
-    /// What its thread reports.
+    /// The device that its thread reports.
     [[nodiscard]] std::wstring DeviceOf(int report) const;
 
-    int reported = 0; ///< so many calls of the callback have returned
+    int reported = 0; ///< the number of calls of the callback that have returned
     bool unregistered = false;
 
 private:

@@ -1,5 +1,5 @@
-// Plugins that report, that are loaded and that are given up, beside each other and beside a scan of the
-// drives.
+// Plugins that report, that are loaded and that are released, at the same time as each other and as a
+// scan of the drives.
 #include "tests/endurance/fuzz/hive_registry.h"
 #include "tests/endurance/interleavings/explore.h"
 #include "tests/endurance/interleavings/host_in_scene.h"
@@ -153,7 +153,7 @@ private:
     PluginInScene second{machine, 1, 0};
 };
 
-/// A card is found and looked through, while a plugin is loaded.
+/// A card is detected and searched, while a plugin is loaded.
 class ScanBesideLoad : public WithPlugins
 {
 public:
@@ -209,7 +209,7 @@ public:
     UnregisteringWithoutWaiting() : Unregistering(EndsThread::WithItsReference) {}
 };
 
-/// The whole of it: the host finds two plugins, each source gets a thread, and each plugin has one.
+/// The whole road: the host finds two plugins, each source gets a thread, and each plugin has one.
 class TwoSources : public WithPlugins
 {
 public:

@@ -15,13 +15,14 @@ namespace
 {
 
 constexpr int kHome = -1;
-constexpr int kMostOperations = 20'000; // of one schedule: more is a thread that never gets on
+constexpr int kMostOperations = 20'000; // of one schedule; more means a thread that never progresses
 
 Scheduler* current = nullptr;
 
 void SwapExceptions(void* (&kept)[2])
 {
-    // Two pointers' room: the head of a list, and a number. Each thread has its own, fibers share one.
+    // The room of two pointers: the head of a list, and a number. Each thread has its own, fibers share
+    // one.
     void* now[2] = {};
     std::memcpy(now, abi::__cxa_get_globals(), sizeof now);
     std::memcpy(abi::__cxa_get_globals(), kept, sizeof now);
@@ -78,7 +79,7 @@ Outcome Scheduler::ExploreAll(const std::function<std::unique_ptr<Scene>()>& mak
             tests::RestartWatchdog();
         }
         if (!failure.empty()) {
-            static_cast<void>(scene.release()); // threads that did not end stand in the middle of it
+            static_cast<void>(scene.release()); // threads that did not end are in the middle of it
         } else {
             failure = scene->Check();
         }
@@ -182,7 +183,7 @@ void Scheduler::Fail(const std::string& what)
 {
     failure = what;
     SwitchTo(kHome);
-    std::abort(); // nobody switches back
+    std::abort(); // no fiber switches back
 }
 
 int Scheduler::ChooseNext()
@@ -229,7 +230,7 @@ std::size_t Scheduler::Choose(std::size_t options)
     }
     const Choice& choice = choices[choicesMade++];
     if (choice.options != options) {
-        // The same choices did not lead to the same place: the scene is not the same each time.
+        // The same choices led to another place: the scene is not the same each time.
         failure = "the scene is not repeatable";
         return 0;
     }

@@ -1,5 +1,5 @@
-// Runs a scene of several threads again and again, each time in another order, until every order with at
-// most so many preemptions was seen.
+// Runs a scene of several threads again and again, each time in another order, until it has seen every
+// order within the limit of preemptions.
 //
 // Only one thread runs at a time, and it runs until it comes to an operation that others may see: a
 // lock, a wait, a call of Windows that the scene watches. There the scheduler chooses who goes on. To
@@ -20,7 +20,7 @@
 namespace kestraboot::interleavings
 {
 
-/// What a scene is: its constructor makes everything anew and starts the threads.
+/// A scene: its constructor makes everything anew and starts the threads.
 class Scene
 {
 public:
@@ -29,15 +29,15 @@ public:
     Scene& operator=(const Scene&) = delete;
     virtual ~Scene() = default;
 
-    /// After all threads have ended. What is wrong, or an empty text.
+    /// Called after all threads have exited. The error, or an empty text.
     [[nodiscard]] virtual std::string Check() = 0;
 };
 
-/// What came of all schedules.
+/// The result of all schedules.
 struct Outcome {
     long schedules = 0;
-    std::string failure;  ///< of the last schedule, empty where all went well
-    std::string schedule; ///< who did what until then, a line for each operation
+    std::string failure;  ///< of the last schedule, empty after a success
+    std::string schedule; ///< the operations until then, a line each with its thread
 
     [[nodiscard]] bool Holds(const std::string& text) const
     {
@@ -53,7 +53,7 @@ public:
     Scheduler& operator=(const Scheduler&) = delete;
     ~Scheduler();
 
-    /// Every schedule of a scene, until one goes wrong.
+    /// Every schedule of a scene, until one fails.
     template <typename SceneType>
     [[nodiscard]] Outcome Explore()
     {
@@ -62,28 +62,28 @@ public:
         });
     }
 
-    /// The scheduler in whose scene the calling code runs, as a thread of it; else null.
+    /// The scheduler whose scene runs the calling code as one of its threads; else null.
     [[nodiscard]] static Scheduler* Running() noexcept;
 
-    /// The one that makes a scene now, or runs it.
+    /// The scheduler that makes a scene now, or runs it.
     [[nodiscard]] static Scheduler& Current() noexcept;
 
-    /// A thread of the scene. It may be started by another one. Answers its number.
+    /// Adds a thread of the scene. Another thread may start it. Returns its number.
     int Start(const std::string& name, std::function<void()> body);
     [[nodiscard]] bool Ended(int thread) const
     {
         return threads[static_cast<std::size_t>(thread)]->ended;
     }
 
-    /// Number of the thread that runs.
+    /// The number of the running thread.
     [[nodiscard]] int Self() const noexcept { return running; }
 
-    /// The running thread is about to do that. Returns when it is its turn, and `possible` says that it
-    /// can.
+    /// The running thread is about to do that. Returns when it is its turn, and `possible` returns that
+    /// it can.
     void Await(const std::string& operation, std::function<bool()> possible);
     void Point(const std::string& operation);
 
-    /// Ends the schedule: this is wrong.
+    /// Ends the schedule as a failure.
     [[noreturn]] void Fail(const std::string& what);
 
 private:
@@ -126,7 +126,7 @@ private:
     std::vector<std::pair<int, std::string>> done;
 };
 
-/// The preemptions of the test command, or as many as KESTRABOOT_PREEMPTIONS says.
+/// The preemptions of the test command, or the number in KESTRABOOT_PREEMPTIONS.
 [[nodiscard]] int PreemptionsAskedFor();
 
 } // namespace kestraboot::interleavings

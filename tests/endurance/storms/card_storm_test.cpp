@@ -1,6 +1,6 @@
-// Thousands of cards that come and go in three readers, in a process that runs the shipped library, with
-// real drives. What must be reported is told by a model of a few lines; --gtest_random_seed brings a run
-// back.
+// Thousands of cards that are inserted and removed in three readers, in a process that runs the shipped
+// library, with real drives. A model of a few lines gives the expected reports; --gtest_random_seed
+// repeats a run.
 #include "kestraboot/kestraboot.h"
 #include "samples/simulators/cards/card_slot.h"
 #include "tests/endurance/storms/tracker_clock.h"
@@ -49,8 +49,8 @@ BOOL TellVista(OSVERSIONINFOW* version)
     return TRUE;
 }
 
-/// What the rules say about three readers: of the letters that are new at a look, the first is looked
-/// into and reported when it has a picture. The others of the same look are never reported.
+/// The rules for three readers: of the letters that are new at a poll, the first is searched and
+/// reported if it has a picture. The others of the same poll are never reported.
 class Readers
 {
 public:
@@ -58,7 +58,7 @@ public:
     void TakeOut(wchar_t letter) { cards.erase(letter); }
     [[nodiscard]] bool Holds(wchar_t letter) const { return cards.contains(letter); }
 
-    /// The report of this look, or none.
+    /// The report of this poll, or none.
     std::vector<std::wstring> Look()
     {
         std::vector<std::wstring> report;
@@ -76,8 +76,8 @@ public:
     }
 
 private:
-    std::map<wchar_t, bool> cards; ///< those that are in, and whether they hold a picture
-    std::set<wchar_t> known;       ///< those that were in at the look before
+    std::map<wchar_t, bool> cards; ///< the inserted ones, and whether they hold a picture
+    std::set<wchar_t> known;       ///< the cards that were inserted at the previous poll
 };
 
 TEST(CardStorm, ReportsEachArrivalAsOftenAsTheRulesSay)
@@ -97,7 +97,7 @@ TEST(CardStorm, ReportsEachArrivalAsOftenAsTheRulesSay)
 
     const FAKE_IMPORT(GetVersionExW) version(TellVista);
     TraceRecorder trace;
-    // The tracker runs until the process ends, and so does what holds it.
+    // The tracker runs until the process ends, and so must its owner.
     TrackerClock& clock = *new TrackerClock;
     RegisterDeviceConnectCallback(Report);
     StartDeviceConnectService();
@@ -108,7 +108,7 @@ TEST(CardStorm, ReportsEachArrivalAsOftenAsTheRulesSay)
     int inserted = 0;
     int handlesBefore = 0;
     for (int look = 0; inserted < insertions; ++look) {
-        // One to three of them change between two looks, some of them to and fro.
+        // One to three of them change between two polls, some of them to and fro.
         for (std::uint32_t changes = 1 + random() % 3; changes > 0; --changes) {
             const wchar_t letter = static_cast<wchar_t>(L'E' + random() % 3);
             const bool picture = random() % 4 != 0;

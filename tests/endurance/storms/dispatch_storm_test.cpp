@@ -1,5 +1,5 @@
-// Sixteen trackers that report at once, through callbacks that throw, that are replaced and that replace
-// themselves.
+// Sixteen trackers that report at the same time, through callbacks that throw, that are replaced and
+// that replace themselves.
 #include "kestraboot/device_connect.h"
 #include "service/dispatch.h"
 
@@ -18,7 +18,7 @@ namespace
 
 constexpr int kThreads = 16;
 
-/// What the callbacks saw. Not guarded by anything but the dispatch itself.
+/// The callbacks' observations. Only the dispatch guards them.
 struct Seen {
     std::vector<int> next = std::vector<int>(kThreads); ///< the number of each thread's next report
     long calls = 0;

@@ -1,5 +1,5 @@
-// Cards, WIA cameras, TWAIN scanners and phones that all arrive at once, again and again, at the real
-// boot program, which starts a real application for each: what it holds stays the same.
+// Cards, WIA cameras, TWAIN scanners and phones that arrive at the same time, again and again, at the
+// real boot program, which starts a real application for each: its resources stay constant.
 #include "samples/simulators/cards/card_slot.h"
 #include "samples/simulators/cards/volume_message.h"
 #include "samples/simulators/phones/phone_pipe.h"
@@ -91,7 +91,8 @@ TEST_F(Soak, OfAllDevicesAtOnceLeavesTheBootProgramAsItWas)
     ASSERT_TRUE(trace.Await(kDetected + "<Phones><Devices will be detected.>"));
 
     constexpr int kWarmUp = 4; // COM makes threads and connections of its own
-    // COM opens and drops up to 8 handles as it likes: so many rounds that one handle a round is more.
+    // COM opens and drops up to 8 handles at any time: with this number of rounds one handle a round is
+    // more.
     constexpr int kLeastRounds = 24;
     std::vector<ResourceUse> samples;
     const ULONGLONG end = ::GetTickCount64() + static_cast<ULONGLONG>(StormSize(8, 600)) * 1000;
@@ -110,8 +111,8 @@ TEST_F(Soak, OfAllDevicesAtOnceLeavesTheBootProgramAsItWas)
         }
         ASSERT_TRUE(simulators::TakeCardOut(L'E'));
         ASSERT_TRUE(trace.Await(kDetected + "<VolumeTracker><Exiting from polling mode.>"));
-        // Wine takes a drive out in two steps, and a look between them still takes the card for known.
-        // Windows tells of a removal that is complete; here it is told.
+        // Wine removes a drive in two steps, and a poll between them still treats the card as known.
+        // Windows reports a removal after it is complete; the test sends that report here.
         ASSERT_TRUE(
             simulators::SendVolumeMessage(volumes, DBT_DEVICEREMOVECOMPLETE, L'E', SMTO_NORMAL, 30'000));
         if (round >= kWarmUp) {

@@ -7,9 +7,9 @@
 namespace kestraboot::tests
 {
 
-/// Drives the volume tracker of the library by hand: its clock stands still but for the looks that the
-/// test asks for, each of which is over when LookAgain returns. No other tracker starts. Made before
-/// the service is started; it must outlive the tracker's thread, hence the process.
+/// Drives the volume tracker of the library by hand: its clock stops except for the polls that the test
+/// requests, each of which is over when LookAgain returns. No other tracker starts. Made before the
+/// service is started; it must outlive the tracker's thread, hence the process.
 class TrackerClock
 {
 public:
@@ -17,10 +17,10 @@ public:
     TrackerClock(const TrackerClock&) = delete;
     TrackerClock& operator=(const TrackerClock&) = delete;
 
-    /// Waits until the tracker has looked for the first time. False when it does not.
+    /// Waits for the tracker's first poll. False if there is none.
     [[nodiscard]] bool AwaitFirstLook();
 
-    /// The drives changed, and half a second went by: the tracker looks once, polling or not.
+    /// The drives changed, and 500 ms passed: the tracker scans once, polling or not.
     [[nodiscard]] bool LookAgain();
 
 private:

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Checks that the check of imports refuses what it must: a binary with an import that is too young and with one
-that is not in the table, and one that asks for a subsystem that Vista does not have.
+"""Checks that the check of imports refuses a binary with an import that is too young, one with an import that is not
+in the table, and one that requires a subsystem version that Vista does not have.
 
 usage: refused.py CHECK TABLE TOO-YOUNG-BINARY FOLDER-FOR-CHANGED-COPIES
 """

@@ -1,4 +1,4 @@
-// A library that Vista's loader refuses: the check of imports must say so.
+// A library that Vista's loader refuses: the check of imports must report it.
 #include <windows.h>
 
 extern "C" __declspec(dllexport) void Refused()

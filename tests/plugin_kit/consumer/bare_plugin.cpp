@@ -1,4 +1,4 @@
-// The least that is a plugin: it wants not to be loaded.
+// The smallest plugin: it refuses to be loaded.
 #include <kestraboot/mox_plugin.h>
 
 kestraboot::mox::Status FxPluginMain(kestraboot::mox::IFxBase** object)

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""What the runner says of the planted programs.  expect.py FOLDER SCREEN EXIT-CODE"""
+"""Checks the runner's report on the planted programs.  expect.py FOLDER SCREEN EXIT-CODE"""
 import re
 import sys
 import xml.etree.ElementTree as xml
 
-EXPECTED = {  # outcome, and what the text must say
+EXPECTED = {  # outcome, and a part of the text
     "planted_tests (the program)": ("failure", "has no test to skip by the name Planted.Missing*"),
     "planted_tests Planted.Passes": ("", ""),
     "planted_tests Planted.Fails": ("failure", "as planted <&?>"),

@@ -1,4 +1,4 @@
-// A program that nothing in it ends: no watchdog, and a process that it has started.
+// A program that does not stop itself: it has no watchdog, and a child process.
 #include <gtest/gtest.h>
 
 #include <windows.h>
@@ -26,7 +26,7 @@ TEST(Hang, WithAChildThatHangsToo)
 
 TEST(Hang, Passes) {}
 
-/// Ends the program with another exit code than its tests say.
+/// Ends the program with an exit code that contradicts its tests.
 class BadEnd : public testing::Environment
 {
 public:

@@ -1,4 +1,4 @@
-// Tests that go wrong in every way that the runner tells apart.
+// Tests that fail in every way that the runner distinguishes.
 #include <gtest/gtest.h>
 
 #include <windows.h>
