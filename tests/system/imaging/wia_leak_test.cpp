@@ -46,7 +46,7 @@ TEST(WiaLookUps, OfConnectEventsLeaveNothingBehind)
     const std::wstring camera(1000, L'c');
     HostProcess host(L"imaging_host_6_0.exe");
     ASSERT_TRUE(host.WaitFor("trace <***DeviceConnect***><WiaTracker><WIA devices will be detected>."));
-    const int atOnce = StormSize(50, 1'000);
+    const int atOnce = StormSize(10, 1'000);
     EXPECT_TRUE(LeaveNothingBehind(host, std::to_string(10 * atOnce) + " WIA connect events", [&] {
         host.Forget();
         for (int i = 0; i < atOnce; ++i) {
