@@ -23,7 +23,9 @@
 
 #include <cstdio>
 #include <cstring>
+#include <deque>
 #include <string>
+#include <utility>
 
 namespace
 {
@@ -46,6 +48,8 @@ long CountOf(ServiceObjects what)
     return -1;
 }
 
+std::deque<std::wstring> toFire; ///< identifiers, one for each kFireMessage on its way
+
 LRESULT CALLBACK ServiceProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message == WM_COPYDATA) {
@@ -54,15 +58,13 @@ LRESULT CALLBACK ServiceProcedure(HWND window, UINT message, WPARAM wParam, LPAR
             return FALSE;
         }
         // Not from here: COM does not call out while a message is being answered.
-        const auto* const id =
-            new std::wstring(static_cast<const wchar_t*>(data.lpData), data.cbData / sizeof(wchar_t));
-        ::PostMessageW(window, kFireMessage, 0, reinterpret_cast<LPARAM>(id));
-        return TRUE;
+        toFire.emplace_back(static_cast<const wchar_t*>(data.lpData), data.cbData / sizeof(wchar_t));
+        return ::PostMessageW(window, kFireMessage, 0, 0);
     }
     if (message == kFireMessage) {
-        const auto* const id = reinterpret_cast<const std::wstring*>(lParam);
-        FireConnectEvent(*id);
-        delete id;
+        const std::wstring id = std::move(toFire.front());
+        toFire.pop_front();
+        FireConnectEvent(id);
         return 0;
     }
     if (message == kCountMessage) {
