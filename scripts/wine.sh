@@ -74,6 +74,17 @@ wine_prefix_end() {
     wine_in "$1" timeout --kill-after=10 30 wineserver -w >/dev/null 2>&1 </dev/null || true
 }
 
+# wine_log_off FOLDER: tells every program that the session ends, as at a log-off. If a program does not answer within a
+# few seconds, Wine asks in a dialog, which nobody sees here. The message is then sent again, three times in all.
+wine_log_off() {
+    local attempt
+    for attempt in 1 2 3; do
+        if wine_run "$1" 60 wineboot -e -s; then return 0; fi
+        echo "wine: the session in $1 does not end, attempt $attempt of 3" >&2
+    done
+    return 1
+}
+
 # wine_await SECONDS FILE TEXT [FILE ...]: waits until the file contains the text, or, if the text is empty, exists. If
 # the time expires, prints a message and the contents of all the files, and fails.
 wine_await() {

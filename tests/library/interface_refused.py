@@ -20,6 +20,8 @@ def fresh() -> None:
     for file in (VERSION, CHANGES, EXPORTS, LAYOUTS, PROMISED):
         (WORK / file).parent.mkdir(parents=True, exist_ok=True)
         shutil.copy(SOURCES / file, WORK / file)
+    unnamed = [line for line in (WORK / CHANGES).read_text(encoding="utf-8").splitlines() if "appInfo_tag" not in line]
+    (WORK / CHANGES).write_text("\n".join(unnamed) + "\n", encoding="utf-8")
 
 
 def replace(file: str, old: str, new: str) -> None:

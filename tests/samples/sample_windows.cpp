@@ -14,8 +14,11 @@ BOOL CALLBACK CloseViewer(HWND window, LPARAM ended)
     DWORD processId = 0;
     ::GetWindowThreadProcessId(window, &processId);
     const HANDLE process = ::OpenProcess(SYNCHRONIZE, FALSE, processId);
+    if (process == nullptr) {
+        return TRUE; // it has ended meanwhile
+    }
     ::PostMessageW(window, WM_CLOSE, 0, 0);
-    if (::WaitForSingleObject(process, 30'000) != WAIT_OBJECT_0) {
+    if (::WaitForSingleObject(process, 60'000) != WAIT_OBJECT_0) {
         *reinterpret_cast<bool*>(ended) = false;
     }
     ::CloseHandle(process);

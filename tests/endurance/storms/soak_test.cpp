@@ -8,6 +8,7 @@
 #include "tests/support/stand_in_folder.h"
 #include "tests/support/storm_size.h"
 #include "tests/support/unix_path.h"
+#include "tests/support/watchdog.h"
 #include "tests/system/imaging/resource_use.h"
 #include "tests/system/system_test.h"
 
@@ -97,6 +98,7 @@ TEST_F(Soak, OfAllDevicesAtOnceLeavesTheBootProgramAsItWas)
     std::vector<ResourceUse> samples;
     const ULONGLONG end = ::GetTickCount64() + static_cast<ULONGLONG>(StormSize(8, 600)) * 1000;
     for (int round = 0; ::GetTickCount64() < end || round < kWarmUp + kLeastRounds; ++round) {
+        RestartWatchdog(); // many rounds: each has the time of a test
         trace.Clear();
         standIns.Write("sti_devices.txt", {round % 2 == 0 ? "scanner Even" : "scanner Odd"});
         ASSERT_TRUE(simulators::InsertCard(L'E', UnixPath(card.Path())));
