@@ -29,6 +29,8 @@ class Soak : public SystemTest
 protected:
     Soak()
     {
+        // An application that ends at once: the windows of a hundred viewers would slow each broadcast.
+        app.Put(L"echo_command_line.exe", app.Application().filename());
         for (const wchar_t* const standIn : {L"sti.dll", L"twain_32.dll"}) {
             std::filesystem::copy_file(BuiltPrograms() / L"imaging" / standIn,
                                        app.folder.Path() / standIn);
