@@ -106,8 +106,19 @@ bool Register()
            SetDefault(handler, L"ThreadingModel", L"Both");
 }
 
+/// Two clients that come at the same time each make Wine's COM start a service. One of them serves; the
+/// other waits until that one has ended. It must not exit, because its client would then give up.
+bool BecomeTheOnlyOne()
+{
+    const HANDLE serving = ::CreateMutexW(nullptr, FALSE, kServiceWindow); // held until the process ends
+    return serving != nullptr && ::WaitForSingleObject(serving, INFINITE) != WAIT_FAILED;
+}
+
 int Serve()
 {
+    if (!BecomeTheOnlyOne()) {
+        return 1;
+    }
     WNDCLASSW windowClass = {};
     windowClass.lpfnWndProc = ServiceProcedure;
     windowClass.hInstance = ::GetModuleHandleW(nullptr);
