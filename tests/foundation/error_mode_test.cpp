@@ -65,7 +65,7 @@ private:
     UINT modeOfTheTest;
 };
 
-TEST_F(ErrorMode, IsInForceWithinTheScopeAndRestoredBehindIt)
+TEST_F(ErrorMode, IsSetWithinTheScopeAndRestoredAfterIt)
 {
     {
         const ErrorModeScope scope(kOfAWalk);
@@ -121,7 +121,7 @@ TEST_F(ErrorMode, OfAWalkOutlivesTheLoadThatBeganBeforeIt)
     EXPECT_EQ(::GetErrorMode(), kOfTheHost);
 }
 
-TEST_F(ErrorMode, IsTakenAnewByTheFirstScopeAfterTheLast)
+TEST_F(ErrorMode, IsReadAgainByTheFirstScopeAfterTheLast)
 {
     {
         const ErrorModeScope scope(kOfAWalk);
@@ -133,7 +133,7 @@ TEST_F(ErrorMode, IsTakenAnewByTheFirstScopeAfterTheLast)
     EXPECT_EQ(::GetErrorMode(), static_cast<UINT>(SEM_NOOPENFILEERRORBOX));
 }
 
-TEST_F(ErrorMode, OfManyThreadsIsNeverWithoutTheirFlags)
+TEST_F(ErrorMode, OfManyThreadsAlwaysHasTheirFlags)
 {
     constexpr int kScopes = 2'000;
     std::vector<std::thread> threads;

@@ -34,7 +34,7 @@ protected:
     const HMODULE dll = ::GetModuleHandleW(L"kestraboot.dll");
 };
 
-TEST_F(Library, GivesEveryListedExport)
+TEST_F(Library, ExportsEveryListedFunction)
 {
     std::ifstream list(SourceFile("tests/library/exports.txt"));
     int found = 0;
@@ -95,7 +95,7 @@ TEST_F(Library, RecordsAndExceptionsCrossItsBoundary)
 }
 
 /// Every tracker that may run, without its own thread; the test runs the volume tracker's road itself.
-class LibraryRoad : public Library
+class WholeLibrary : public Library
 {
 protected:
     static void Launch(std::wstring& kind, std::wstring& deviceId)
@@ -120,7 +120,7 @@ intptr_t RecordSpawn(int mode, const wchar_t* file, const wchar_t* first, ...)
     return -1;
 }
 
-TEST_F(LibraryRoad, FromAReadableCardToTheApplicationsCommandLine)
+TEST_F(WholeLibrary, LeadsFromAReadableCardToTheApplicationsCommandLine)
 {
     RegistrySandbox registry;
     TempFolder files;

@@ -106,7 +106,7 @@ TEST_F(Dispatch, NullUnregisters)
     EXPECT_TRUE(events.empty());
 }
 
-TEST_F(Dispatch, ACallbackThatThrowsHarmsNobody)
+TEST_F(Dispatch, ACallbackThatThrowsDoesNotStopLaterReports)
 {
     RegisterDeviceConnectCallback([](std::wstring&, std::wstring&) {
         throw std::runtime_error("host");

@@ -108,7 +108,7 @@ TEST_F(TraceArrivalsOfCards, SayThatNoApplicationIsLeft)
                                                      "application is left: the process ends"));
 }
 
-TEST(TraceArrivals, OfOneTrackerAloneWhereAsked)
+TEST(TraceArrivals, OfOneTrackerAloneAreShownOnRequest)
 {
     RunningViewer wia(L"--arrivals --only WiaTracker");
     ::OutputDebugStringW(L"<***DeviceConnect***><VolumeTracker><REMOVABLE DEVICE><V|E:>");
@@ -127,7 +127,7 @@ TEST(TraceArrivals, WithoutADeviceAreTheLaunchersOwn)
     EXPECT_EQ(launcher.Lines().size(), 3U) << "the day, the start and its line";
 }
 
-TEST(TraceArrivals, AreToldAtTheEndAsTheyStand)
+TEST(TraceArrivals, ThatAreUndecidedArePrintedAtTheEnd)
 {
     ChildProcess ending{BuiltPrograms() / "kestratrace.exe", L"--arrivals 2"};
     ASSERT_TRUE(AwaitReader());

@@ -91,7 +91,7 @@ TEST_F(Uninstalling, StopsTwoInstancesOneAfterTheOther)
     EndServing();
 }
 
-TEST_F(Uninstalling, EndsAnInstanceThatIgnoresTheRequest)
+TEST_F(Uninstalling, TerminatesAnInstanceThatIgnoresTheRequest)
 {
     Installation stubborn(L"Stubborn", L"stubborn_host.exe");
     const auto serving = Serve(stubborn);

@@ -123,21 +123,21 @@ TEST_F(Verdicts, OfACardOnWhichNothingCanBeListed)
     EXPECT_STREQ(Only().rule, kNothingListed);
 }
 
-TEST_F(Verdicts, OfACardThatWasTakenOutInTheMiddle)
+TEST_F(Verdicts, OfACardThatWasRemovedInTheMiddle)
 {
     Lines({kFound, kService + "<1><FILE><a.txt>\n", kFails, kFails, kFails, kNothing, kRefused});
     EXPECT_STREQ(Only().rule, kNothingListed);
     EXPECT_EQ(Only().files, 0U);
 }
 
-TEST_F(Verdicts, OfASearchThatIsSwitchedOff)
+TEST_F(Verdicts, OfASearchThatIsDisabled)
 {
     const std::string off = kService + "<Suppressing auto launch...>";
     Lines({kFound, off, kFails, off, kFails, off, kFails, kNothing, kRefused});
     EXPECT_STREQ(Only().rule, kSearchOff);
 }
 
-TEST_F(Verdicts, OfADriveThatNoCardComesIn)
+TEST_F(Verdicts, OfADriveThatIsNoCardReader)
 {
     Lines({kFound, kService + "<Unsupported volume found.>", kRefused});
     EXPECT_EQ(Only().decision, Decision::Refused);
@@ -145,7 +145,7 @@ TEST_F(Verdicts, OfADriveThatNoCardComesIn)
     EXPECT_EQ(Only().attempts, 0U);
 }
 
-TEST_F(Verdicts, SayWhereTheReasonWasNotSeen)
+TEST_F(Verdicts, StateThatTheReasonWasNotSeen)
 {
     Lines({kFound, kRefused});
     EXPECT_STREQ(Only().rule, kReasonNotSeen);
@@ -233,7 +233,7 @@ TEST_F(Verdicts, OfAPhoneThatAPluginReports)
     EXPECT_STREQ(Only().outcome, kStarted);
 }
 
-TEST_F(Verdicts, GiveAStartToTheDeviceThatItNames)
+TEST_F(Verdicts, AssignAStartToTheDeviceThatItNames)
 {
     Lines({kService + "<WiaTracker><WIA DEVICE><C|one>.", kFound, kService + "<1><FILE><a.jpg>\n", kFits,
            Start("volume", "E:"), Start("mobile", "one"), Start("camera", "one")});
@@ -272,7 +272,7 @@ TEST_F(Verdicts, OfALaunchThatTheLauncherRefuses)
     }
 }
 
-TEST_F(Verdicts, GiveARefusalToTheDeviceThatWaitedLongest)
+TEST_F(Verdicts, AssignARefusalToTheDeviceThatWaitedLongest)
 {
     Lines({kService + "<WiaTracker><WIA DEVICE><C|one>.", kService + "<StiTracker><WIA DEVICE><C|two>",
            "<KestraBoot><!!! Unable to launch Kestra.>", Start("camera", "two")});
@@ -282,7 +282,7 @@ TEST_F(Verdicts, GiveARefusalToTheDeviceThatWaitedLongest)
     EXPECT_STREQ(told[1].outcome, kStarted);
 }
 
-TEST_F(Verdicts, AreNotAboutWhatAnUninstallSays)
+TEST_F(Verdicts, IgnoreTheLinesOfAnUninstall)
 {
     Lines({kNoneFound, kRunKeyDeleted});
     EXPECT_THAT(told, IsEmpty());
@@ -300,7 +300,7 @@ TEST_F(Verdicts, OfACardThatFindsNoApplicationLeft)
     EXPECT_EQ(verdicts.OpenCount(), 0U);
 }
 
-TEST_F(Verdicts, OfAllThatWaitsWhereNoApplicationIsLeft)
+TEST_F(Verdicts, OfAllWaitingDevicesIfNoApplicationIsLeft)
 {
     Lines({kService + "<WiaTracker><WIA DEVICE><C|one>.", kFound,
            kService + "<StiTracker><WIA DEVICE><C|two>", kNoneFound, kRunKeyDeleted});
@@ -325,7 +325,7 @@ TEST_F(Verdicts, ForgetANoticeThatLedToNothing)
     EXPECT_EQ(Only().millisecondsToEnd, 20) << "from the card's own notice";
 }
 
-TEST_F(Verdicts, OfDevicesThatTheOrganiserIsToldAreCameras)
+TEST_F(Verdicts, OfDevicesThatTheOrganiserGetsAsCameras)
 {
     Lines({kService + "<StiTracker><TWAIN DEVICE><\"My source\">",
            "\"C:\\V\\VelProxy.exe\" -d \"C|y source\"\""});
@@ -338,7 +338,7 @@ TEST_F(Verdicts, OfDevicesThatTheOrganiserIsToldAreCameras)
     EXPECT_EQ(Only().kind, "") << "it may be a phone";
 }
 
-TEST_F(Verdicts, AreNotAboutAnApplicationThatTracesItsOwnCommandLine)
+TEST_F(Verdicts, IgnoreAnApplicationThatTracesItsOwnCommandLine)
 {
     Speaker("V.EXE", {Start("volume", "E:"), "<and more of its own>"});
     Speaker("VelProxy.exe", {"\"C:\\V\\VelProxy.exe\" -d \"V|E:\""});
@@ -346,7 +346,7 @@ TEST_F(Verdicts, AreNotAboutAnApplicationThatTracesItsOwnCommandLine)
     EXPECT_EQ(verdicts.OpenCount(), 0U);
 }
 
-TEST_F(Verdicts, AreNotAboutAStartThatAProcessWithoutANameWrites)
+TEST_F(Verdicts, IgnoreAStartThatAProcessWithoutANameWrites)
 {
     Speaker("?", {Start("volume", "E:")});
     EXPECT_THAT(told, IsEmpty()) << "it was gone at once: a boot program stays";
@@ -378,7 +378,7 @@ TEST_F(Verdicts, OfARefusedStartThatNoTrackerAnnounced)
     EXPECT_STREQ(Only().outcome, kOutsideConsoleSession);
 }
 
-TEST_F(Verdicts, TellAgainOfAStartThatCameLate)
+TEST_F(Verdicts, AreRepeatedForALateStart)
 {
     Lines({kService + "<WiaTracker><WIA DEVICE><C|one>."});
     const std::int64_t came = now;
@@ -395,7 +395,7 @@ TEST_F(Verdicts, TellAgainOfAStartThatCameLate)
     EXPECT_EQ(told[2].tracker, kPluginTracker) << "one start is one arrival's";
 }
 
-TEST_F(Verdicts, TellAgainOfACardThatTheHostStartsOnAThreadOfItsOwn)
+TEST_F(Verdicts, AreRepeatedForACardThatTheHostStartsOnAThreadOfItsOwn)
 {
     Lines({kFound, kFits, kPolling, Start("volume", "E:")});
     ASSERT_THAT(told, SizeIs(2));
@@ -404,14 +404,14 @@ TEST_F(Verdicts, TellAgainOfACardThatTheHostStartsOnAThreadOfItsOwn)
     EXPECT_STREQ(told[1].outcome, kStarted);
 }
 
-TEST_F(Verdicts, GiveAStartToTheArrivalThatStillWaitsFirst)
+TEST_F(Verdicts, AssignAStartToTheArrivalThatStillWaitsFirst)
 {
     Lines({kFound, kFits, kPolling, kFound, kFits, Start("volume", "E:")});
     ASSERT_THAT(told, SizeIs(2));
     EXPECT_EQ(told[1].noticed.upMilliseconds, now - 20);
 }
 
-TEST_F(Verdicts, ForgetWhatWasNeverStarted)
+TEST_F(Verdicts, ForgetDevicesThatWereNeverStarted)
 {
     Lines({kService + "<WiaTracker><WIA DEVICE><C|one>."});
     now += OpenDevices::kLongestSilence + 1;
@@ -451,7 +451,7 @@ TEST_F(Verdicts, GiveUpWaitingAfterAWhile)
     EXPECT_STREQ(Only().rule, kUnfinished);
 }
 
-TEST_F(Verdicts, TellWhatIsOpenAtTheEnd)
+TEST_F(Verdicts, ReportUndecidedArrivalsAtTheEnd)
 {
     Lines({kFound, kService + "<1><FILE><a.txt>\n"});
     verdicts.End();

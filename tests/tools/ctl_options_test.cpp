@@ -10,14 +10,14 @@ namespace
 using testing::HasSubstr;
 using testing::StartsWith;
 
-TEST(CtlOptions, AreAllOffWithoutWords)
+TEST(CtlOptions, AreAllOffWithoutArguments)
 {
     const CtlOptions options = ReadCtlOptions({});
     EXPECT_FALSE(options.check || options.json || options.noColour || options.help);
     EXPECT_EQ(options.notUnderstood, "");
 }
 
-TEST(CtlOptions, CanStandInAnyOrder)
+TEST(CtlOptions, ComeInAnyOrder)
 {
     const CtlOptions options = ReadCtlOptions({"--no-color", "--check", "--json"});
     EXPECT_TRUE(options.check && options.json && options.noColour);
@@ -25,7 +25,7 @@ TEST(CtlOptions, CanStandInAnyOrder)
     EXPECT_EQ(options.notUnderstood, "");
 }
 
-TEST(CtlOptions, AskForHelpAsPeopleDo)
+TEST(CtlOptions, AcceptEveryUsualFormOfHelp)
 {
     for (const char* const word : {"--help", "-h", "/?"}) {
         const CtlOptions options = ReadCtlOptions({word});
@@ -34,7 +34,7 @@ TEST(CtlOptions, AskForHelpAsPeopleDo)
     }
 }
 
-TEST(CtlOptions, NameTheFirstWordThatIsNotUnderstood)
+TEST(CtlOptions, NameTheFirstWordThatIsUnknown)
 {
     EXPECT_EQ(ReadCtlOptions({"--json", "--jsn", "x"}).notUnderstood, "--jsn");
     EXPECT_EQ(ReadCtlOptions({"applications"}).notUnderstood, "applications");
@@ -46,7 +46,7 @@ TEST(CtlOptions, NameTheFirstWordThatIsNotUnderstood)
     EXPECT_EQ(ReadCtlOptions({""}).notUnderstood, "(nothing)");
 }
 
-TEST(CtlOptions, AreExplainedBehindTwoExamples)
+TEST(CtlOptions, AreExplainedAfterTwoExamples)
 {
     const std::string usage = CtlUsage();
     EXPECT_THAT(usage, StartsWith("usage: kestractl [--json] [--no-color]\n"));

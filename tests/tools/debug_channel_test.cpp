@@ -21,7 +21,7 @@ TEST_F(OpeningAChannel, GivesTheFirstTurnAtOnce)
     EXPECT_TRUE(TakeTurn());
 }
 
-TEST_F(OpeningAChannel, WaitsForAnotherReaderThatIsJustGoing)
+TEST_F(OpeningAChannel, WaitsForAnotherReaderThatIsJustExiting)
 {
     held = 3;
     DebugChannel channel;
@@ -44,7 +44,7 @@ HANDLE Denied()
     return nullptr;
 }
 
-TEST_F(OpeningAChannel, FindsAReaderWithMoreRights)
+TEST_F(OpeningAChannel, FindsAReaderWithMorePrivileges)
 {
     for (const wchar_t* const object : {L"DBWIN_BUFFER_READY", L"DBWIN_DATA_READY"}) {
         const FAKE_IMPORT(CreateEventW)
@@ -64,7 +64,7 @@ TEST_F(OpeningAChannel, FindsAReaderWithMoreRights)
     EXPECT_EQ(channel.Open(), DebugChannel::Opening::HeldByAnother);
 }
 
-TEST_F(OpeningAChannel, WaitsForAReaderWithMoreRightsThatIsJustGoing)
+TEST_F(OpeningAChannel, WaitsForAReaderWithMorePrivilegesThatIsJustExiting)
 {
     denied = 3;
     DebugChannel channel;
@@ -95,7 +95,7 @@ DWORD RightsOfEveryone(HANDLE object)
     return rights;
 }
 
-TEST_F(OpeningAChannel, LetsEveryProgramOfTheSessionWriteAndNoMore)
+TEST_F(OpeningAChannel, GivesEveryProgramOfTheSessionWriteAccessAlone)
 {
     DebugChannel channel;
     ASSERT_EQ(channel.Open(), DebugChannel::Opening::Done);
@@ -107,7 +107,7 @@ TEST_F(OpeningAChannel, LetsEveryProgramOfTheSessionWriteAndNoMore)
         << "as Windows gives it";
 }
 
-TEST_F(OpeningAChannel, SaysThatSomethingCannotBeHad)
+TEST_F(OpeningAChannel, ReportsAnObjectThatCannotBeCreated)
 {
     const FAKE_IMPORT(CreateFileMappingW)
         none([](HANDLE, SECURITY_ATTRIBUTES*, DWORD, DWORD, DWORD, const wchar_t*) -> HANDLE {

@@ -167,7 +167,7 @@ TEST_F(Turns, AreNotGivenWhileALineWaits)
     EXPECT_EQ(NextAfter({}), "(none)") << "once";
 }
 
-TEST_F(Turns, ComeBackFromAWriterThatWasEnded)
+TEST_F(Turns, ComeBackFromAWriterThatWasTerminated)
 {
     const auto endAWriter = [&] {
         Writer().Do([&] {
@@ -185,7 +185,7 @@ TEST_F(Turns, ComeBackFromAWriterThatWasEnded)
     EXPECT_EQ(NextAfter({endAWriter, writeAnother}), "<after it>");
 }
 
-TEST_F(Turns, ComeBackWhereAWriterWaitsForALostOne)
+TEST_F(Turns, ComeBackIfAWriterWaitsForALostOne)
 {
     ASSERT_TRUE(TakeTurn()); // lost
     Writer writer;
@@ -209,7 +209,7 @@ TEST_F(Turns, ComeBackWhereAWriterWaitsForALostOne)
     EXPECT_EQ(NextAfter({nothing, writeNext}), "<next>");
 }
 
-TEST_F(Turns, AreWithdrawnWhereAWriterWasOnlySlow)
+TEST_F(Turns, AreWithdrawnIfAWriterWasOnlySlow)
 {
     std::vector<HANDLE> withdrawn;
     const FAKE_IMPORT(ResetEvent) reset([&](HANDLE event) {

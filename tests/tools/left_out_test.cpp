@@ -29,7 +29,7 @@ std::vector<std::string> Codes(const ApplicationKey& key)
     return codes;
 }
 
-TEST(LeftOut, HasNoReasonWhereNothingIsWrong)
+TEST(LeftOut, HasNoReasonIfNothingIsWrong)
 {
     EXPECT_THAT(Codes(Complete()), IsEmpty());
 }
@@ -75,14 +75,14 @@ TEST(LeftOut, LetsTheUsersValueDecide)
     EXPECT_THAT(Codes(key), IsEmpty()) << "only 1 keeps it out";
 }
 
-TEST(LeftOut, KnowsWhereTheSearchDoesNotLook)
+TEST(LeftOut, KnowsTheKeysThatTheSearchDoesNotReach)
 {
     ApplicationKey key = Complete();
     key.nameInOtherCase = key.belowAnother = key.behindLongName = true;
     EXPECT_THAT(Codes(key), ElementsAre("key-name-in-other-case", "below-another", "behind-long-name"));
 }
 
-TEST(LeftOut, TellsAllThatIsWrong)
+TEST(LeftOut, ListsEveryFault)
 {
     ApplicationKey key = Complete();
     key.commandExists = key.proxyExists = false;

@@ -62,7 +62,7 @@ TEST(LineQueue, IsFinishedWhenItIsClosedAndEmpty)
     EXPECT_THAT(Taken(queue, kLong), ElementsAre()) << "without waiting";
 }
 
-TEST(LineQueue, WakesWhoWaits)
+TEST(LineQueue, WakesTheWaitingReader)
 {
     LineQueue queue(2);
     std::thread writer([&] {

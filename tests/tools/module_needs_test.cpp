@@ -58,7 +58,7 @@ TEST_F(Needs, AreMetByWindows)
     EXPECT_EQ(asked, 1) << "what Windows' libraries need is Windows' business";
 }
 
-TEST_F(Needs, AreLookedForInTheLibrariesThatAreFoundToo)
+TEST_F(Needs, AreSearchedForInTheFoundLibrariesToo)
 {
     Put("a.dll", Needing({"KERNEL32.dll", "b.dll", "gone.dll"}));
     Put("b.dll", Needing({"a.dll", "far.dll"}));
@@ -78,7 +78,7 @@ TEST_F(Needs, AreNotMetByAFileThatCannotBeLoaded)
                 ElementsAre("old.dll for itself: is 32-bit", "text.dll for itself: is no program file"));
 }
 
-TEST_F(Needs, AreToldOnceWhateverTheCase)
+TEST_F(Needs, AreListedOnceWhateverTheCase)
 {
     EXPECT_THAT(Missing(Needing({"Lost.dll", "LOST.DLL"})),
                 ElementsAre("Lost.dll for itself: cannot be found"));

@@ -66,7 +66,7 @@ TEST_F(CheckedApplications, AreNeeded)
                 ElementsAre(StartsWith("broken application : no application")));
 }
 
-TEST_F(CheckedApplications, AreBrokenWhereTheyAreLeftOutForMoreThanTheUsersWish)
+TEST_F(CheckedApplications, AreBrokenIfTheyAreLeftOutForMoreThanTheUsersWish)
 {
     ApplicationKey key;
     key.path = std::wstring(kRoot) + L"Bilder\\Corvane Kestrafetch";
@@ -92,7 +92,7 @@ TEST_F(CheckedApplications, AreBrokenWhereTheyAreLeftOutForMoreThanTheUsersWish)
                       HasSubstr("its installer must write the key"), HasSubstr("the long name")));
 }
 
-TEST_F(CheckedApplications, AreBrokenInThe32BitViewUnlessTheyStandInTheOtherToo)
+TEST_F(CheckedApplications, AreBrokenInThe32BitViewUnlessTheyAreInTheOtherToo)
 {
     ApplicationKey key;
     key.path = std::wstring(kRoot) + L"Narrow\\Corvane Kestrafetch";
@@ -176,7 +176,7 @@ TEST_F(CheckedApplications, CanHaveNoPreferencesWithoutTheUsersRoot)
                 ElementsAre(StartsWith("suspicious preferences : HKEY_CURRENT")));
 }
 
-TEST_F(CheckedApplications, HaveCardsSwitchedOffByADepthOfZero)
+TEST_F(CheckedApplications, HaveCardsDisabledByADepthOfZero)
 {
     Viewer().key.sniffDepth = 1;
     EXPECT_THAT(Lines(PreferencesRows(facts)), ElementsAre(StartsWith("fine ")));

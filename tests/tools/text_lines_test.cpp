@@ -68,7 +68,7 @@ TEST(TextLines, EndWithEitherLineEnd)
     EXPECT_THAT(LinesOf("\n"), ElementsAre(""));
 }
 
-TEST(TextLines, SayWhetherTheLastOneIsCut)
+TEST(TextLines, ReportWhetherTheLastOneIsCut)
 {
     EXPECT_THAT(LinesOf("one\ntw"), ElementsAre("one", "tw"));
     EXPECT_TRUE(CutUp("one\ntw", 3).inALine);
@@ -84,7 +84,7 @@ TEST(TextLines, AreUtf8WithAndWithoutItsMark)
                 ElementsAre("one"));
 }
 
-TEST(TextLines, AreAnsiWhereTheyAreNotUtf8)
+TEST(TextLines, AreAnsiIfTheyAreNotUtf8)
 {
     EXPECT_THAT(
         LinesOf("caf\xE9\ncaf\xC3\xA9\n\xC3\n\xE2\x82\n\xC0\xAF\n"),
@@ -106,7 +106,7 @@ TEST(TextLines, AreUtf16OfEitherOrder)
                 ElementsAre("\xF0\x9F\x93\xB7"));
 }
 
-TEST(TextLines, AreCutWhereTheyNeverEnd)
+TEST(TextLines, AreCutIfTheyNeverEnd)
 {
     const std::string endless(TextLines::kLongestLine + 100, 'x');
     EXPECT_THAT(CutUp(endless + "\nnext\n", 1000).lines,

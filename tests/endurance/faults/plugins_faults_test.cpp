@@ -194,7 +194,7 @@ TEST_F(PluginFaults, OfAPhoneThatIsReady)
     SweepAllocations(scene);
 }
 
-TEST_F(PluginFaults, OfAPhoneThatIsReadyComeInPairs)
+TEST_F(PluginFaults, OfAPhoneThatIsReadyInPairs)
 {
     Scene scene = PhoneScene();
     scene.kept.push_back({"", kTellsNothing, "see below, of either of the two"});

@@ -62,7 +62,7 @@ void Replacing(std::wstring& kind, std::wstring& deviceId)
     RegisterDeviceConnectCallback(Quiet);
 }
 
-TEST(DispatchStorm, LosesNoneRunsOneAtATimeAndKeepsEachThreadsOrder)
+TEST(DispatchStorm, LosesNoReportRunsOneAtATimeAndKeepsEachThreadsOrder)
 {
     constexpr int reports = 1'000'000 / kThreads;
     InitializeDispatch();

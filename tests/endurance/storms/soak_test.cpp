@@ -83,7 +83,7 @@ double Mean(const std::vector<ResourceUse>& samples, std::size_t from, std::size
     return sum / static_cast<double>(to - from);
 }
 
-TEST_F(Soak, OfAllDevicesAtOnceLeavesTheBootProgramAsItWas)
+TEST_F(Soak, OfAllDevicesAtOnceLeaksNothing)
 {
     ChildProcess boot(app.Proxy());
     const HWND volumes = AwaitWindow(boot.Id(), kVolumeWindow);

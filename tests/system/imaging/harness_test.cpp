@@ -24,7 +24,7 @@ TEST(AHost, ThatHangsFailsTheTest)
     EXPECT_NONFATAL_FAILURE(host.reset(), "the host hangs");
 }
 
-TEST(AHost, ThatEndsBadlyFailsTheTest)
+TEST(AHost, ThatExitsWithAnErrorFailsTheTest)
 {
     auto host = std::make_unique<HostProcess>(L"imaging_host_6_1.exe");
     ::TerminateProcess(host->Handle(), 3);
@@ -44,7 +44,7 @@ std::string Leaks(const std::function<void()>& lookUp)
         .message();
 }
 
-TEST(ALeak, IsNotSeenWhereThereIsNone)
+TEST(ALeak, IsNotReportedIfThereIsNone)
 {
     EXPECT_EQ(Leaks([] {}), "");
 }

@@ -100,7 +100,7 @@ TEST_F(OpenSources, AreNotMadeWhenThePluginThrows)
     }
 }
 
-TEST_F(OpenSources, AreClosedThoughAReleaseThrows)
+TEST_F(OpenSources, AreClosedEvenIfAReleaseThrows)
 {
     bool now = false;
     Behaviour behaviour;
@@ -119,7 +119,7 @@ TEST_F(OpenSources, AreClosedThoughAReleaseThrows)
     now = false;
 }
 
-TEST_F(OpenSources, TellTheirCategory)
+TEST_F(OpenSources, ReturnTheirCategory)
 {
     Behaviour other;
     other.category = 5;
@@ -137,7 +137,7 @@ TEST_F(OpenSources, TellTheirCategory)
     EXPECT_EQ(folder.References(L"alpha"), 1);
 }
 
-TEST_F(OpenSources, AreToldFromUnknownAndFromClosedOnes)
+TEST_F(OpenSources, AreDistinguishedFromUnknownAndFromClosedOnes)
 {
     const mox::Identifier alpha = Load(L"alpha");
     constexpr mox::Identifier kUnknown = {9, 9, 9, {9}};
@@ -158,7 +158,7 @@ TEST_F(OpenSources, AreToldFromUnknownAndFromClosedOnes)
     EXPECT_EQ(host.managers.GetSourceCategory(alpha, &category), 0xC000000CU);
 }
 
-TEST_F(OpenSources, WhoseCategoryFailsOrThrowsLeaveTheOutputAlone)
+TEST_F(OpenSources, WhoseCategoryFailsOrThrowsLeaveTheOutputUnchanged)
 {
     const std::pair<Behaviour, mox::Status> cases[] = {
         {{.fails = Operation::GetCategory}, mox::kFailure},
@@ -188,7 +188,7 @@ TEST_F(OpenSources, ThatSucceedAndWriteNoCategoryAreOfNone)
     EXPECT_EQ(category, 0U);
 }
 
-TEST_F(OpenSources, ThatArePromisedAndNotGivenAreNone)
+TEST_F(OpenSources, ThatArePromisedAndNotReturnedAreNone)
 {
     const mox::Identifier alpha = Load(L"alpha", {.silent = Operation::QueryCategory});
     ASSERT_EQ(host.managers.OpenSourceManagers(), mox::kSuccess);
@@ -200,7 +200,7 @@ TEST_F(OpenSources, ThatArePromisedAndNotGivenAreNone)
     EXPECT_EQ(host.managers.OpenSourceManagers(), mox::kFailure) << "none has one";
 }
 
-TEST_F(OpenSources, TakeACallbackAndGiveItBack)
+TEST_F(OpenSources, AcceptACallbackAndReturnIt)
 {
     const mox::Identifier alpha = Load(L"alpha");
     ASSERT_EQ(host.managers.OpenSourceManagers(), mox::kSuccess);
@@ -212,7 +212,7 @@ TEST_F(OpenSources, TakeACallbackAndGiveItBack)
     callback->Release();
 }
 
-TEST_F(OpenSources, PassOnWhatThePluginAnswersToACallback)
+TEST_F(OpenSources, ReturnTheStatusOfThePluginForACallback)
 {
     const mox::Identifier refuses = Load(L"refuses", {.fails = Operation::Register});
     const mox::Identifier throws = Load(L"throws", {.throws = Operation::Register});
@@ -227,7 +227,7 @@ TEST_F(OpenSources, PassOnWhatThePluginAnswersToACallback)
     EXPECT_EQ(host.managers.UnregisterSourceCallback(grumbles, callback), mox::kFailure);
 }
 
-TEST_F(OpenSources, NeverHaveAnOperationCalledThatIsNotTheirs)
+TEST_F(OpenSources, HaveNoOtherOperationCalled)
 {
     const mox::Identifier alpha = Load(L"alpha");
     ASSERT_EQ(host.managers.OpenSourceManagers(), mox::kSuccess);

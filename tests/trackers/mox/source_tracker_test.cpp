@@ -114,7 +114,7 @@ TEST_F(Tracker, MakesItsWindowHiddenAndPlain)
     EXPECT_TRUE(folder.IsLoaded(L"alpha"));
 }
 
-TEST_F(Tracker, ReportsWhatThePluginTellsFromAnyThread)
+TEST_F(Tracker, ForwardsReportsOfThePluginFromAnyThread)
 {
     mox::ICallbackInterface* callback = nullptr;
     Behaviour behaviour;
@@ -133,7 +133,7 @@ TEST_F(Tracker, ReportsWhatThePluginTellsFromAnyThread)
                                                         {L"camera", L"from a thread"}}));
 }
 
-TEST_F(Tracker, GivesEverythingBackButTheLibraryWhenItsLoopEnds)
+TEST_F(Tracker, ReleasesEverythingExceptForTheLibraryWhenItsLoopEnds)
 {
     mox::ICallbackInterface* callback = nullptr;
     Behaviour behaviour;
@@ -172,7 +172,7 @@ TEST_F(Tracker, AnswersMessagesThatAreSentToItsWindow)
     EXPECT_NE(::SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_BLOCK, 20000, &answer), 0);
 }
 
-TEST_F(Tracker, TriesAgainWhenNoMessageCanBeHad)
+TEST_F(Tracker, TriesAgainWhenNoMessageCanBeRead)
 {
     int calls = 0;
     int pauses = 0;
@@ -233,7 +233,7 @@ class FailingTracker : public Tracker, public testing::WithParamInterface<std::p
 {
 };
 
-TEST_P(FailingTracker, EndsQuietlyWithNothingLeftBehind)
+TEST_P(FailingTracker, EndsQuietlyAndLeaksNothing)
 {
     const auto [operation, throws] = GetParam();
     const DeviceSource source = Source(L"alpha");

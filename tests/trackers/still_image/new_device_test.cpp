@@ -45,14 +45,14 @@ protected:
     StiDevices devices;
 };
 
-TEST_F(NewStiDevice, IsNoneThatWasThereAtTheStart)
+TEST_F(NewStiDevice, IsNoneThatWasPresentAtTheStart)
 {
     Plug({"camera A", "scanner B"});
     ASSERT_TRUE(devices.OpenSti());
     EXPECT_EQ(NextNew(), std::nullopt);
 }
 
-TEST_F(NewStiDevice, OpensStillImagingAsItIsDocumented)
+TEST_F(NewStiDevice, OpensStillImagingAsDocumented)
 {
     Plug({"camera A"});
     standIns.StartLog("sti_calls.txt");
@@ -113,7 +113,7 @@ TEST_F(NewStiDevice, IsTheFirstOfAllOnceAListFailed)
     }
 }
 
-TEST_F(NewStiDevice, IsLookedForWhereNothingIsListedYet)
+TEST_F(NewStiDevice, IsSearchedForIfNothingIsListedYet)
 {
     for (const char* nothing : {"# none", "no-buffer 0"}) {
         StiDevices other;
@@ -178,7 +178,7 @@ TEST_F(NewStiDevice, LeavesNoRecordOfDevicesThatAreGone)
     EXPECT_EQ(records, 0);
 }
 
-TEST_F(NewStiDevice, IsNeverFoundWhereStillImagingDoesNotOpen)
+TEST_F(NewStiDevice, IsNeverFoundIfStillImagingCannotBeOpened)
 {
     for (const char* refusal : {"refuse-create", "refuse-initialize"}) {
         StiDevices other;
@@ -273,7 +273,7 @@ TEST_F(NewStiDevice, WithoutAListedTwainSourceHasNoTag)
     EXPECT_EQ(NextTag(), L"");
 }
 
-TEST_F(NewStiDevice, MoreThanAListHoldsRaisesAndWhatIsKnownStays)
+TEST_F(NewStiDevice, MoreThanAListHoldsRaisesAndKeepsTheKnownDevices)
 {
     Plug({"camera A"});
     ASSERT_TRUE(devices.OpenSti());
@@ -288,7 +288,7 @@ TEST_F(NewStiDevice, MoreThanAListHoldsRaisesAndWhatIsKnownStays)
     EXPECT_EQ(NextNew(), std::nullopt);
 }
 
-TEST_F(NewStiDevice, IsLostWithoutMemoryAndWhatIsKnownStays)
+TEST_F(NewStiDevice, IsLostWithoutMemoryAndTheKnownDevicesStay)
 {
     standIns.Write("twain_sources.txt", {"source Fine Scan"});
     GiveTwainSource(L"B", L"Fine Scan");

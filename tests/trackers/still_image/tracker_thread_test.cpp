@@ -122,7 +122,7 @@ TEST_F(StiTrackerThreadTest, OpensStillImagingAndItsWindow)
     EXPECT_EQ(place.bottom, 220);
 }
 
-TEST_F(StiTrackerThreadTest, ReportsADeviceThatIsAddedAndGoesOn)
+TEST_F(StiTrackerThreadTest, ReportsADeviceThatIsAddedAndContinues)
 {
     Change({"camera A"});
     Change({"camera A"});
@@ -136,7 +136,7 @@ TEST_F(StiTrackerThreadTest, ReportsADeviceThatIsAddedAndGoesOn)
     EXPECT_THAT(eventsBefore, ElementsAre(1U, 1U, 2U)) << "the report comes before the message goes on";
 }
 
-TEST_F(StiTrackerThreadTest, LooksForDevicesOnAChangeOfTheDeviceTreeAlone)
+TEST_F(StiTrackerThreadTest, ChecksTheDevicesOnAChangeOfTheDeviceTreeAlone)
 {
     Change({"camera A"}, DBT_DEVICEARRIVAL);
     Change({"camera A"}, DBT_DEVICEREMOVECOMPLETE);
@@ -145,7 +145,7 @@ TEST_F(StiTrackerThreadTest, LooksForDevicesOnAChangeOfTheDeviceTreeAlone)
     EXPECT_THAT(dispatched, ElementsAre(DBT_DEVICEARRIVAL, DBT_DEVICEREMOVECOMPLETE));
 }
 
-TEST_F(StiTrackerThreadTest, GoesOnAfterAMessageThatCouldNotBeHad)
+TEST_F(StiTrackerThreadTest, ContinuesAfterAMessageThatCouldNotBeRead)
 {
     steps.emplace_back([](MSG& message) {
         message.wParam = DBT_DEVNODES_CHANGED;
@@ -161,7 +161,7 @@ TEST_F(StiTrackerThreadTest, GoesOnAfterAMessageThatCouldNotBeHad)
     EXPECT_EQ(pauses.Calls(), 1) << "a failure that lasts does not take a whole processor";
 }
 
-TEST_F(StiTrackerThreadTest, WithoutStillImagingSaysSoAndFindsNothing)
+TEST_F(StiTrackerThreadTest, WithoutStillImagingWritesALineAndFindsNothing)
 {
     standIns.Write("sti_devices.txt", {"refuse-create"});
     Change({"camera A"});
@@ -171,7 +171,7 @@ TEST_F(StiTrackerThreadTest, WithoutStillImagingSaysSoAndFindsNothing)
     EXPECT_EQ(title, L"STITrackerWindow");
 }
 
-TEST_F(StiTrackerThreadTest, WithoutMemoryForTheDevicesPresentSaysSo)
+TEST_F(StiTrackerThreadTest, WithoutMemoryForTheDevicesPresentWritesALine)
 {
     const FAKE_IMPORT(HeapAlloc) noRecord([](HANDLE, DWORD, SIZE_T) -> void* {
         return nullptr;
@@ -181,7 +181,7 @@ TEST_F(StiTrackerThreadTest, WithoutMemoryForTheDevicesPresentSaysSo)
     EXPECT_THAT(trace.Lines(), ElementsAre(kNotDetected));
 }
 
-TEST_F(StiTrackerThreadTest, LosesAChangeForWhichMemoryRunsOutAndGoesOn)
+TEST_F(StiTrackerThreadTest, LosesAChangeForWhichMemoryRunsOutAndContinues)
 {
     bool noMemory = false;
     const FAKE_IMPORT(HeapAlloc) records([&](HANDLE heap, DWORD flags, SIZE_T size) {

@@ -150,7 +150,7 @@ TEST_F(VolumeScanning, TheNextScanIsDueHalfASecondAfterTheLast)
     EXPECT_EQ(scan.MillisecondsToNextScan(), 500U);
 }
 
-TEST_F(VolumeScanning, TheHalfSecondBeginsWhenTheScanBeforeEnded)
+TEST_F(VolumeScanning, TheHalfSecondBeginsAtTheEndOfThePreviousScan)
 {
     ULONGLONG now = 10'000;
     const FAKE_IMPORT(GetTickCount64) clock([&] {
@@ -188,7 +188,7 @@ TEST_F(VolumeScanning, ATriggerFromInsideAReportIsAnsweredByOneMoreScanNotByANes
     EXPECT_EQ(scene.Events(), (Events{{L"volume", L"K:"}, {L"volume", L"L:"}}));
 }
 
-TEST_F(VolumeScanning, ATriggerFromInsideAReportIsLeftToTheNextScanWherePollingBegan)
+TEST_F(VolumeScanning, ATriggerFromInsideAReportIsLeftToTheNextScanIfPollingBegan)
 {
     scene.whileReporting = [&] {
         scene.InsertCard(L'F');

@@ -74,7 +74,7 @@ TEST_F(WiaDeviceType, OfAnIdentifierInOtherLetterCaseIsNotFound)
     EXPECT_EQ(LookUp(L"{6bdd1fc6-810f}\\0001"), ImagingType::Camera);
 }
 
-TEST_F(WiaDeviceType, OfANullIdentifierIsNotAskedFor)
+TEST_F(WiaDeviceType, OfANullIdentifierIsNotSearchedFor)
 {
     service.devices = {WiaDevice(L"camera", 2)};
     EXPECT_EQ(LookUp(nullptr), ImagingType::Other);

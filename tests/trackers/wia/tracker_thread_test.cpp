@@ -32,7 +32,7 @@ protected:
     TraceRecorder trace;
 };
 
-TEST_F(WiaTrackerThreadTest, RegistersAndSaysSo)
+TEST_F(WiaTrackerThreadTest, RegistersAndWritesALine)
 {
     const FAKE_IMPORT(GetMessageW) loop([&](MSG*, HWND window, UINT first, UINT last) {
         EXPECT_NE(service.registeredCallback, nullptr) << "registered as long as the loop runs";
@@ -46,7 +46,7 @@ TEST_F(WiaTrackerThreadTest, RegistersAndSaysSo)
     EXPECT_THAT(service.released, ElementsAre("manager", "registration", "apartment"));
 }
 
-TEST_F(WiaTrackerThreadTest, WithoutTheServiceSaysSoAndGoesOn)
+TEST_F(WiaTrackerThreadTest, WithoutTheServiceWritesALineAndContinues)
 {
     service.create = CO_E_SERVER_EXEC_FAILURE;
     EXPECT_EQ(RunUntilQuit(), 0U);
@@ -54,7 +54,7 @@ TEST_F(WiaTrackerThreadTest, WithoutTheServiceSaysSoAndGoesOn)
     EXPECT_THAT(service.released, ElementsAre("apartment"));
 }
 
-TEST_F(WiaTrackerThreadTest, WhoseRegistrationIsRefusedSaysSoAndGoesOn)
+TEST_F(WiaTrackerThreadTest, WhoseRegistrationIsRefusedWritesALineAndContinues)
 {
     service.registers = E_ACCESSDENIED;
     EXPECT_EQ(RunUntilQuit(), 0U);
@@ -62,7 +62,7 @@ TEST_F(WiaTrackerThreadTest, WhoseRegistrationIsRefusedSaysSoAndGoesOn)
     EXPECT_THAT(service.released, ElementsAre("manager", "apartment"));
 }
 
-TEST_F(WiaTrackerThreadTest, DispatchesEveryMessageAndGoesOnAfterAFailedOne)
+TEST_F(WiaTrackerThreadTest, DispatchesEveryMessageAndContinuesAfterAFailedOne)
 {
     std::vector<BOOL> results = {TRUE, -1, TRUE, FALSE};
     std::vector<UINT> dispatched;
