@@ -57,7 +57,7 @@ TEST(Allocations, AreTwoForAScannedFolder)
     volume.AddFolder("two");
     volume.AddFolder("three");
     EXPECT_EQ(AllocationsOf(walk) - withOne, 2 * (withOne - withNone));
-    EXPECT_EQ(withOne - withNone, 2) << "its path, and the pattern by which it is listed";
+    EXPECT_EQ(withOne - withNone, 2) << "the path of the folder, and the pattern that lists it";
 }
 
 TEST(Allocations, AreNoneForATraceLine)

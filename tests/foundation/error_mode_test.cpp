@@ -69,7 +69,7 @@ TEST_F(ErrorMode, IsSetWithinTheScopeAndRestoredAfterIt)
 {
     {
         const ErrorModeScope scope(kOfAWalk);
-        EXPECT_EQ(::GetErrorMode(), kOfAWalk) << "the mode before is not part of it";
+        EXPECT_EQ(::GetErrorMode(), kOfAWalk) << "the previous mode is not part of it";
     }
     EXPECT_EQ(::GetErrorMode(), kOfTheHost);
 }
@@ -105,7 +105,7 @@ TEST_F(ErrorMode, IsRestoredByTheLastOfTwoThreads)
     walk.Leave();
     EXPECT_EQ(::GetErrorMode(), kOfALoad) << "boxes are allowed in the middle of a load";
     load.Leave();
-    EXPECT_EQ(::GetErrorMode(), kOfTheHost) << "a mode of the library's own stays for good";
+    EXPECT_EQ(::GetErrorMode(), kOfTheHost) << "a mode of the library itself stays set";
 }
 
 TEST_F(ErrorMode, OfAWalkOutlivesTheLoadThatBeganBeforeIt)
@@ -114,7 +114,7 @@ TEST_F(ErrorMode, OfAWalkOutlivesTheLoadThatBeganBeforeIt)
     OtherThread walk(kOfAWalk);
     load.Enter();
     walk.Enter();
-    EXPECT_EQ(::GetErrorMode(), kOfALoad) << "a load that goes on needs both flags";
+    EXPECT_EQ(::GetErrorMode(), kOfALoad) << "a load in progress needs both flags";
     load.Leave();
     EXPECT_EQ(::GetErrorMode(), kOfAWalk) << "boxes are allowed in the middle of a walk";
     walk.Leave();

@@ -102,7 +102,7 @@ protected:
     {
         CKestraBootCommandHandler handler;
         handler.LaunchDefaultKestra(kind, deviceId);
-        throw std::runtime_error("the host's own trouble");
+        throw std::runtime_error("an exception of the host");
     }
 };
 
@@ -190,7 +190,8 @@ TEST_F(WholeLibrary, LeadsFromAReadableCardToTheApplicationsCommandLine)
 
     EXPECT_THAT(spawned, ElementsAre(L"1", program, L"\"" + program + L"\"", L"module=kestrafetch",
                                      L"params", L"mode=direct", L"devType=volume", L"priDevId=\"E:\""));
-    EXPECT_EQ(std::uncaught_exceptions(), 0) << "what the callback threw ended in the library";
+    EXPECT_EQ(std::uncaught_exceptions(), 0)
+        << "the exception of the callback was not handled completely";
     EXPECT_EQ(trace.Count(L"\"" + program +
                           L"\" module=kestrafetch params mode=direct devType=volume priDevId=\"E:\""),
               1);

@@ -106,7 +106,8 @@ TEST_F(DefaultFlag, IsZeroIfTheUsersKeyCannotBeOpenedAndLeavesTheKeyUnchanged)
         });
         EXPECT_EQ(Read(), 0U) << failure;
     }
-    EXPECT_EQ(StoredDword(HKEY_CURRENT_USER, kPrefs, L"DefaultFlag"), 1U) << "the user's choice is lost";
+    EXPECT_EQ(StoredDword(HKEY_CURRENT_USER, kPrefs, L"DefaultFlag"), 1U)
+        << "the choice of the user was overwritten";
     EXPECT_EQ(Read(), 1U);
 }
 

@@ -47,8 +47,7 @@ TEST_F(Loading, OpensEveryKeyWithReadAccessAlone)
     handler.LoadInformation();
     EXPECT_EQ(handler.Names(), Names{L"A"});
     EXPECT_THAT(asked, testing::Each(REGSAM{KEY_READ}));
-    EXPECT_EQ(preferences, 3)
-        << "the default flag, and whether it is kept out: for the user, the machine";
+    EXPECT_EQ(preferences, 3) << "the default flag, and the exclusion by the user and by the machine";
 }
 
 TEST_F(Loading, KeepsTheOrderOfTheSearchAndEveryMember)

@@ -76,7 +76,7 @@ TEST_F(MediaSniffer, ACardWithoutPicturesIsRefusedAfterThreeTriesASecondApart)
     EXPECT_FALSE(Check());
     EXPECT_THAT(trace.Lines(), ElementsAre(kFails, kFails, kFails, kNothing));
     EXPECT_THAT(sleeps, ElementsAre(1000, 1000, 1000));
-    EXPECT_EQ(drives.Calls(), 1) << "the kind of drive is asked once";
+    EXPECT_EQ(drives.Calls(), 1) << "the type of the drive is queried once";
 }
 
 TEST_F(MediaSniffer, AFailedTryIsTracedBeforeThePauseAfterIt)

@@ -135,7 +135,7 @@ TEST_P(Serving, HoldsNothingOfTheWindowAndOutlivesIt)
     console.reset(); // the shell exits
     EXPECT_TRUE(Within(30'000, [window] {
         return !::IsWindow(window);
-    })) << "the boot program keeps it open";
+    })) << "the boot program keeps the window open";
     EXPECT_TRUE(boot.Running());
     Quit(boot);
 }

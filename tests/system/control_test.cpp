@@ -188,7 +188,7 @@ TEST_F(Control, TheNextInstanceCanTakeItAfterTheOemFileStoppedOne)
     Installation other(L"Other");
     ChildProcess next(other.Proxy());
     Quit(next);
-    EXPECT_TRUE(AwaitOrders(organiser, {"-d"})) << "only the next one takes the organiser's devices";
+    EXPECT_TRUE(AwaitOrders(organiser, {"-d"})) << "only the next instance stops the organiser";
 }
 
 TEST_F(Control, TheFolderOfTheExecutableBecomesTheCurrentOne)

@@ -109,7 +109,7 @@ TEST_F(CopyOfTheRegistry, LeavesNothingWhicheverStepFails)
                                               : replace.CallOriginal(root, with);
         });
         if (CanBeMade()) {
-            EXPECT_GT(failing, 10) << "no step was made to fail";
+            EXPECT_GT(failing, 10) << "no step failed";
             break;
         }
         EXPECT_EQ(RegistryDump(), before) << failing;
@@ -146,7 +146,7 @@ TEST_F(CopyOfTheRegistry, ShowsOneApplicationAlone)
         EXPECT_TRUE(KeyExists(HKEY_LOCAL_MACHINE, kApplication));
         EXPECT_EQ(StoredText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\Viewer", L"locale"), L"de_de");
         EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\Other"));
-        EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, kApplication)) << "the user's part is whole";
+        EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, kApplication)) << "the keys of the user are complete";
     }
     EXPECT_EQ(RegistryDump(), stored);
 }

@@ -124,7 +124,7 @@ TEST(TraceArrivals, WithoutADeviceAreTheLaunchersOwn)
     ::OutputDebugStringW(L"Could not get the device type.");
     ::OutputDebugStringW(L"\"C:\\a.exe\" module=kestrafetch params mode=select");
     EXPECT_NE(launcher.Await("start without a device: "), "");
-    EXPECT_EQ(launcher.Lines().size(), 3U) << "the day, the start and its line";
+    EXPECT_EQ(launcher.Lines().size(), 3U) << "the day, the verdict of the start and its line";
 }
 
 TEST(TraceArrivals, ThatAreUndecidedArePrintedAtTheEnd)

@@ -126,7 +126,7 @@ TEST_F(TraceConsole, EndsCleanlyWhenItIsInterrupted)
     DWORD code = 99;
     ::GetExitCodeProcess(viewer.hProcess, &code);
     EXPECT_EQ(code, 0U);
-    EXPECT_NE(ColoursOf(L"undecided"), 0) << "what is open is told";
+    EXPECT_NE(ColoursOf(L"undecided"), 0) << "an undecided device is reported";
     ::SetConsoleCtrlHandler(nullptr, FALSE);
 }
 

@@ -65,7 +65,7 @@ TEST(TraceOptions, JsonIsOneEscapedObjectALine)
     EXPECT_THAT(line, HasSubstr("\"process\":" + std::to_string(::GetCurrentProcessId()) +
                                 ",\"name\":\"" + OwnName() + "\",\"component\":\"\",\"tracker\":\"\","));
     EXPECT_THAT(line, EndsWith(R"("failure":false,"start":false,"line":"\"C:\\a.exe\"\tb"})"));
-    EXPECT_THAT(viewer.Lines(), ElementsAre(line)) << "nothing but objects";
+    EXPECT_THAT(viewer.Lines(), ElementsAre(line)) << "every line is an object";
 }
 
 TEST(TraceOptions, TextIsUtf8)
@@ -78,7 +78,7 @@ TEST(TraceOptions, TextIsUtf8)
     ::WideCharToMultiByte(CP_ACP, 0, sent.c_str(), -1, ansi, sizeof ansi, nullptr, nullptr);
     ::MultiByteToWideChar(CP_ACP, 0, ansi, -1, received, 64);
     ::OutputDebugStringA(ansi);
-    ASSERT_THAT(Utf8(received), HasSubstr("\xC3\xA9")) << "this code page shows nothing";
+    ASSERT_THAT(Utf8(received), HasSubstr("\xC3\xA9")) << "this code page lacks the test's characters";
     EXPECT_THAT(viewer.Await("caf"), EndsWith("\"line\":\"" + Utf8(received) + "\"}"));
 }
 

@@ -92,7 +92,7 @@ TEST_F(Verdicts, OfACardThatStartsAnApplication)
     EXPECT_EQ(arrival.mode, "direct");
     EXPECT_EQ(arrival.startLine, Start("volume", "E:"));
     EXPECT_EQ(arrival.noticed.upMilliseconds, 1'000'010);
-    EXPECT_EQ(arrival.millisecondsToEnd, 60) << "from the notice, which was the first line";
+    EXPECT_EQ(arrival.millisecondsToEnd, 60) << "counted from the notification, which is the first line";
     EXPECT_EQ(verdicts.OpenCount(), 0U);
 }
 
@@ -157,7 +157,7 @@ TEST_F(Verdicts, IgnoreASearchWhoseBeginningWasNotSeen)
     EXPECT_THAT(told, IsEmpty());
 }
 
-TEST_F(Verdicts, DoNotTakeAnOldNoticeForTheCards)
+TEST_F(Verdicts, DoNotUseAnOldNotificationForTheCard)
 {
     Lines({kNotice});
     now += ProcessArrivals::kLongestNotice;
@@ -166,7 +166,7 @@ TEST_F(Verdicts, DoNotTakeAnOldNoticeForTheCards)
     EXPECT_EQ(told[1].millisecondsToEnd, 10);
 }
 
-TEST_F(Verdicts, TakeANoticeForOneCardOnly)
+TEST_F(Verdicts, UseANotificationForOneCardOnly)
 {
     Lines({kNotice, kFound, kRefused, kFound, kRefused});
     ASSERT_THAT(told, SizeIs(2));
@@ -174,7 +174,7 @@ TEST_F(Verdicts, TakeANoticeForOneCardOnly)
     EXPECT_EQ(told[1].millisecondsToEnd, 10);
 }
 
-TEST_F(Verdicts, TakeTheFirstOfSeveralNotices)
+TEST_F(Verdicts, UseTheFirstOfSeveralNotifications)
 {
     Lines({kNotice, kNotice, kFound, kRefused});
     EXPECT_EQ(Only().millisecondsToEnd, 30);
@@ -206,7 +206,7 @@ TEST_F(Verdicts, OfTwainSources)
     EXPECT_STREQ(told[0].outcome, kStarted);
     EXPECT_EQ(told[1].tracker, kStiTracker);
     EXPECT_EQ(told[1].kind, "");
-    EXPECT_EQ(told[1].device, "y source\"") << "without a kind the library takes two characters off too";
+    EXPECT_EQ(told[1].device, "y source\"") << "the library removes two characters even without a kind";
     EXPECT_STREQ(told[1].outcome, kStarted);
 }
 
@@ -314,15 +314,15 @@ TEST_F(Verdicts, CountTheWaitFromTheAcceptance)
 {
     Lines({kFound, kService + "<WiaTracker><WIA DEVICE><C|one>.", kFits,
            "<KestraBoot><!!! Unable to launch Kestra.>"});
-    EXPECT_EQ(Only().device, "one") << "the card was found first, but searched for longer";
+    EXPECT_EQ(Only().device, "one") << "the card was found first, but its scan took longer";
 }
 
-TEST_F(Verdicts, ForgetANoticeThatLedToNothing)
+TEST_F(Verdicts, ForgetANotificationThatLedToNothing)
 {
     Lines({kNotice});
     now += ProcessArrivals::kLongestNotice;
     Lines({kNotice, kFound, kRefused});
-    EXPECT_EQ(Only().millisecondsToEnd, 20) << "from the card's own notice";
+    EXPECT_EQ(Only().millisecondsToEnd, 20) << "counted from the notification of the card itself";
 }
 
 TEST_F(Verdicts, OfDevicesThatTheOrganiserGetsAsCameras)
@@ -349,7 +349,7 @@ TEST_F(Verdicts, IgnoreAnApplicationThatTracesItsOwnCommandLine)
 TEST_F(Verdicts, IgnoreAStartThatAProcessWithoutANameWrites)
 {
     Speaker("?", {Start("volume", "E:")});
-    EXPECT_THAT(told, IsEmpty()) << "it was gone at once: a boot program stays";
+    EXPECT_THAT(told, IsEmpty()) << "the process exited at once, and a boot program does not";
 }
 
 TEST_F(Verdicts, OfAnApplicationThatIsItsOwnBootProgram)
@@ -392,7 +392,7 @@ TEST_F(Verdicts, AreRepeatedForALateStart)
     EXPECT_STREQ(told[1].rule, kImagingDevice);
     EXPECT_STREQ(told[1].outcome, kStarted);
     EXPECT_EQ(told[1].millisecondsToEnd, OpenDevices::kLongestLaunch + 11);
-    EXPECT_EQ(told[2].tracker, kPluginTracker) << "one start is one arrival's";
+    EXPECT_EQ(told[2].tracker, kPluginTracker) << "a start belongs to one arrival";
 }
 
 TEST_F(Verdicts, AreRepeatedForACardThatTheHostStartsOnAThreadOfItsOwn)
@@ -428,7 +428,7 @@ TEST_F(Verdicts, DoNotWaitForAHostThatStartsNothing)
     EXPECT_STREQ(Only().outcome, kNoStartSeen);
     told.clear();
     Lines({kFound, kFits, kVolumes + "<REMOVABLE DEVICE><V|F:>"});
-    EXPECT_EQ(Only().device, "E:") << "the tracker has gone on";
+    EXPECT_EQ(Only().device, "E:") << "the tracker has continued";
     EXPECT_EQ(verdicts.OpenCount(), 1U);
 }
 
@@ -445,7 +445,7 @@ TEST_F(Verdicts, GiveUpWaitingAfterAWhile)
     now += OpenDevices::kLongestSilence;
     Lines({kService + "<1><FILE><a.txt>\n"});
     verdicts.Tick(now + OpenDevices::kLongestSilence);
-    EXPECT_THAT(told, IsEmpty()) << "a long search is no silence";
+    EXPECT_THAT(told, IsEmpty()) << "a long scan is not a silence";
     verdicts.Tick(now + OpenDevices::kLongestSilence + 1);
     EXPECT_EQ(Only().decision, Decision::Open);
     EXPECT_STREQ(Only().rule, kUnfinished);
@@ -479,7 +479,7 @@ TEST_F(Verdicts, KeepABoundedNumberOfProcesses)
         Lines({kFound}, process);
     }
     EXPECT_EQ(verdicts.OpenCount(), ArrivalVerdicts::kMostProcesses);
-    EXPECT_THAT(told, SizeIs(2 * ArrivalVerdicts::kMostProcesses)) << "told as they stand";
+    EXPECT_THAT(told, SizeIs(2 * ArrivalVerdicts::kMostProcesses)) << "reported in their present state";
 }
 
 TEST_F(Verdicts, KeepABoundedNumberOfWaitingDevices)

@@ -39,7 +39,7 @@ TEST(CtlOptions, NameTheFirstWordThatIsUnknown)
     EXPECT_EQ(ReadCtlOptions({"--json", "--jsn", "x"}).notUnderstood, "--jsn");
     EXPECT_EQ(ReadCtlOptions({"applications"}).notUnderstood, "applications");
     EXPECT_EQ(ReadCtlOptions({"--json", "b\xC3\xBC"}).notUnderstood, "b\xC3\xBC");
-    EXPECT_EQ(ReadCtlOptions({"--chec"}).notUnderstood, "--chec") << "words are whole";
+    EXPECT_EQ(ReadCtlOptions({"--chec"}).notUnderstood, "--chec") << "options are compared whole";
     for (const char* const word : {"--json=maybe", "--check=1=2", "--", "-", "/"}) {
         EXPECT_EQ(ReadCtlOptions({word, "x"}).notUnderstood.empty(), false) << word;
     }

@@ -100,7 +100,8 @@ TEST_F(OpeningAChannel, GivesEveryProgramOfTheSessionWriteAccessAlone)
     DebugChannel channel;
     ASSERT_EQ(channel.Open(), DebugChannel::Opening::Done);
     EXPECT_EQ(RightsOfEveryone(events.at(0)), static_cast<DWORD>(SYNCHRONIZE)) << "to await its turn";
-    EXPECT_EQ(RightsOfEveryone(events.at(1)), static_cast<DWORD>(EVENT_MODIFY_STATE)) << "to say so";
+    EXPECT_EQ(RightsOfEveryone(events.at(1)), static_cast<DWORD>(EVENT_MODIFY_STATE))
+        << "to report its line";
     EXPECT_EQ(RightsOfEveryone(section), static_cast<DWORD>(FILE_MAP_WRITE)) << "its line";
     EXPECT_EQ(RightsOfEveryone(mutex),
               static_cast<DWORD>(SYNCHRONIZE | READ_CONTROL | MUTANT_QUERY_STATE))

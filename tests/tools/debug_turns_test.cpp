@@ -196,7 +196,7 @@ TEST_F(Turns, ComeBackIfAWriterWaitsForALostOne)
         EXPECT_FALSE(TakeTurn());
     };
     const auto write = [&] {
-        EXPECT_TRUE(TakeTurn()) << "after another while";
+        EXPECT_TRUE(TakeTurn()) << "after one more wait";
         Write("<waited for>");
     };
     EXPECT_EQ(NextAfter({nothing, nothing, write}), "<waited for>");
@@ -231,7 +231,7 @@ TEST_F(Turns, AreWithdrawnIfAWriterWasOnlySlow)
     EXPECT_EQ(withdrawn, std::vector<HANDLE>{events.at(0)}) << "before the line is copied";
     Write("<another>");
     EXPECT_EQ(NextAfter({}), "<another>");
-    EXPECT_EQ(withdrawn.size(), 1U) << "only where one was given";
+    EXPECT_EQ(withdrawn.size(), 1U) << "only a turn that was given";
 }
 
 } // namespace

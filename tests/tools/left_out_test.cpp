@@ -72,7 +72,7 @@ TEST(LeftOut, LetsTheUsersValueDecide)
     EXPECT_EQ(WhyLeftOut(key).at(0).text, L"\"AutoLaunchOnDeviceConnect\" is 1 for this user");
     EXPECT_THAT(Codes(key), ElementsAre("kept-out"));
     key.autoLaunchOfUser = key.autoLaunchOfMachine = 2;
-    EXPECT_THAT(Codes(key), IsEmpty()) << "only 1 keeps it out";
+    EXPECT_THAT(Codes(key), IsEmpty()) << "only 1 excludes it";
 }
 
 TEST(LeftOut, KnowsTheKeysThatTheSearchDoesNotReach)

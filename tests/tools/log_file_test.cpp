@@ -94,7 +94,7 @@ TEST_F(ALogFile, BeginsAgainWithItsHeading)
     log.SetHeading("-- a day\n");
     WriteLines(50, 50);
     EXPECT_THAT(Contents(L"trace.log.1"), StartsWith("0..."))
-        << "whoever writes first writes it himself";
+        << "the first writer writes its heading itself";
     EXPECT_THAT(Contents(L"trace.log"), StartsWith("-- a day\n40..."));
 }
 

@@ -89,7 +89,7 @@ TEST_F(CheckedPlugins, AreSuspiciousIfTwoHaveTheSameIdentifier)
 {
     folder.files[0].originalName = L"PHONES.mox";
     Second().originalName = L"phones.mox";
-    EXPECT_THAT(Lines(PluginRows(folder)).at(1), StartsWith("fine ")) << "the first is taken";
+    EXPECT_THAT(Lines(PluginRows(folder)).at(1), StartsWith("fine ")) << "the first one is used";
     EXPECT_THAT(SecondLine(), StartsWith("suspicious plugin p.mox: and nokiamanager.mox say"));
     Second().originalName = L"other.mox";
     EXPECT_THAT(SecondLine(), StartsWith("fine "));

@@ -149,7 +149,7 @@ TEST_F(CheckedApplications, MustHandleSomethingThatACardCanHold)
     MakeDefault(Viewer());
     EXPECT_TRUE(isBroken());
     facts.report.applications.push_back(Listed(L"Photos"));
-    EXPECT_TRUE(isBroken()) << "with a default the others' do not";
+    EXPECT_TRUE(isBroken()) << "with a default the kinds of the others do not count";
 }
 
 TEST_F(CheckedApplications, CanHaveNoPreferencesOfTheUserUnderSomeNames)
@@ -162,7 +162,8 @@ TEST_F(CheckedApplications, CanHaveNoPreferencesOfTheUserUnderSomeNames)
     }
     EXPECT_THAT(Lines(PreferencesRows(facts)), ElementsAre(StartsWith("fine preferences ")));
     Viewer().info.KeyPath = L"SOFTWARE\\Corvane\\Albums\\Corvane Kestrafetch";
-    EXPECT_THAT(Lines(PreferencesRows(facts)), ElementsAre(StartsWith("fine "))) << "they are there";
+    EXPECT_THAT(Lines(PreferencesRows(facts)), ElementsAre(StartsWith("fine ")))
+        << "the preferences exist";
     Viewer().key.userHasPreferences = false;
     EXPECT_THAT(Lines(PreferencesRows(facts)),
                 ElementsAre(AllOf(StartsWith("suspicious preferences Viewer: "),

@@ -101,7 +101,7 @@ TEST(TextLines, AreUtf16OfEitherOrder)
         EXPECT_TRUE(CutUp(mark + Utf16("on", little), 3).inALine);
     }
     EXPECT_THAT(LinesOf("\xFF\xFE\x3D\xD8\xF7\xDC\x0A"), ElementsAre("\xF0\x9F\x93\xB7"))
-        << "half a unit at the end is none";
+        << "half a code unit at the end is dropped";
     EXPECT_THAT(LinesOf(std::string("\xFF\xFE\x3D\xD8\xF7\xDC\x0A\x00", 8)),
                 ElementsAre("\xF0\x9F\x93\xB7"));
 }

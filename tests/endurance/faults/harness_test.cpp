@@ -38,7 +38,7 @@ protected:
     void SetUp() override
     {
         if (std::getenv("KESTRABOOT_REWRITE_EXPECTED") != nullptr) {
-            GTEST_SKIP() << "would write the file of another scene";
+            GTEST_SKIP() << "would overwrite the file of another scene";
         }
     }
 
@@ -144,8 +144,8 @@ TEST_F(Sweep, NamesAnExpectedCallThatIsNotMade)
 {
     const std::string said = Says([](OpenHandler&) {});
     EXPECT_SAYS(said,
-                "command_line's file tells of a call that is not made: CommandLineToArgvW 1: no memory");
-    EXPECT_SAYS(said, "command_line: the allocations");
+                "command_line's file lists a call that is not made: CommandLineToArgvW 1: no memory");
+    EXPECT_SAYS(said, "command_line: the number of allocations");
 }
 
 TEST_F(Sweep, NamesAnUnexpectedCall)
@@ -154,12 +154,12 @@ TEST_F(Sweep, NamesAnUnexpectedCall)
                     ReadTheCommandLine(handler);
                     ReadTheCommandLine(handler);
                 }),
-                "command_line's file does not tell of CommandLineToArgvW 2: no memory");
+                "command_line's file does not list CommandLineToArgvW 2: no memory");
 }
 
 TEST_F(Sweep, NamesFewerAllocationsThanExpected)
 {
-    EXPECT_SAYS(Says([](OpenHandler&) {}, SweepAllocations), "command_line takes memory ");
+    EXPECT_SAYS(Says([](OpenHandler&) {}, SweepAllocations), "command_line allocates ");
 }
 
 TEST_F(Sweep, NamesAPairWhoseExceptionEscapes)

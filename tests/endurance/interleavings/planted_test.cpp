@@ -125,7 +125,7 @@ private:
             Scheduler::Running()->Fail("two reports at once");
         }
         inCallback = how == Dispatch::WithoutLock;
-        Scheduler::Running()->Point("is told");
+        Scheduler::Running()->Point("gets a report");
         inCallback = false;
         static_cast<void>(device);
     }

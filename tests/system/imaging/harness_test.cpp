@@ -57,7 +57,7 @@ TEST(ALeak, OfOneHandleInTenLookUpsIsNamed)
                       static_cast<void>(::CreateEventW(nullptr, FALSE, FALSE, nullptr));
                   }
               }),
-              "they leave behind each time: handles");
+              "they leak each time: handles");
 }
 
 TEST(ALeak, OfTenKilobytesALookUpIsNamed)
@@ -66,7 +66,7 @@ TEST(ALeak, OfTenKilobytesALookUpIsNamed)
     EXPECT_EQ(Leaks([&] {
                   kept.emplace_back(10'240, 'x');
               }),
-              "they leave behind each time: memory");
+              "they leak each time: memory");
 }
 
 TEST(ALeak, OfAWindowIsNamed)

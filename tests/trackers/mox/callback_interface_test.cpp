@@ -171,7 +171,7 @@ TEST_F(Callback, HoldsASecondNotificationBackUntilTheFirstIsDone)
     const FAKE_IMPORT(EnterCriticalSection) enter([&](CRITICAL_SECTION* section) {
         if (!::TryEnterCriticalSection(section)) {
             EXPECT_EQ(entered.size(), 2U) << "the object's own section and that of the dispatch";
-            EXPECT_EQ(section, entered[0]) << "the second came as far as the dispatch";
+            EXPECT_EQ(section, entered[0]) << "the second report reached the dispatch";
             letItGo.Set();
             while (!::TryEnterCriticalSection(section)) {
                 ::SwitchToThread();

@@ -166,7 +166,7 @@ TEST_F(PluginsInAHost, MayBeTwoHundred)
         EXPECT_TRUE(detecting.insert(line).second) << line << " came twice";
     }
     EXPECT_EQ(detecting, expected);
-    EXPECT_EQ(tests::RunProgram(L"phone.exe ready among many"), 2U) << "one word too many";
+    EXPECT_EQ(tests::RunProgram(L"phone.exe ready among many"), 2U) << "one argument too many";
     EXPECT_EQ(tests::RunProgram(L"phone.exe ready \"among many\""), 0U);
     host.Await("device mobile among many");
 }

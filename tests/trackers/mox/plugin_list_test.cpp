@@ -160,7 +160,7 @@ TEST_P(ThrowingWhileLoading, BecomesAStatusAndThePluginIsUnloaded)
     EXPECT_FALSE(folder.IsLoaded(L"alpha"));
     EXPECT_EQ(folder.References(L"alpha"), 0);
     EXPECT_TRUE(plugins.Entries().empty());
-    EXPECT_EQ(plugins.LoadPlugin(folder.Add(L"beta")), mox::kSuccess) << "the host did not carry on";
+    EXPECT_EQ(plugins.LoadPlugin(folder.Add(L"beta")), mox::kSuccess) << "the host did not continue";
     EXPECT_EQ(std::uncaught_exceptions(), 0);
 }
 
@@ -386,7 +386,7 @@ TEST_F(PluginLoading, FindsAPluginByItsIdentifier)
     mox::Identifier other = plugins.Entries().back().identifier;
     other.data4[7] = static_cast<std::uint8_t>(other.data4[7] + 1);
     EXPECT_EQ(plugins.FindPluginById(other, &found), 0x40000001U);
-    EXPECT_EQ(found, &plugins.Entries().back()) << "the output was touched";
+    EXPECT_EQ(found, &plugins.Entries().back()) << "the output was changed";
 }
 
 } // namespace

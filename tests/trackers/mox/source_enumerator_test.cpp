@@ -65,7 +65,7 @@ TEST_F(SourceEnumerator, ReturnsTheSourcesInOrderAndThenTheEnd)
     EXPECT_STREQ(info.name, L"beta");
     for (int again = 0; again < 3; ++again) {
         EXPECT_EQ(sources->Next(&info), 0xD0000001U);
-        EXPECT_STREQ(info.name, L"beta") << "the record was touched";
+        EXPECT_STREQ(info.name, L"beta") << "the record was changed";
     }
     EXPECT_EQ(sources->Reset(), 0U);
     EXPECT_EQ(sources->Next(&info), 0U);

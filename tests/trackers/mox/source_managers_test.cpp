@@ -68,7 +68,7 @@ TEST_F(OpenSources, LeaveOutAPluginWithoutOne)
     Behaviour without;
     without.fails = Operation::QuerySource;
     const mox::Identifier alpha = Load(L"alpha", without);
-    EXPECT_EQ(host.managers.OpenSourceManagers(), mox::kFailure) << "none has one";
+    EXPECT_EQ(host.managers.OpenSourceManagers(), mox::kFailure) << "no plugin has a source manager";
     const mox::Identifier beta = Load(L"beta");
     EXPECT_EQ(host.managers.OpenSourceManagers(), mox::kSuccess);
     std::uint32_t category = 99;
@@ -153,7 +153,7 @@ TEST_F(OpenSources, AreDistinguishedFromUnknownAndFromClosedOnes)
     EXPECT_EQ(host.managers.GetSourceCategory(alpha, nullptr), 0xC000000AU);
     EXPECT_EQ(host.managers.RegisterSourceCallback(alpha, nullptr), 0xC000000AU);
     EXPECT_EQ(host.managers.UnregisterSourceCallback(alpha, nullptr), 0xC000000AU);
-    EXPECT_EQ(category, 99U) << "the output was touched";
+    EXPECT_EQ(category, 99U) << "the output was changed";
     host.managers.CloseSourceManagers();
     EXPECT_EQ(host.managers.GetSourceCategory(alpha, &category), 0xC000000CU);
 }
@@ -197,7 +197,7 @@ TEST_F(OpenSources, ThatArePromisedAndNotReturnedAreNone)
     Load(L"beta", {.silent = Operation::QuerySource});
     host.managers.CloseSourceManagers();
     host.plugins.UnloadPlugin(PluginFolder::Named(L"alpha"));
-    EXPECT_EQ(host.managers.OpenSourceManagers(), mox::kFailure) << "none has one";
+    EXPECT_EQ(host.managers.OpenSourceManagers(), mox::kFailure) << "no plugin has a source manager";
 }
 
 TEST_F(OpenSources, AcceptACallbackAndReturnIt)

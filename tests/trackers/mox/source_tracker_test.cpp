@@ -191,7 +191,7 @@ TEST_F(Tracker, TriesAgainWhenNoMessageCanBeRead)
     });
     RunToItsEnd(Source(L"alpha"));
     EXPECT_EQ(calls, 4);
-    EXPECT_EQ(pauses, 3) << "a window that is gone keeps a processor busy";
+    EXPECT_EQ(pauses, 3) << "a destroyed window keeps a processor busy";
     EXPECT_NE(filtered, nullptr);
     EXPECT_EQ(first, 537U);
     EXPECT_EQ(last, 537U);
@@ -242,12 +242,12 @@ TEST_P(FailingTracker, EndsQuietlyAndLeaksNothing)
     (throws ? behaviour.throws : behaviour.fails) = operation;
     folder.Replace(L"alpha", behaviour);
     RunToItsEnd(source);
-    EXPECT_LE(folder.Count(L"alpha", Operation::Register), 1) << "it was asked again";
+    EXPECT_LE(folder.Count(L"alpha", Operation::Register), 1) << "the callback was registered again";
     EXPECT_TRUE(trace.Lines().empty());
     EXPECT_EQ(folder.References(L"alpha"), 0);
     EXPECT_EQ(tests::CountTrackerWindows(), 0);
     StartSourceTracker(Source(L"beta"));
-    EXPECT_TRUE(trace.Await(Detecting(L"beta"))) << "the host did not carry on";
+    EXPECT_TRUE(trace.Await(Detecting(L"beta"))) << "the host did not continue";
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -73,7 +73,7 @@ TEST(StiDeviceList, RaisesAnExceptionInsteadOfGrowingPastItsMaximum)
     }
     try {
         list.Append(Device(L"one too many"));
-        ADD_FAILURE() << "it grew";
+        ADD_FAILURE() << "the list grew";
     } catch (const std::length_error& error) {
         EXPECT_STREQ(error.what(), "list<T> too long");
     }

@@ -169,11 +169,11 @@ TEST_F(NewStiDevice, LeavesNoRecordOfDevicesThatAreGone)
     ASSERT_TRUE(devices.OpenSti());
     Plug({"camera C"});
     EXPECT_THAT(NextNew(), Optional(std::wstring(L"C")));
-    EXPECT_EQ(records, 1) << "only what is known now";
+    EXPECT_EQ(records, 1) << "the records of the present devices alone";
     noMemory = true;
     Plug({"camera C", "camera D"});
     EXPECT_THROW(static_cast<void>(devices.FindNewDevice()), std::bad_alloc);
-    EXPECT_EQ(records, 2) << "what is known, and the list that was not finished";
+    EXPECT_EQ(records, 2) << "the known device, and one of the unfinished list";
     devices.Clear();
     EXPECT_EQ(records, 0);
 }
@@ -300,7 +300,7 @@ TEST_F(NewStiDevice, IsLostWithoutMemoryAndTheKnownDevicesStay)
     Plug({"camera A", "camera B"});
     EXPECT_THROW(static_cast<void>(devices.FindNewDevice()), std::bad_alloc);
     Plug({});
-    EXPECT_EQ(NextNew(), std::nullopt) << "nothing to make a record of";
+    EXPECT_EQ(NextNew(), std::nullopt) << "no device to make a record of";
 }
 
 } // namespace

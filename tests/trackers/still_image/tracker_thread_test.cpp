@@ -115,7 +115,7 @@ TEST_F(StiTrackerThreadTest, OpensStillImagingAndItsWindow)
     EXPECT_EQ(title, L"STITrackerWindow");
     EXPECT_STREQ(windowClass.c_str(), L"Static");
     EXPECT_EQ(style & (WS_POPUP | WS_VISIBLE), static_cast<DWORD>(WS_POPUP));
-    EXPECT_TRUE(isTopLevel) << "no other window is told of a change of devices";
+    EXPECT_TRUE(isTopLevel) << "only a top-level window gets the message about a change of devices";
     EXPECT_EQ(place.left, 20);
     EXPECT_EQ(place.top, 20);
     EXPECT_EQ(place.right, 220);
@@ -133,7 +133,8 @@ TEST_F(StiTrackerThreadTest, ReportsADeviceThatIsAddedAndContinues)
                 ElementsAre(kDetected, L"<***DeviceConnect***><StiTracker><TWAIN DEVICE><C|\"Fine\">",
                             L"<***DeviceConnect***><StiTracker><TWAIN DEVICE><S|\"Fine\">"));
     EXPECT_EQ(dispatched.size(), 3U);
-    EXPECT_THAT(eventsBefore, ElementsAre(1U, 1U, 2U)) << "the report comes before the message goes on";
+    EXPECT_THAT(eventsBefore, ElementsAre(1U, 1U, 2U))
+        << "the report comes before the message is dispatched";
 }
 
 TEST_F(StiTrackerThreadTest, ChecksTheDevicesOnAChangeOfTheDeviceTreeAlone)
@@ -158,7 +159,7 @@ TEST_F(StiTrackerThreadTest, ContinuesAfterAMessageThatCouldNotBeRead)
     EXPECT_EQ(StiTrackerThread(nullptr), 0U);
     EXPECT_THAT(events.All(), ElementsAre(Pair(L"camera", L"\"Fine\"")));
     EXPECT_EQ(dispatched.size(), 1U);
-    EXPECT_EQ(pauses.Calls(), 1) << "a failure that lasts does not take a whole processor";
+    EXPECT_EQ(pauses.Calls(), 1) << "a lasting failure must not use a whole processor";
 }
 
 TEST_F(StiTrackerThreadTest, WithoutStillImagingWritesALineAndFindsNothing)

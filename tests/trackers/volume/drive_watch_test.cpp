@@ -43,7 +43,7 @@ TEST_F(ReadableDrives, AreAllThatExistButRemovableOnesWithoutMedium)
                       {L'N', {DRIVE_REMOTE, false}},
                       {L'Z', {DRIVE_RAMDISK, false}}};
     EXPECT_EQ(ScanReadableDrives().readable, Bit(L'C') | Bit(L'D') | Bit(L'F') | Bit(L'N') | Bit(L'Z'));
-    EXPECT_THAT(machine.probed, ElementsAre(L'E', L'F')) << "no other drive is touched";
+    EXPECT_THAT(machine.probed, ElementsAre(L'E', L'F')) << "no other drive is accessed";
 }
 
 TEST_F(ReadableDrives, IncludeTheWholeAlphabet)
@@ -132,7 +132,7 @@ TEST_F(DriveChange, AScanThatSeesNoDriveAtAllForgetsNothing)
     EXPECT_FALSE(watch.DetectChange());
     EXPECT_TRUE(watch.RemovablePresent());
     machine.drives[L'E'].holdsMedium = true;
-    EXPECT_FALSE(watch.DetectChange()) << "still known from before";
+    EXPECT_FALSE(watch.DetectChange()) << "the drive is still known";
 }
 
 TEST_F(DriveChange, AScanThatSeesNoDriveAtAllStillReportsThatTheReaderIsGone)

@@ -99,7 +99,7 @@ TEST_F(VolumeScanning, AnEmptyReaderAloneStartsPolling)
     scan.Trigger();
     EXPECT_THAT(NewLines(), ElementsAre(kEnteringPolling));
     scan.Scan();
-    EXPECT_THAT(NewLines(), IsEmpty()) << "the mode is told when it changes";
+    EXPECT_THAT(NewLines(), IsEmpty()) << "a line is written only when the mode changes";
 }
 
 TEST_F(VolumeScanning, PollingEndsWithTheLastRemovableDrive)

@@ -170,7 +170,8 @@ TEST_F(VolumeTracker, WritesThatItRunsAndCreatesAHiddenWindow)
     EXPECT_EQ(scene.trace.Lines().front(), kDetected);
     EXPECT_FALSE(::IsWindowVisible(window));
     EXPECT_EQ(::GetParent(window), nullptr);
-    EXPECT_EQ(::GetAncestor(window, GA_PARENT), ::GetDesktopWindow()) << "no broadcast reaches it";
+    EXPECT_EQ(::GetAncestor(window, GA_PARENT), ::GetDesktopWindow())
+        << "a broadcast reaches top-level windows alone";
     EXPECT_EQ(static_cast<DWORD>(::GetWindowLongW(window, GWL_STYLE)) & WS_POPUP, WS_POPUP);
     EXPECT_EQ(::GetWindowLongW(window, GWL_EXSTYLE), 0);
     EXPECT_EQ(reinterpret_cast<HINSTANCE>(::GetWindowLongPtrW(window, GWLP_HINSTANCE)),
@@ -500,7 +501,7 @@ TEST_F(VolumeTrackerWithoutClass, FallsBackToAStaticWindowAndScansOnDeviceNodeCh
     UntilReported();
     EXPECT_EQ(scene.trace.Count(kArrived), 0);
     EndThroughQueue();
-    EXPECT_EQ(reportedBefore, 1U) << "it looks first, then dispatches";
+    EXPECT_EQ(reportedBefore, 1U) << "the tracker scans first, then dispatches";
     EXPECT_EQ(result, 0U);
 }
 

@@ -132,14 +132,14 @@ TEST_F(WiaConnectEvent, WithoutMemoryForItsTextReturnsOutOfMemory)
     EXPECT_EQ(result, E_OUTOFMEMORY);
     EXPECT_THAT(trace.Lines(), IsEmpty());
     EXPECT_THAT(events.All(), IsEmpty());
-    EXPECT_EQ(Fire(id.c_str()), S_OK) << "the tracker goes on";
+    EXPECT_EQ(Fire(id.c_str()), S_OK) << "the tracker continues";
     EXPECT_EQ(events.All().size(), 1U);
 }
 
 TEST_F(WiaConnectEvent, ReturnsSuccessWhenTheHostThrows)
 {
     RegisterDeviceConnectCallback([](std::wstring&, std::wstring&) {
-        throw std::runtime_error("the host's affair");
+        throw std::runtime_error("an exception of the host");
     });
     service.devices = {WiaDevice(L"camera", 2)};
     EXPECT_EQ(Fire(L"camera"), S_OK);

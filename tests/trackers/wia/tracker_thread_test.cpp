@@ -89,7 +89,7 @@ TEST_F(WiaTrackerThreadTest, DispatchesEveryMessageAndContinuesAfterAFailedOne)
     EXPECT_EQ(WiaTrackerThread(nullptr), 0U);
     EXPECT_THAT(dispatched, ElementsAre(WM_APP, WM_APP + 2));
     EXPECT_EQ(translated, dispatched);
-    EXPECT_EQ(pauses.Calls(), 1) << "a failure that lasts does not take a whole processor";
+    EXPECT_EQ(pauses.Calls(), 1) << "a lasting failure must not use a whole processor";
 }
 
 } // namespace
