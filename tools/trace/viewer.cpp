@@ -141,7 +141,7 @@ void Viewer::Flush()
     forOutput.clear();
     if (gone && !std::exchange(outputGone, true)) {
         std::fprintf(stderr, "kestratrace: standard output cannot be written any more%s\n",
-                     log.IsOpen() ? "; the file continues" : "");
+                     log.IsOpen() ? "; the file goes on" : "");
     }
     log.Write(std::exchange(forFile, {}));
 }
