@@ -171,7 +171,8 @@ protected:
                       {"", "blocks of memory 5", tracker},
                       {"GetName 2:", "blocks of memory 4", "the same, with a name that takes none"},
                       {"allocations work", "blocks of memory 10", "of two runs, each with its tracker"}};
-        scene.kept.push_back({"GetModuleHandleW 6:", kReportsNothing, "the library to free is not found"});
+        scene.kept.push_back(
+            {"GetModuleHandleW 6:", kReportsNothing, "the library to free is not found"});
         for (const char* const call : {"GetIdentifier 2:", "GetIdentifier 3:", "GetModuleHandleW 8:",
                                        "GetProcAddress 8:", "FxPluginMain 8:", "Query.13 3:"}) {
             scene.kept.push_back(
