@@ -34,7 +34,7 @@ Card::~Card()
 void Card::Insert() const
 {
     if (!simulators::InsertCard(letter, folder)) {
-        throw std::runtime_error("the mount manager refuses the card " + folder);
+        throw std::runtime_error("the mount manager did not insert the card " + folder);
     }
     AwaitLetter(letter, true);
 }
@@ -42,7 +42,7 @@ void Card::Insert() const
 void Card::TakeOut() const
 {
     if (!simulators::TakeCardOut(letter)) {
-        throw std::runtime_error("the mount manager keeps the card " + folder);
+        throw std::runtime_error("the mount manager did not remove the card " + folder);
     }
     AwaitLetter(letter, false);
 }

@@ -20,7 +20,7 @@ void LoadAndUnload(const wchar_t* dll)
     }
     ::FreeLibrary(module);
     if (::GetModuleHandleW(dll) != nullptr) {
-        throw std::runtime_error("a DLL stays loaded");
+        throw std::runtime_error("a DLL was not unloaded");
     }
 }
 

@@ -51,7 +51,7 @@ if [ $# -eq 0 ]; then
 fi
 for program in apt-get dpkg-query; do
     command -v $program >/dev/null || {
-        echo "setup.sh: there is no $program: install what stands for these by hand: ${packages[*]}" >&2
+        echo "setup.sh: there is no $program: install the counterparts of these by hand: ${packages[*]}" >&2
         exit 1
     }
 done
@@ -75,6 +75,6 @@ echo "== Installing: ${missing[*]}"
 "${as_root[@]}" apt-get -qq update
 "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -y --no-install-recommends install "${missing[@]}" \
     </dev/null | sed -nu 's/^Unpacking \([^ ]*\).*/   \1/p' || {
-    echo "setup.sh: apt-get did not install them (above it says why); this release may lack one of: ${missing[*]}" >&2
+    echo "setup.sh: apt-get did not install them (its messages are above); this release may lack one of: ${missing[*]}" >&2
     exit 1
 }

@@ -17,7 +17,7 @@ cd "$(dirname "$0")/.."
 
 out=$PWD/build/debian-$1
 root=$out
-[ "$(id -u)" = 0 ] || { echo "test-debian.sh: only root can make a system in a folder" >&2 && exit 1; }
+[ "$(id -u)" = 0 ] || { echo "test-debian.sh: only root can install a system in a folder" >&2 && exit 1; }
 command -v debootstrap >/dev/null || { echo "test-debian.sh: apt-get install debootstrap" >&2 && exit 1; }
 
 # inside COMMAND: replaces this shell, so call it in a subshell. The command's processes and mounts belong to the new
@@ -33,7 +33,7 @@ inside() {
 
 remove() {
     if grep -qF " $root/" /proc/mounts; then
-        echo "test-debian.sh: something is mounted below $root, so it stays there" >&2
+        echo "test-debian.sh: something is mounted below $root, so the folder is not removed" >&2
         return 1
     fi
     rm -rf --one-file-system "$root"

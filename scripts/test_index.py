@@ -100,7 +100,7 @@ def main() -> int:
         PAGE.write_text(text, encoding="utf-8")
         return 0
     if not PAGE.exists() or PAGE.read_text(encoding="utf-8") != text:
-        print(f"{PAGE.relative_to(ROOT)} is not what the tests say: scripts/test_index.py writes it anew")
+        print(f"{PAGE.relative_to(ROOT)} differs from the tests: run scripts/test_index.py")
         return 1
     print(f"{count} behaviours in the index of tests")
     return 0

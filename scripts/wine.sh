@@ -18,7 +18,7 @@ wine_prefix_mark() { touch "$1/.kestraboot-prefix"; }
 # wine_prefix_clear FOLDER: makes an empty folder with the mark. Refuses an existing folder without it.
 wine_prefix_clear() {
     if [ -e "$1" ] && [ ! -e "$1/.kestraboot-prefix" ] && [ -n "$(ls -A "$1")" ]; then
-        echo "wine: $1 was not made here, so it stays as it is: take another folder" >&2
+        echo "wine: $1 was not made here, so it is left unchanged: choose another folder" >&2
         return 1
     fi
     mkdir -p "$1" && wine_prefix_mark "$1" || return 1

@@ -48,7 +48,7 @@ def main() -> int:
         package = packages.get(name, {})
         if "NOASSERTION" in (package.get("versionInfo", "NOASSERTION"), package.get("downloadLocation", "NOASSERTION"),
                              package.get("licenseConcluded", "NOASSERTION")):
-            wrong.append(f"{name}: version, licence or the place of its sources is not known")
+            wrong.append(f"{name}: version, licence or location of the sources is missing")
 
     listed, sha1s = {}, []
     for entry in document["files"]:
@@ -62,16 +62,16 @@ def main() -> int:
     for name in there & listed.keys():
         content = (root / name).read_bytes()
         if listed[name] != {"SHA1": hashlib.sha1(content).hexdigest(), "SHA256": hashlib.sha256(content).hexdigest()}:
-            wrong.append(f"{name}: another checksum")
+            wrong.append(f"{name}: wrong checksum")
     code = packages["kestraboot"]["packageVerificationCode"]["packageVerificationCodeValue"]
     if code != hashlib.sha1("".join(sorted(sha1s)).encode()).hexdigest():
-        wrong.append("the verification code is another")
+        wrong.append("the verification code is wrong")
 
     known = ["SPDXRef-DOCUMENT"] + [one["SPDXID"] for one in document["packages"] + document["files"]]
     wrong += [f"{name}: named twice" for name in {name for name in known if known.count(name) > 1}]
     for relationship in document["relationships"]:
         wrong += misses("relationship", relationship, RELATIONSHIP)
-        wrong += [f"a relationship to {relationship[end]}, which is nothing"
+        wrong += [f"a relationship to {relationship[end]}, which does not exist"
                   for end in ("spdxElementId", "relatedSpdxElement") if relationship[end] not in known]
 
     print(f"bill of materials: {len(packages)} packages, {len(listed)} files, {len(document['relationships'])} "

@@ -42,7 +42,7 @@ class Binary:
         for start, size, raw in self.sections:
             if start <= address < start + size:
                 return raw + address - start
-        raise ValueError(f"address {address:#x} lies in no section")
+        raise ValueError(f"address {address:#x} is in no section")
 
     def text(self, address: int) -> str:
         start = self.offset(address)
@@ -99,7 +99,7 @@ def main() -> int:
     for file in files:
         binary = Binary(file)
         if binary.subsystem > OLDEST_SUBSYSTEM:
-            wrong.append(f"{file.name} asks for subsystem {binary.subsystem[0]}.{binary.subsystem[1]}")
+            wrong.append(f"{file.name} requires subsystem {binary.subsystem[0]}.{binary.subsystem[1]}")
         of_windows = sorted(i for i in binary.imports() if i[0] not in ours)
         youngest = []
         for library, function in of_windows:
@@ -108,7 +108,7 @@ def main() -> int:
             if first is None:
                 wrong.append(f"{file.name} imports {function} of {library}, which is not in {table.name}")
             elif RELEASES.index(first) > RELEASES.index(OLDEST):
-                wrong.append(f"{file.name} imports {function} of {library}, which Windows has from {first} on")
+                wrong.append(f"{file.name} imports {function} of {library}, which Windows has since {first}")
             elif first == OLDEST:
                 youngest.append(function)
         print(f"{file.name}: subsystem {binary.subsystem[0]}.{binary.subsystem[1]}, {len(of_windows)} imports; "

@@ -72,16 +72,16 @@ def main() -> int:
     wrong = []
     if max(promised) != major:
         wrong.append(f"version.h is of major version {major}: {PROMISED} needs its section, with exports.txt and "
-                     "layouts.txt as they are")
+                     "layouts.txt unchanged")
     else:
-        wrong += [f"{name} is not what major version {major} promises: raise KESTRABOOT_VERSION_MAJOR, and say in "
-                  "CHANGELOG.md what changes" for name in broken(promised[major], now)]
+        wrong += [f"{name} is not what major version {major} promises: raise KESTRABOOT_VERSION_MAJOR, and state in "
+                  "CHANGELOG.md the change" for name in broken(promised[major], now)]
     majors = sorted(promised)
     for before, after in zip(majors, majors[1:]):
         wrong += [f"CHANGELOG.md does not name {name}, which version {after} changes"
                   for name in broken(promised[before], promised[after])
                   if not re.search(rf"^\s*[-*].*\b{name}\b", changes_of(after), re.MULTILINE)]
-    wrong += sorted({f"the section of version {each} in {PROMISED} was changed: what is promised stays"
+    wrong += sorted({f"the section of version {each} in {PROMISED} was changed: a promised interface stays"
                      for page in earlier_pages() for each, section in promises(page).items()
                      if promised.get(each) != section})
     print(f"interface: major version {major}, {len(now)} exports, records and members, {len(wrong)} wrong")

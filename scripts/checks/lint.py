@@ -36,7 +36,7 @@ def tidy(commands: pathlib.Path, file: pathlib.Path) -> str:
     """The findings in the file; empty if it is clean."""
     run = subprocess.run([TIDY, "-p", commands, "--quiet", file], capture_output=True, text=True)
     clean = run.returncode == 0 and "warning:" not in run.stdout and "error:" not in run.stdout
-    return "" if clean else run.stdout + run.stderr + f"{TIDY} of {file.name} ended with {run.returncode}\n"
+    return "" if clean else run.stdout + run.stderr + f"{TIDY} of {file.name} exited with {run.returncode}\n"
 
 
 class Room:
@@ -89,7 +89,7 @@ def main() -> int:
         json.dumps([entry for group in alike.values() for entry in group] + [room.entry for room in rooms]))
 
     work = [room for room in rooms if not room.stamp.exists()]
-    print(f"clang-tidy: {sum(len(room.files) for room in rooms)} files in {len(rooms)} rooms, {len(work)} to look at",
+    print(f"clang-tidy: {sum(len(room.files) for room in rooms)} files in {len(rooms)} rooms, {len(work)} to check",
           flush=True)
     bad = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:

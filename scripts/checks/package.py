@@ -105,13 +105,13 @@ def main() -> int:
 
     version = version_of(files["include/kestraboot/version.h"].decode())
     told = list(told_versions(files, archive, top))
-    wrong += [f"{where} tells version {found}, not {version}" for where, found in told if found != version]
+    wrong += [f"{where} has version {found}, not {version}" for where, found in told if found != version]
 
     checksum = archive.with_name(archive.name + ".sha256").read_text().split()[0]
     if checksum != hashlib.sha256(archive.read_bytes()).hexdigest():
-        wrong.append("the checksum beside the archive is another's")
+        wrong.append("the checksum beside the archive is wrong")
 
-    print(f"package: {archive.name}, {archive.stat().st_size} bytes, {len(files)} files, version {version} told "
+    print(f"package: {archive.name}, {archive.stat().st_size} bytes, {len(files)} files, version {version} found "
           f"{len(told)} times, {len(wrong)} wrong")
     print("\n".join(wrong))
     return 1 if wrong else 0

@@ -1,19 +1,23 @@
 #!/usr/bin/env python3
 """Checks the wording of the pages and of the public headers' comments: words that CONTRIBUTING's table replaces, long
-sentences, and procedures in table cells. Code, quotations and the fixed trace lines do not count.
+sentences, and procedures in table cells. Code, quotations and the fixed trace lines do not count. Of the other sources it
+reads the names of tests, as sentences, and the texts of failures.
 
-usage: prose.py [FILE ...]     checks those files; default: all pages and public headers
+usage: prose.py [FILE ...]     checks those files; default: all pages, public headers, tests and scripts
 """
 import pathlib
 import re
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "scripts"))
+from test_index import TEST, sentence  # noqa: E402
+
 LONGEST_SENTENCE, LONGEST_CELL = 40, 45  # words
 AVOIDED = {  # as in the table of CONTRIBUTING.md
     r"t(?:ell|ells|old|elling) (?:of|about)|hears? of|heard of": "report",
     r"notic(?:e|es|ed|ing)(?! that)": "detect",
-    r"a look|looks?(?:ed)? at|looking at": "scan, poll, check",
+    r"a look(?! up)|looks?(?:ed)? at|looking at": "scan, poll, check",
     r"put in|puts in|taken out|takes? out": "insert, remove",
     r"lies|stands?(?: in)?(?! for\b)|lie(?= (?:in|beside|at|there))": "is, is stored in",
     r"(?:is|are|was|were|be|been) ended": "exit, terminate, stop",
@@ -25,7 +29,30 @@ AVOIDED = {  # as in the table of CONTRIBUTING.md
     r"but for": "except for, unless",
     r"that which": "a noun",
 }
-PATTERNS = [(re.compile(rf"\b(?:{words})\b", re.IGNORECASE), instead) for words, instead in AVOIDED.items()]
+AVOIDED_IN_MESSAGES = {  # in addition: short texts, in which these words have no other use
+    r"tells?(?!.* apart)|told(?! to\b)": "report, print, show",
+    r"says? so|said so": "print, write, trace",
+    r"behind (?:an?|the|its|all)": "after, beside",
+    r"anew": "again",
+    r"(?:is|are|be|been) had": "create, read",
+}
+
+
+def compiled(words: dict[str, str]) -> list[tuple[re.Pattern, str]]:
+    return [(re.compile(rf"\b(?:{each})\b", re.IGNORECASE), instead) for each, instead in words.items()]
+
+
+PATTERNS = compiled(AVOIDED)
+MESSAGE_PATTERNS = PATTERNS + compiled(AVOIDED_IN_MESSAGES)
+CODE = {".cpp", ".sh", ".py", ".cmake"}
+# The text that a failure prints: after << and in an exception in C++, after the usual calls in scripts.
+STRING = r"""("(?:[^"\\\n]|\\.)*")"""
+MESSAGE = {
+    ".cpp": re.compile(rf"(?:<<|runtime_error\(|Fail\()\s*{STRING}"),
+    ".sh": re.compile(rf"\b(?:fail|echo|wrong_usage)\s+{STRING}"),
+    ".py": re.compile(rf"\b(?:print|append|exit|Error)\(\[?\s*f?{STRING}|=\s\[f{STRING}\s*for"),
+    ".cmake": re.compile(rf"\bmessage\(\w+\s+{STRING}"),
+}
 FENCE = re.compile(r"^```.*?^```$|^(?: {4}|\t)[^\n]*$|<!--.*?-->", re.MULTILINE | re.DOTALL)
 QUOTED = re.compile(r"`[^`\n]*`|\"[^\"\n]*\"|\]\([^)]*\)")
 CLAUSE = re.compile(r"(?:^|[.:;] )What (?!is |are |does |do |to |happens )[^?.]*\.")
@@ -36,9 +63,11 @@ def blanked(match: re.Match) -> str:
     return "\n" * match[0].count("\n")
 
 
-def pages() -> list[pathlib.Path]:
+def default_files() -> list[pathlib.Path]:
     found = [*ROOT.glob("*.md"), *(ROOT / "docs").rglob("*.md"), *(ROOT / "samples").rglob("*.md"),
              *(ROOT / "include").rglob("*.h")]
+    found += [file for folder in ("tests", "scripts", "bench", "cmake") for file in (ROOT / folder).rglob("*")
+              if file.suffix in CODE and "samples" not in file.parts]
     return sorted(file for file in found if file.name != "CHANGELOG.md")
 
 
@@ -71,7 +100,23 @@ def sentences(text: str):
             block.append(line.strip())
 
 
+def messages(file: pathlib.Path):
+    """Each name of a test and each text of a failure, with its line."""
+    text = file.read_text(encoding="utf-8")
+    for found in TEST.finditer(text) if file.suffix == ".cpp" else ():
+        yield text.count("\n", 0, found.start()) + 1, f"{sentence(found[1])} {sentence(found[2])}"
+    for found in MESSAGE[file.suffix].finditer(text):
+        words = next(each for each in found.groups() if each)[1:-1]
+        yield text.count("\n", 0, found.start()) + 1, QUOTED.sub("x", re.sub(r"<[^>]*>|\{[^}]*\}|\$\w+", "x", words))
+
+
 def findings(file: pathlib.Path):
+    if file.suffix in CODE:
+        for number, message in messages(file):
+            for pattern, instead in MESSAGE_PATTERNS:
+                for found in pattern.finditer(message):
+                    yield number, f'"{found[0]}" in "{message}": write {instead}'
+        return
     text = prose_of(file)
     for number, line in enumerate(text.splitlines(), 1):
         for pattern, instead in PATTERNS:
@@ -89,7 +134,7 @@ def findings(file: pathlib.Path):
 
 
 def main() -> int:
-    files = [pathlib.Path(name).resolve() for name in sys.argv[1:]] or pages()
+    files = [pathlib.Path(name).resolve() for name in sys.argv[1:]] or default_files()
     count = 0
     for file in files:
         for number, said in sorted(findings(file)):

@@ -44,7 +44,7 @@ def main() -> int:
     said = run.stdout + run.stderr
     wrong = [f"doxygen: {line}" for line in said.splitlines() if line]
     if run.returncode != 0 and not wrong:
-        wrong.append(f"doxygen ended with {run.returncode}")
+        wrong.append(f"doxygen exited with {run.returncode}")
 
     text = pages()
     operations = exported_operations()
@@ -55,9 +55,9 @@ def main() -> int:
             wrong.append(f"the reference does not describe {operation}")
     for page, words in text.items():
         if re.search(r"\|\s*\|", words):
-            wrong.append(f"{page}: a table was not understood")
+            wrong.append(f"{page}: doxygen did not recognise a table")
     if version not in text.get("index.html", ""):
-        wrong.append(f"the reference does not say that it is of version {version}")
+        wrong.append(f"the reference does not name its version, {version}")
 
     print(f"reference: version {version}, {len(text)} pages, {len(operations)} exported operations, "
           f"{len(wrong)} wrong")

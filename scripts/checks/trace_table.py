@@ -72,7 +72,7 @@ def lines_of_code(name: str, code: str, wrong: list[str]) -> list[tuple[str, str
             wrong.append(f"{where}: {call[1]} without a literal text")
     for other in UNKNOWN_WRITERS.finditer(code):
         line = code.count("\n", 0, other.start()) + 1
-        wrong.append(f"{name}:{line}: {other[1]} writes past the functions of foundation/trace.h")
+        wrong.append(f"{name}:{line}: {other[1]} writes without the functions of foundation/trace.h")
     return found
 
 

@@ -66,7 +66,7 @@ class Compiler:
     def run(self, *arguments) -> tuple[str, str]:
         """Its output and its diagnostics."""
         run = subprocess.run([*self.command, *map(str, arguments)], cwd=ROOT, capture_output=True, text=True)
-        failed = "" if run.returncode == 0 else f"clang++ ended with {run.returncode}\n"
+        failed = "" if run.returncode == 0 else f"clang++ exited with {run.returncode}\n"
         return run.stdout, run.stderr + failed
 
     def dump(self, *arguments) -> str:
@@ -121,7 +121,7 @@ def compare_layouts(gxx: str, work: pathlib.Path) -> list[str]:
     wrong += [] if our_tables else ["no table of functions was found"]
     wrong += differences("the table", our_tables, their_tables)
     slots = sum(map(len, our_tables.values()))
-    print(f"visual_cpp: {len(ours)} records and {slots} functions of {len(our_tables)} tables lie alike for both "
+    print(f"visual_cpp: {len(ours)} records and {slots} functions of {len(our_tables)} tables have the same layout for both "
           f"families" if not wrong else "visual_cpp: the families differ")
     return wrong
 

@@ -45,7 +45,7 @@ act_applications() {
     expect "-default \"Second Viewer\" yes: exit code" 0 "$(exit_code_of "$second" -default 'Second Viewer' yes)"
     expect "the auto-run entry names its proxy" "\"$programs\\Second Viewer\\kestraboot.exe\"" "$(run_value)"
 
-    step "A card is put in"
+    step "A card is inserted"
     insert_card pictures
     expect_line "the second application is started" "\"$programs\\Second Viewer\\second.exe\" $arguments" 30
     expect_report "  and finds the picture" second 'picture: E:\DCIM\100TEST\IMG_0001.JPG' 30
@@ -65,7 +65,7 @@ act_applications() {
     expect_line "  its proxy is in control" '<KestraProxy><Took control of the situation>' 30
     expect "the auto-run entry names its proxy" "\"$programs\\Corvane Sample Viewer\\kestraboot.exe\"" "$(run_value)"
 
-    step "A card is put in"
+    step "A card is inserted"
     forget_report viewer
     insert_card pictures
     expect_line "the first application is started" "\"$programs\\Corvane Sample Viewer\\viewer.exe\" $arguments" 30

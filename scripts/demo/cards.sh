@@ -19,9 +19,9 @@ insert_card() { in_wine 30 "$simulators/card_reader.exe" insert E "$demo/cards/$
 remove_card() { in_wine 30 "$simulators/card_reader.exe" remove E; }
 
 take_card_out() {
-    step "The card is taken out"
+    step "The card is removed"
     remove_card
-    expect_line "card out: nothing left to poll" '<***DeviceConnect***><VolumeTracker><Exiting from polling mode.>' 30
+    expect_line "card removed: nothing left to poll" '<***DeviceConnect***><VolumeTracker><Exiting from polling mode.>' 30
 }
 
 act_cards() {
@@ -34,26 +34,26 @@ act_cards() {
     boot "$first"
     expect_line "the volume tracker runs" '<***DeviceConnect***><VolumeTracker><Volumes will be detected.>' 30
 
-    step "A card with DCIM/100TEST/IMG_0001.JPG is put in"
+    step "A card with DCIM/100TEST/IMG_0001.JPG is inserted"
     insert_card pictures
-    expect_line "card with a picture: noticed" '<***DeviceConnect***><VolumeTracker><REMOVABLE DEVICE><V|E:>' 30
+    expect_line "card with a picture: detected" '<***DeviceConnect***><VolumeTracker><REMOVABLE DEVICE><V|E:>' 30
     expect_line "card with a picture: application started" "$start" 30
     expect_report "the application's own command line" viewer "command line: $start" 30
     expect_report "the application found the picture" viewer 'picture: E:\DCIM\100TEST\IMG_0001.JPG' 30
     take_card_out
 
-    step "A card without pictures is put in"
+    step "A card without pictures is inserted"
     insert_card documents
     expect_line "card without pictures: refused" '<***DeviceConnect***><VolumeTracker><Launch not possible>.' 30
     take_card_out
 
-    step "\"SniffDepth\" is set to 2, and a card with a picture on the third level is put in"
+    step "\"SniffDepth\" is set to 2, and a card with a picture on the third level is inserted"
     in_wine 30 reg add "$key" /v SniffDepth /t REG_DWORD /d 2 /f >/dev/null
     insert_card deep
     expect_line "picture too deep: refused" '<***DeviceConnect***><VolumeTracker><Launch not possible>.' 30
     take_card_out
 
-    step "\"SniffDepth\" is set to 3, and the same card is put in again"
+    step "\"SniffDepth\" is set to 3, and the same card is inserted again"
     in_wine 30 reg add "$key" /v SniffDepth /t REG_DWORD /d 3 /f >/dev/null
     forget_report viewer
     insert_card deep

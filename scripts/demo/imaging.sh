@@ -35,19 +35,19 @@ act_imaging() {
     title "Act 3: cameras and scanners"
     step "A camera is connected; WIA fires its event"
     connect_wia camera "$wia_camera"
-    expect_line "WIA camera: noticed" "<***DeviceConnect***><WiaTracker><WIA DEVICE><C|$wia_camera>." 30
+    expect_line "WIA camera: detected" "<***DeviceConnect***><WiaTracker><WIA DEVICE><C|$wia_camera>." 30
     expect_line "WIA camera: application started" "$start devType=camera priDevId=\"$wia_camera\"" 30
     expect_report "the application was started for it" viewer "device: camera $wia_camera" 30
 
     step "A scanner is connected over WIA"
     connect_wia scanner "$wia_scanner"
-    expect_line "WIA scanner: noticed" "<***DeviceConnect***><WiaTracker><WIA DEVICE><S|$wia_scanner>." 30
+    expect_line "WIA scanner: detected" "<***DeviceConnect***><WiaTracker><WIA DEVICE><S|$wia_scanner>." 30
     expect_line "WIA scanner: application started" "$start devType=scanner priDevId=\"$wia_scanner\"" 30
 
     step "A scanner with a TWAIN source is plugged in; its device node changes"
     echo "scanner $twain_scanner" >"$first/sti_devices.txt"
     in_wine 30 "$simulators/device_change.exe"
-    expect_line "TWAIN scanner: noticed" '<***DeviceConnect***><StiTracker><TWAIN DEVICE><S|"Corvane Flatbed">' 30
+    expect_line "TWAIN scanner: detected" '<***DeviceConnect***><StiTracker><TWAIN DEVICE><S|"Corvane Flatbed">' 30
     expect_line "TWAIN scanner: application started" "$start devType=scanner priDevId=\"Corvane Flatbed\"" 30
     expect_report "the application was started for it" viewer 'device: scanner Corvane Flatbed' 30
 }

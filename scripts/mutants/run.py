@@ -101,7 +101,7 @@ def main() -> int:
     rooms = [Room(name, tree, folder) for name in names]
     for room in rooms:
         if not build(folder, ROOMS[room.name]) or not all(passes(folder, program) for program in ROOMS[room.name]):
-            print(f"the tests of {room.name} do not pass as they are")
+            print(f"the tests of {room.name} fail without a mutant")
             return 1
         print(f"== {room.name}", flush=True)
         room.run(number, seed)

@@ -29,7 +29,7 @@ TEST(Allocations, AreCounted)
               2);
 }
 
-TEST(Allocations, OfTheMediaWalkAreNoneForAFile)
+TEST(Allocations, AreNoneForAScannedFile)
 {
     const tests::TempFolder volume;
     const ExtensionSet extensions({{L"jpg", L"Image"}, {L"tif", L"Image"}});
@@ -44,7 +44,7 @@ TEST(Allocations, OfTheMediaWalkAreNoneForAFile)
     EXPECT_EQ(AllocationsOf(walk), withOneFile);
 }
 
-TEST(Allocations, OfTheMediaWalkAreTwoForAFolder)
+TEST(Allocations, AreTwoForAScannedFolder)
 {
     const tests::TempFolder volume;
     const ExtensionSet extensions({{L"jpg", L"Image"}, {L"tif", L"Image"}});
@@ -57,10 +57,10 @@ TEST(Allocations, OfTheMediaWalkAreTwoForAFolder)
     volume.AddFolder("two");
     volume.AddFolder("three");
     EXPECT_EQ(AllocationsOf(walk) - withOne, 2 * (withOne - withNone));
-    EXPECT_EQ(withOne - withNone, 2) << "its path, and the pattern by which it is listed";
+    EXPECT_EQ(withOne - withNone, 2) << "the path of the folder, and the pattern that lists it";
 }
 
-TEST(Allocations, OfATraceLineAreNone)
+TEST(Allocations, AreNoneForATraceLine)
 {
     EXPECT_EQ(AllocationsOf([] {
                   TraceBuffer line = {};
@@ -69,7 +69,7 @@ TEST(Allocations, OfATraceLineAreNone)
               0);
 }
 
-TEST(Allocations, OfADispatchAreNone)
+TEST(Allocations, AreNoneForADispatch)
 {
     InitializeDispatch();
     RegisterDeviceConnectCallback([](std::wstring&, std::wstring&) {});
@@ -82,7 +82,7 @@ TEST(Allocations, OfADispatchAreNone)
     RegisterDeviceConnectCallback(nullptr);
 }
 
-TEST(Allocations, OfAnIdlePollAreNone)
+TEST(Allocations, AreNoneForAnIdlePoll)
 {
     const FAKE_IMPORT(GetLogicalDrives) letters([] {
         return DWORD{0b10100};
@@ -103,7 +103,7 @@ TEST(Allocations, OfAnIdlePollAreNone)
               0);
 }
 
-TEST(Allocations, OfALaunchAreNone)
+TEST(Allocations, AreNoneForALaunch)
 {
     const FAKE_IMPORT(GetVersionExW) version([](OSVERSIONINFOW*) {
         return FALSE;
@@ -122,7 +122,7 @@ TEST(Allocations, OfALaunchAreNone)
               0);
 }
 
-TEST(Allocations, OfAnApplicationLoadedAre16AtMost)
+TEST(Allocations, AreAtMost16ForALoadedApplication)
 {
     const tests::RegistrySandbox sandbox;
     const tests::TempFolder folder;

@@ -65,7 +65,7 @@ CallCounts WithTheTrackersOwn(CallCounts look)
     return look;
 }
 
-TEST(Calls, OfTheMediaWalkAreItsFloors)
+TEST(Calls, OfTheMediaWalkEqualItsFloor)
 {
     const tests::TempFolder volume;
     volume.AddFile("a.txt");
@@ -98,7 +98,7 @@ TEST(Calls, OfTheMediaWalkEndAtTheMatch)
               floor);
 }
 
-TEST(Calls, OfALookAtTheDrivesAreItsFloorsAndTheTime)
+TEST(Calls, OfADriveScanEqualItsFloorAndTheTime)
 {
     const tests::TempFolder nothing;
     const CardInDrive card(nothing);
@@ -141,7 +141,7 @@ protected:
     tests::SampleApplication other = tests::RegisterSample(files.Path(), L"Second");
 };
 
-TEST_F(CallsWithApplications, OfLoadingAreItsFloors)
+TEST_F(CallsWithApplications, OfLoadingEqualItsFloor)
 {
     CKestraBootInformationHandler handler;
     const CallCounts floor = CallsOf([] {
@@ -153,7 +153,7 @@ TEST_F(CallsWithApplications, OfLoadingAreItsFloors)
               floor);
 }
 
-TEST_F(CallsWithApplications, FromTheCardToTheApplicationAreTheRoadsOwn)
+TEST_F(CallsWithApplications, FromTheCardToTheApplicationEqualTheirFloor)
 {
     const tests::TempFolder contents;
     contents.AddFile("DCIM/100TEST/IMG_0001.JPG");

@@ -16,7 +16,7 @@ using namespace kestraboot::tests;
 constexpr const wchar_t* kPath = L"a key with a name too long for a small string";
 const std::wstring kText(300, L't'); // longer than the first buffer
 
-TEST(OutOfMemory, ComesOutOfARegistryReadAndLeavesNoKeyOpen)
+TEST(OutOfMemory, EscapesARegistryReadAndLeavesNoKeyOpen)
 {
     const RegistrySandbox sandbox;
     PutText(HKEY_LOCAL_MACHINE, kPath, L"Text", kText);
@@ -49,7 +49,7 @@ TEST(OutOfMemory, InAReadLeavesTheKeyUsable)
     EXPECT_STREQ(key.QueryString(L"Text"), kText.c_str());
 }
 
-TEST(OutOfMemory, ComesOutOfTheProcessIdentityAndLeavesTheRecord)
+TEST(OutOfMemory, EscapesTheProcessIdentityAndLeavesTheRecordUnchanged)
 {
     ProcessInfo info;
     EXPECT_GE(ForEveryAllocation(

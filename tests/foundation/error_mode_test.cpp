@@ -65,11 +65,11 @@ private:
     UINT modeOfTheTest;
 };
 
-TEST_F(ErrorMode, IsInForceWithinTheScopeAndRestoredBehindIt)
+TEST_F(ErrorMode, IsSetWithinTheScopeAndRestoredAfterIt)
 {
     {
         const ErrorModeScope scope(kOfAWalk);
-        EXPECT_EQ(::GetErrorMode(), kOfAWalk) << "the mode before is not part of it";
+        EXPECT_EQ(::GetErrorMode(), kOfAWalk) << "the previous mode is not part of it";
     }
     EXPECT_EQ(::GetErrorMode(), kOfTheHost);
 }
@@ -105,7 +105,7 @@ TEST_F(ErrorMode, IsRestoredByTheLastOfTwoThreads)
     walk.Leave();
     EXPECT_EQ(::GetErrorMode(), kOfALoad) << "boxes are allowed in the middle of a load";
     load.Leave();
-    EXPECT_EQ(::GetErrorMode(), kOfTheHost) << "a mode of the library's own stays for good";
+    EXPECT_EQ(::GetErrorMode(), kOfTheHost) << "a mode of the library itself stays set";
 }
 
 TEST_F(ErrorMode, OfAWalkOutlivesTheLoadThatBeganBeforeIt)
@@ -114,14 +114,14 @@ TEST_F(ErrorMode, OfAWalkOutlivesTheLoadThatBeganBeforeIt)
     OtherThread walk(kOfAWalk);
     load.Enter();
     walk.Enter();
-    EXPECT_EQ(::GetErrorMode(), kOfALoad) << "a load that goes on needs both flags";
+    EXPECT_EQ(::GetErrorMode(), kOfALoad) << "a load in progress needs both flags";
     load.Leave();
     EXPECT_EQ(::GetErrorMode(), kOfAWalk) << "boxes are allowed in the middle of a walk";
     walk.Leave();
     EXPECT_EQ(::GetErrorMode(), kOfTheHost);
 }
 
-TEST_F(ErrorMode, IsTakenAnewByTheFirstScopeAfterTheLast)
+TEST_F(ErrorMode, IsReadAgainByTheFirstScopeAfterTheLast)
 {
     {
         const ErrorModeScope scope(kOfAWalk);
@@ -133,7 +133,7 @@ TEST_F(ErrorMode, IsTakenAnewByTheFirstScopeAfterTheLast)
     EXPECT_EQ(::GetErrorMode(), static_cast<UINT>(SEM_NOOPENFILEERRORBOX));
 }
 
-TEST_F(ErrorMode, OfManyThreadsIsNeverWithoutTheirFlags)
+TEST_F(ErrorMode, OfManyThreadsAlwaysHasTheirFlags)
 {
     constexpr int kScopes = 2'000;
     std::vector<std::thread> threads;

@@ -39,7 +39,7 @@ TEST(FileFormats, KeepTheOrderAndTheLastPiece)
     EXPECT_EQ(Cut(L"one"), (Extensions{L"one"}));
 }
 
-TEST(FileFormats, AreNoEmptyPieces)
+TEST(FileFormats, SkipEmptyPieces)
 {
     EXPECT_EQ(Cut(L" jpg  tif "), (Extensions{L"jpg", L"tif"}));
     EXPECT_EQ(Cut(L""), Extensions{});
@@ -51,7 +51,7 @@ TEST(FileFormats, AreNotTrimmedFurther)
     EXPECT_EQ(Cut(L".JPG,\ttif jpg jpg"), (Extensions{L".JPG,\ttif", L"jpg", L"jpg"}));
 }
 
-TEST(FileFormats, OfMoreThanTheUsualNumberAreAllThere)
+TEST(FileFormats, AreCompleteBeyondTheUsualNumber)
 {
     std::wstring text;
     for (int i = 0; i < 100; ++i) {

@@ -29,7 +29,7 @@ TEST(ProcessIdentity, IsTheRunningExecutable)
     EXPECT_NE(info.handle, nullptr);
 }
 
-TEST(ProcessIdentity, IsReadThroughAHandleWithAllRightsThatIsClosedAgain)
+TEST(ProcessIdentity, IsReadThroughAHandleWithFullAccessThatIsThenClosed)
 {
     HANDLE opened = nullptr;
     std::vector<HANDLE> closed;
@@ -66,7 +66,7 @@ TEST(ProcessIdentity, LeavesNoHandleOpen)
               0);
 }
 
-TEST(ProcessIdentity, OfAProcessThatCannotOpenItselfIsLeftAsItWas)
+TEST(ProcessIdentity, OfAProcessThatCannotOpenItselfIsLeftUnchanged)
 {
     const FAKE_IMPORT(OpenProcess) refused([](auto...) -> HANDLE {
         return nullptr;
@@ -142,7 +142,7 @@ TEST(ProcessIdentity, IsReadThroughKernel32Alone)
 }
 
 /// Windows Vista: kernel32 exports neither function; psapi.dll exports both, under other names.
-TEST(ProcessIdentity, IsReadThroughPsapiWhereKernel32LacksTheFunctions)
+TEST(ProcessIdentity, IsReadThroughPsapiIfKernel32LacksTheFunctions)
 {
     const FAKE_IMPORT(GetProcAddress) finds([&](HMODULE library, const char* name) -> FARPROC {
         return std::string_view(name).starts_with("K32") ? nullptr : finds.CallOriginal(library, name);
@@ -164,7 +164,7 @@ TEST(ProcessIdentity, IsReadThroughPsapiWhereKernel32LacksTheFunctions)
     EXPECT_EQ(freed, loaded);
 }
 
-TEST(ProcessIdentity, HasNoPathWhereNoLibraryHasTheFunctions)
+TEST(ProcessIdentity, HasNoPathIfNoLibraryHasTheFunctions)
 {
     const FAKE_IMPORT(GetProcAddress) finds([](HMODULE library, const char*) -> FARPROC {
         EXPECT_NE(library, nullptr) << "without a library the program itself would be searched";

@@ -31,14 +31,14 @@ TEST_F(RegistryEnumeration, NamesTheSubkeysByIndexAndEndsWithNull)
     EXPECT_EQ(key.Status(), ERROR_NO_MORE_ITEMS);
 }
 
-TEST_F(RegistryEnumeration, TakesNamesOfUpTo127Characters)
+TEST_F(RegistryEnumeration, AcceptsNamesOfUpTo127Characters)
 {
     const std::wstring name(127, L'n');
     MakeKey(HKEY_LOCAL_MACHINE, L"A\\" + name);
     EXPECT_EQ(Open().EnumSubkey(0), name);
 }
 
-TEST_F(RegistryEnumeration, FailsAtANameOf128CharactersAndMore)
+TEST_F(RegistryEnumeration, FailsAtANameOf128CharactersOrMore)
 {
     for (const std::size_t length : {128U, 255U}) {
         const std::wstring name(length, L'n');
@@ -50,7 +50,7 @@ TEST_F(RegistryEnumeration, FailsAtANameOf128CharactersAndMore)
     }
 }
 
-TEST_F(RegistryEnumeration, OffersRoomFor128CharactersEachTime)
+TEST_F(RegistryEnumeration, PassesABufferOf128CharactersEachTime)
 {
     const FAKE_IMPORT(RegEnumKeyExW) enumerate([](HKEY, DWORD, wchar_t* name, DWORD* capacity, DWORD*,
                                                   wchar_t*, DWORD*, FILETIME* written) -> LONG {

@@ -16,7 +16,7 @@ struct RegistryKeyLifetime : testing::Test {
     RegistrySandbox sandbox;
 };
 
-TEST_F(RegistryKeyLifetime, OpensTheKeyOfTheRootAndMaskAskedFor)
+TEST_F(RegistryKeyLifetime, OpensTheKeyWithTheGivenRootAndAccessMask)
 {
     MakeKey(HKEY_CURRENT_USER, L"A\\B");
     MakeKey(HKEY_LOCAL_MACHINE, L"C");
@@ -51,7 +51,7 @@ TEST_F(RegistryKeyLifetime, AMissingKeyIsNotOpen)
     EXPECT_EQ(key.Status(), ERROR_FILE_NOT_FOUND);
 }
 
-TEST_F(RegistryKeyLifetime, WithoutAKeyNothingIsAskedAndTheStatusStays)
+TEST_F(RegistryKeyLifetime, WithoutAKeyNothingIsCalledAndTheStatusStays)
 {
     RegistryKey key = RegistryKey::OpenLocalMachine(L"Missing", KEY_ALL_ACCESS);
     const FAKE_IMPORT(RegQueryValueExW) query([](auto...) -> LONG {
@@ -123,7 +123,7 @@ TEST_F(RegistryKeyLifetime, NoHandleIsLeftOpen)
               0);
 }
 
-TEST_F(RegistryKeyLifetime, AMovedKeyGoesOnAndTheOldObjectHasNone)
+TEST_F(RegistryKeyLifetime, AMovedKeyStaysOpenAndTheOldObjectHasNone)
 {
     PutText(HKEY_LOCAL_MACHINE, L"A", L"Text", L"text");
     RegistryKey old = RegistryKey::OpenLocalMachine(L"A", KEY_READ);

@@ -34,7 +34,7 @@ TEST_F(RegistryNumber, ThatIsMissingReadsAsMinusOneAndTheStatusSaysWhy)
     EXPECT_EQ(key.Status(), ERROR_FILE_NOT_FOUND);
 }
 
-TEST_F(RegistryNumber, OfAllBitsCannotBeToldFromAMissingOne)
+TEST_F(RegistryNumber, OfAllBitsCannotBeDistinguishedFromAMissingOne)
 {
     PutDword(HKEY_LOCAL_MACHINE, L"A", L"Number", 0xFFFFFFFF);
     EXPECT_EQ(Read(L"Number"), -1);

@@ -92,7 +92,7 @@ TEST_F(RegistryText, ThatIsMissingIsNullAndTheStatusSaysWhy)
     EXPECT_EQ(key.Status(), ERROR_FILE_NOT_FOUND);
 }
 
-TEST_F(RegistryText, OfAMissingValueLeavesWhatWasReadBefore)
+TEST_F(RegistryText, OfAMissingValueLeavesThePreviousText)
 {
     PutText(HKEY_LOCAL_MACHINE, L"A", L"Text", L"before");
     RegistryKey key = Open();
@@ -144,7 +144,7 @@ TEST_F(RegistryText, OfAMegabyteIsWhole)
 
 // Wine appends a terminator if the buffer has room for it. The registry of the next tests never does.
 
-TEST_F(RegistryText, WithoutTerminatorEndsBehindTheStoredBytes)
+TEST_F(RegistryText, WithoutTerminatorEndsAfterTheStoredBytes)
 {
     for (const std::size_t length : {1U, 2U, 3U, 127U, 259U, 260U, 261U, 32767U}) {
         const std::wstring text(length, L't');
@@ -154,7 +154,7 @@ TEST_F(RegistryText, WithoutTerminatorEndsBehindTheStoredBytes)
     }
 }
 
-TEST_F(RegistryText, OfAnOddSizeEndsBehindItsLastByte)
+TEST_F(RegistryText, OfAnOddSizeEndsAfterItsLastByte)
 {
     for (const std::size_t size : {1U, 3U, 5U, 521U, 65535U}) {
         const std::string stored(size, 'x');
@@ -181,7 +181,7 @@ TEST_F(RegistryText, ShorterThanTheOneBeforeHasNoStaleTail)
     EXPECT_STREQ(key.QueryString(L"Text"), L"");
 }
 
-TEST_F(RegistryText, IsNeverOfferedMoreThanIsAllocated)
+TEST_F(RegistryText, IsNeverReadWithALargerSizeThanIsAllocated)
 {
     RawValue raw("");
     RegistryKey key = Open();
@@ -195,7 +195,7 @@ TEST_F(RegistryText, IsNeverOfferedMoreThanIsAllocated)
     }
 }
 
-TEST_F(RegistryText, OfAUsualSizeTakesMemoryOnce)
+TEST_F(RegistryText, OfAUsualSizeAllocatesOnce)
 {
     RegistryKey key = Open();
     const wchar_t* room = nullptr;

@@ -71,7 +71,7 @@ TEST_F(RegistryWrite, ThroughAKeyOpenForReadingIsRefused)
     EXPECT_EQ(StoredText(HKEY_LOCAL_MACHINE, L"A", L"Text"), std::nullopt);
 }
 
-TEST_F(RegistryWrite, DeletesAValueAndSaysWhetherItWasThere)
+TEST_F(RegistryWrite, DeletesAValueAndReportsWhetherItExisted)
 {
     PutText(HKEY_LOCAL_MACHINE, L"A", L"Text", L"abc");
     RegistryKey key = RegistryKey::OpenLocalMachine(L"A", KEY_ALL_ACCESS);
@@ -99,7 +99,7 @@ TEST_F(RegistryWrite, CreatesASubkeyWithoutAnyValueForNoText)
     EXPECT_TRUE(recorder.writes.empty());
 }
 
-TEST_F(RegistryWrite, OpensASubkeyThatExistsWithTheRightToWriteOnly)
+TEST_F(RegistryWrite, OpensAnExistingSubkeyWithWriteAccessAlone)
 {
     PutDword(HKEY_LOCAL_MACHINE, L"A\\B", L"Number", 3);
     RegistryKey key = RegistryKey::OpenLocalMachine(L"A", KEY_WRITE);
@@ -119,7 +119,7 @@ TEST_F(RegistryWrite, OpensASubkeyThatExistsWithTheRightToWriteOnly)
     EXPECT_EQ(StoredDword(HKEY_LOCAL_MACHINE, L"A\\B", L"Number"), 3U);
 }
 
-TEST_F(RegistryWrite, ToASubkeyThatCannotBeCreatedAnswersNull)
+TEST_F(RegistryWrite, ToASubkeyThatCannotBeCreatedReturnsNull)
 {
     RegistryKey key = RegistryKey::OpenLocalMachine(L"A", KEY_WRITE);
     const FAKE_IMPORT(RegCreateKeyExW) create([](auto...) -> LONG {
@@ -130,7 +130,7 @@ TEST_F(RegistryWrite, ToASubkeyThatCannotBeCreatedAnswersNull)
     EXPECT_TRUE(recorder.writes.empty());
 }
 
-TEST_F(RegistryWrite, OfASubkeysTextThatFailsKeepsTheSubkeyAndTellsTheStatus)
+TEST_F(RegistryWrite, OfASubkeysTextThatFailsKeepsTheSubkeyAndReturnsTheStatus)
 {
     RegistryKey key = RegistryKey::OpenLocalMachine(L"A", KEY_WRITE);
     const FAKE_IMPORT(RegCreateKeyExW)

@@ -23,7 +23,7 @@ TEST(Field, HoldsTextCutAt259CharactersAndAlwaysTerminated)
     }
 }
 
-TEST(Field, IsZeroBehindTheText)
+TEST(Field, IsZeroAfterTheText)
 {
     wchar_t field[8] = L"1234567";
     CopyToField(field, L"ab");

@@ -45,7 +45,7 @@ TEST_F(Owner, OfNothingClosesNothing)
     EXPECT_EQ(closedNumbers, Numbers{});
 }
 
-TEST_F(Owner, ThatGaveItsResourceAwayClosesNothing)
+TEST_F(Owner, ThatReleasedItsResourceClosesNothing)
 {
     {
         UniqueNumber owner(3);

@@ -41,7 +41,7 @@ def script_of(guide: str, home: pathlib.Path, pristine: pathlib.Path) -> tuple[s
         elif language == "sh":
             block += 1
             if ENDLESS.search(text):
-                sys.exit(f"block {block + 1} of commands may wait for ever:\n{text}")
+                sys.exit(f"block {block + 1} of commands has no time limit:\n{text}")
             if "prefix" in words:
                 text = re.sub(r"^wine_prefix_make", f'wine_prefix_copy "{pristine}"', text, flags=re.MULTILINE)
             script.append(f"{text}\necho '{ENDED}'")

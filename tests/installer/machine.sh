@@ -196,7 +196,7 @@ installer() {
 # settle NAME: waits until the started boot program has control and its trackers run. If another program is in control,
 # the started one exits.
 known_process= known_starts=0
-settle() { within 60 settled || fail "$1: $(boots) run, and $(starts) began to track, of which $known_starts before"; }
+settle() { within 60 settled || fail "$1: $(boots) run; $(starts) have started tracking, $known_starts of them before this step"; }
 starts() { grep -ac 'Volumes will be detected' "$work/trace.txt" || true; }
 settled() {
     local running

@@ -104,7 +104,7 @@ order_repaired() {
 order_started_at_log_on() {
     step "install A1.0, elevated" 'A1.0 / - / A / - / -' 0 /i "$(msi a1.0)"
     grep -q 'not started: the next log-on starts it (BOOTSTART=user)' "$logs/$(printf '%02d' $count).log" ||
-        fail "the log does not say that nothing was started"
+        fail "the log does not report that nothing was started"
     log_on "log on" 'A1.0 / A / A / - / A direct'
     remove a1.0 '- / - / - / - / -'
 }

@@ -111,7 +111,7 @@ TEST_F(LauncherOutOfMemory, ThatCannotCopyTheListFindsNoOwnApplication)
     EXPECT_EQ(starts, 1);
 }
 
-TEST_F(LauncherOutOfMemory, NeverLeavesTwoDefaultsBehindATrueAnswer)
+TEST_F(LauncherOutOfMemory, NeverLeavesTwoDefaultsAfterATrueAnswer)
 {
     std::wstring name = L"Xray";
     std::wstring value = L"yes";

@@ -94,7 +94,7 @@ TEST_F(CommandLine, WithADefaultGivesThreeWordsAsTyped)
               (Words{L"-default", L"a\xD800", L"b\"c\\"}));
 }
 
-TEST_F(CommandLine, WithADefaultOfAnotherNumberOfWordsPrintsTheUsage)
+TEST_F(CommandLine, WithAWrongNumberOfWordsAfterDefaultPrintsTheUsage)
 {
     for (const wchar_t* const line : {L"k -default", L"k -default MyApp", L"k -DEFAULT MyApp yes extra",
                                       L"k -default a b c d e f"}) {
@@ -122,7 +122,7 @@ TEST_F(CommandLine, OfGreatLengthIsReadWhole)
     }
 }
 
-TEST_F(CommandLine, IsAppendedToWhatTheCallerHas)
+TEST_F(CommandLine, IsAppendedToTheCallersList)
 {
     text = L"k -default a yes";
     Words words = {L"before"};

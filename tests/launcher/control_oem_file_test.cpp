@@ -71,7 +71,7 @@ TEST_F(OemFile, WithoutTheSectionChangesNothing)
     EXPECT_EQ(events, (Events{kTookControl, kFolderSet, kOemFile, kOrganiserStopped}));
 }
 
-TEST_F(OemFile, WithoutAnythingInItChangesNothing)
+TEST_F(OemFile, ThatIsEmptyChangesNothing)
 {
     EXPECT_TRUE(TakeWith(""));
     EXPECT_EQ(events, (Events{kTookControl, kFolderSet, kOemFile, kOrganiserStopped}));
@@ -84,7 +84,7 @@ TEST_F(OemFile, ThatIsAFolderChangesNothing)
     EXPECT_EQ(events, (Events{kTookControl, kFolderSet, kOemFile, kOrganiserStopped}));
 }
 
-TEST_F(OemFile, OfOtherNameIsNotRead)
+TEST_F(OemFile, OfAnotherNameIsNotRead)
 {
     folder.AddFile(L"album.ini", "[KestraProxyStopInstall]\r\n1\r\n");
     EXPECT_TRUE(Take());
@@ -101,7 +101,7 @@ TEST_F(OemFile, OfMoreThan64KilobytesIsReadLikeAnyOther)
     EXPECT_EQ(events, (Events{kTookControl, kFolderSet, kOemFile, kOption, kStopping}));
 }
 
-TEST_F(OemFile, WithALineOf64KilobytesIsCutNotOverrun)
+TEST_F(OemFile, WithALineOf64KilobytesIsCutWithoutAnOverrun)
 {
     EXPECT_TRUE(TakeWithSection("2" + std::string(70'000, 'x') + "\r\n"));
     EXPECT_EQ(events.at(3), kOption);

@@ -29,7 +29,7 @@ TEST_F(Control, IsRefusedASecondTimeInTheSameProcess)
     created = claim;
 }
 
-TEST_F(Control, ThatIsRefusedLeavesNoHandleAndTheCurrentFolder)
+TEST_F(Control, ThatIsRefusedLeavesNoHandleOpenAndTheCurrentFolderUnchanged)
 {
     ASSERT_TRUE(Take());
     const HANDLE claim = created;
@@ -42,7 +42,7 @@ TEST_F(Control, ThatIsRefusedLeavesNoHandleAndTheCurrentFolder)
     created = claim;
 }
 
-TEST_F(Control, LeavesOneHandleOpenTheClaim)
+TEST_F(Control, LeavesOneHandleOpenForTheClaim)
 {
     EXPECT_EQ(HandlesLeftBy([&] {
                   EXPECT_TRUE(Take());
@@ -51,7 +51,7 @@ TEST_F(Control, LeavesOneHandleOpenTheClaim)
               0);
 }
 
-TEST_F(Control, IsTakenWhereTheFolderIsGone)
+TEST_F(Control, IsTakenIfTheFolderIsGone)
 {
     const FAKE_IMPORT(SetCurrentDirectoryW) set([](const wchar_t*) -> BOOL {
         return TRUE;
@@ -63,7 +63,7 @@ TEST_F(Control, IsTakenWhereTheFolderIsGone)
     EXPECT_EQ(std::filesystem::current_path(), folderAtStart);
 }
 
-TEST_F(Control, IsTakenWhereTheFolderIsAFile)
+TEST_F(Control, IsTakenIfTheFolderIsAFile)
 {
     folder.AddFile(L"file");
     executable = (folder.Path() / L"file" / L"kestraboot.exe").wstring();
@@ -71,7 +71,7 @@ TEST_F(Control, IsTakenWhereTheFolderIsAFile)
     EXPECT_EQ(events, (Events{kTookControl, kNoOemFile, kOrganiserStopped}));
 }
 
-TEST_F(Control, ReadsTheOemFileOfTheOldFolderWhereTheNewOneCannotBeSet)
+TEST_F(Control, ReadsTheOemFileOfTheOldFolderIfTheNewOneCannotBeSet)
 {
     const TempFolder old;
     old.AddFile(L"OEM/album.ini", "[KestraProxyStopInstall]\r\n1\r\n");

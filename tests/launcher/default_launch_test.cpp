@@ -63,7 +63,7 @@ TEST_F(DefaultLaunch, CountsTheLegacyOrganiserAsASecondApplication)
     EXPECT_EQ(spawns.Calls(), Calls{Started(only.commandPath, L"select")});
 }
 
-TEST_F(DefaultLaunch, StartsTheOnlyApplicationDirectlyAsTheDefaultToo)
+TEST_F(DefaultLaunch, StartsTheOnlyApplicationDirectlyIfItIsTheDefaultToo)
 {
     const SampleApplication only = Add(L"One", 1);
     RegisterOrganiser(L"C:\\Legacy");
@@ -71,7 +71,7 @@ TEST_F(DefaultLaunch, StartsTheOnlyApplicationDirectlyAsTheDefaultToo)
     EXPECT_EQ(spawns.Calls(), Calls{Started(only.commandPath, L"direct")});
 }
 
-TEST_F(DefaultLaunch, PassesTheDeviceOnAndLeavesTheArguments)
+TEST_F(DefaultLaunch, PassesTheDeviceOnAndLeavesTheArgumentsUnchanged)
 {
     Add(L"One");
     std::wstring type = L"camera";

@@ -174,7 +174,7 @@ TEST_F(DefaultStatus, ClearsEveryFlagInOrderThenSetsTheNamedOne)
     EXPECT_EQ(values, (std::vector<std::uint32_t>{0, 0, 0, 0, 0, 1, 1}));
 }
 
-TEST_F(DefaultStatus, LeavesTheArgumentsAndNoHandle)
+TEST_F(DefaultStatus, LeavesTheArgumentsUnchangedAndNoHandleOpen)
 {
     std::wstring name = L"Two";
     std::wstring value = L"YES";

@@ -21,7 +21,7 @@ public:
         friend void PrintTo(const Version& shown, std::ostream* out)
         {
             *out << shown.major << '.' << shown.minor << " product " << int{shown.product}
-                 << " platform " << shown.platform << ", failing forms " << shown.failingForms;
+                 << " platform " << shown.platform << ", failing queries " << shown.failingForms;
         }
     };
 

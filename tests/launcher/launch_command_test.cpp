@@ -32,7 +32,7 @@ TEST_F(LaunchCommand, NamesModeKindAndDevice)
                     L"devType=volume priDevId=\"E:\""});
 }
 
-TEST_F(LaunchCommand, WithoutADeviceLeavesOutItsKindToo)
+TEST_F(LaunchCommand, WithoutADeviceOmitsItsKindToo)
 {
     Kestra(kViewer, L"direct", L"volume", L"");
     EXPECT_EQ(spawns.Calls(), (Calls{{_P_NOWAIT,
@@ -52,7 +52,7 @@ TEST_F(LaunchCommand, WithoutAModeIsRefusedWhateverElseIsGiven)
                                     L"<KestraBoot><!!! Mode not set. Unable to launch Kestra.>"}));
 }
 
-TEST_F(LaunchCommand, PassesAQuotedPathAsItStands)
+TEST_F(LaunchCommand, PassesAQuotedPathUnchanged)
 {
     Kestra(L"\"C:\\a b\\v.exe\"", L"select", L"", L"");
     EXPECT_EQ(spawns.Calls().at(0).file, L"\"C:\\a b\\v.exe\"");
@@ -66,7 +66,7 @@ TEST_F(LaunchCommand, QuotesAPathThatOnlyEndsWithAQuote)
     EXPECT_EQ(spawns.Calls().at(0).arguments.at(0), L"\"v.exe\"\"");
 }
 
-TEST_F(LaunchCommand, DoesNotLookForAClosingQuote)
+TEST_F(LaunchCommand, DoesNotSearchForAClosingQuote)
 {
     Kestra(L"\"v.exe", L"select", L"", L"\"E:");
     EXPECT_EQ(spawns.Calls().at(0).arguments.at(0), L"\"v.exe");
@@ -94,7 +94,7 @@ TEST_F(LaunchCommand, EscapesNothing)
     EXPECT_EQ(spawns.Calls().back().arguments.at(4), L"devType=some kind \"x\"");
 }
 
-TEST_F(LaunchCommand, IsCutNowhere)
+TEST_F(LaunchCommand, IsNeverCut)
 {
     for (const std::size_t length : {259U, 260U, 261U, 32767U}) {
         const std::wstring text(length, L't');
@@ -143,7 +143,7 @@ TEST_F(LaunchCommand, ClosesNothingWhenTheStartFails)
     EXPECT_EQ(close.Calls(), 0);
 }
 
-TEST_F(LaunchCommand, LeavesItsArguments)
+TEST_F(LaunchCommand, LeavesItsArgumentsUnchanged)
 {
     std::wstring path = kViewer;
     std::wstring mode = L"direct";

@@ -38,7 +38,7 @@ TEST_F(OwnLaunch, ComparesThePathWithoutRegardToCase)
     EXPECT_EQ(spawns.Calls(), Calls{Started(own.commandPath, L"direct")});
 }
 
-TEST_F(OwnLaunch, DoesNotKnowTheSameFileByAnotherName)
+TEST_F(OwnLaunch, DoesNotRecogniseTheSameFileByAnotherName)
 {
     const SampleApplication own = RegisterOwnSample(folder.Path(), L"One");
     const std::filesystem::path path = own.proxyPath;

@@ -44,13 +44,13 @@ TEST_F(StartedApplication, SeesTheDevice)
                                          L"devType=volume", L"priDevId=E:"}));
 }
 
-TEST_F(StartedApplication, SeesNoDeviceWhereThereIsNone)
+TEST_F(StartedApplication, SeesNoDeviceIfThereIsNone)
 {
     const EchoChild child;
     EXPECT_EQ(Seen(child, L""), (Words{L"module=kestrafetch", L"params", L"mode=direct"}));
 }
 
-TEST_F(StartedApplication, MayLieInAFolderWithSpacesAndUnicode)
+TEST_F(StartedApplication, MayBeInAFolderWithSpacesAndUnicode)
 {
     const EchoChild child(L"Meine Bilder \x5199\x771F\\the viewer.exe");
     EXPECT_EQ(Seen(child, L"E:").size(), 5U);
@@ -152,7 +152,7 @@ TEST_F(StartedApplication, IsNotFoundByAPathInQuotes)
     EXPECT_EQ(trace.Lines(), Words{L"<KestraBoot><!!! Unable to start the process.>"});
 }
 
-TEST_F(StartedApplication, WithACommandLineLongerThanWindowsTakesIsNotStarted)
+TEST_F(StartedApplication, WithACommandLineLongerThanWindowsAcceptsIsNotStarted)
 {
     const EchoChild child;
     std::wstring path = child.Program();

@@ -30,7 +30,7 @@ struct SessionGate : Launch, testing::WithParamInterface<Gate> {
     }
 };
 
-TEST_P(SessionGate, OutsideTheConsoleSessionIsThatOfTheRelease)
+TEST_P(SessionGate, OutsideTheConsoleSessionDependsOnTheWindowsVersion)
 {
     const FakeWindows windows(GetParam().version, false);
     EXPECT_EQ(Starts(L"E:"), GetParam().startsWithDevice);
@@ -69,7 +69,7 @@ struct UnknownSession : SessionGate {
     FakeWindows windows{kWindowsXp, true};
 };
 
-TEST_F(UnknownSession, IsNotTheConsolesWhereTheLibraryCannotBeLoaded)
+TEST_F(UnknownSession, IsNotTheConsolesIfTheLibraryCannotBeLoaded)
 {
     const FAKE_IMPORT(LoadLibraryW) load([](const wchar_t* name) -> HMODULE {
         EXPECT_STREQ(name, L"kernel32.dll");
@@ -83,7 +83,7 @@ TEST_F(UnknownSession, IsNotTheConsolesWhereTheLibraryCannotBeLoaded)
     EXPECT_EQ(unload.Calls(), 0);
 }
 
-TEST_F(UnknownSession, IsNotTheConsolesOnAWindowsThatHasNone)
+TEST_F(UnknownSession, IsNotTheConsolesOnAWindowsWithoutTheFunction)
 {
     const FAKE_IMPORT(GetProcAddress) find([](HMODULE, const char* name) -> FARPROC {
         EXPECT_STREQ(name, "WTSGetActiveConsoleSessionId");
@@ -96,7 +96,7 @@ TEST_F(UnknownSession, IsNotTheConsolesOnAWindowsThatHasNone)
     EXPECT_EQ(unload.Calls(), 1);
 }
 
-TEST_F(Launch, OutsideTheConsoleSessionIsAskedForOnEachLaunch)
+TEST_F(Launch, OutsideTheConsoleSessionIsCheckedAtEachLaunch)
 {
     std::vector<bool> started;
     for (const bool console : {true, false, true}) {

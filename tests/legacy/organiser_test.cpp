@@ -41,7 +41,7 @@ TEST_F(Organiser, IsDescribedFromItsFolder)
     EXPECT_EQ(record.DefaultFlag, 0U);
 }
 
-TEST_F(Organiser, IsWhatTheHandlerAnswers)
+TEST_F(Organiser, IsTheAnswerOfTheHandler)
 {
     CKestraBootInformationHandler handler;
     EXPECT_FALSE(handler.GetVel3Info(record));
@@ -71,7 +71,7 @@ TEST_F(Organiser, HandlesImagesThenAudioThenVideo)
     EXPECT_EQ(read, expected);
 }
 
-TEST_F(Organiser, ThatIsNotInstalledLeavesTheRecordAsItWas)
+TEST_F(Organiser, ThatIsNotInstalledLeavesTheRecordUnchanged)
 {
     PutText(HKEY_LOCAL_MACHINE, kAutoPlayKey, L"Action", L"Show pictures");
     record.Name = L"before";
@@ -115,7 +115,7 @@ TEST_F(Organiser, HasTheSharedDescriptionWithoutAnAction)
     EXPECT_EQ(record.Desc, L"Organize and edit pictures using");
 }
 
-TEST_F(Organiser, InAFolderThatEndsInABackslashHasDoubledOnes)
+TEST_F(Organiser, InAFolderThatEndsInABackslashGetsPathsWithADoubledOne)
 {
     RegisterOrganiser(L"C:\\Legacy\\");
     ASSERT_TRUE(ReadOrganiserInfo(record));
@@ -145,7 +145,7 @@ TEST_F(Organiser, IsTheSameInTwoCallsOnOneRecord)
     EXPECT_EQ(record.SpareFlag, 6U);
 }
 
-TEST_F(Organiser, IsReadWithTheRightToReadAndWithoutATrace)
+TEST_F(Organiser, IsReadWithReadAccessAndWithoutATraceLine)
 {
     const TraceRecorder trace;
     RegisterOrganiser(L"C:\\Legacy");

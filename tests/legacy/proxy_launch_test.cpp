@@ -49,7 +49,7 @@ TEST_F(OrganiserProxy, IsTheOneThatTheHandlerStarts)
     EXPECT_EQ(path + type + id, L"C:\\Legacy\\VelProxy.execameraX"); // unchanged
 }
 
-TEST_F(OrganiserProxy, IsToldTheKindByAMark)
+TEST_F(OrganiserProxy, GetsTheKindAsAMark)
 {
     EXPECT_EQ(ParameterFor(L"volume", L"E:"), L"\"V|E:\"");
     EXPECT_EQ(ParameterFor(L"camera", L"E:"), L"\"C|E:\"");
@@ -58,7 +58,7 @@ TEST_F(OrganiserProxy, IsToldTheKindByAMark)
     EXPECT_EQ(ParameterFor(L"SCANNER", L"E:"), L"\"S|E:\"");
 }
 
-TEST_F(OrganiserProxy, IsToldACameraForEveryOtherKind)
+TEST_F(OrganiserProxy, GetsTheMarkOfACameraForEveryOtherKind)
 {
     for (const wchar_t* const kind :
          {L"mobile", L"video", L"audio", L"archive", L"unknown", L"", L"volumes", L" volume"}) {
@@ -71,7 +71,7 @@ TEST_F(OrganiserProxy, IsStartedForAnEmptyIdentifierToo)
     EXPECT_EQ(ParameterFor(L"camera", L""), L"\"C|\"");
 }
 
-TEST_F(OrganiserProxy, GetsAnIdentifierAsItStands)
+TEST_F(OrganiserProxy, GetsAnIdentifierUnchanged)
 {
     EXPECT_EQ(ParameterFor(L"volume", L"E:\\"), L"\"V|E:\\\"");
     EXPECT_EQ(ParameterFor(L"volume", L"\"a b\""), L"\"V|\"a b\"\"");

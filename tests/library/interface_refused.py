@@ -33,7 +33,7 @@ def replace(file: str, old: str, new: str) -> None:
 def expect(what: str, said: str | None) -> None:
     run = subprocess.run([SOURCES / "scripts/checks/interface.py", WORK], capture_output=True, text=True)
     if (run.returncode == 0) != (said is None) or (said or "") not in run.stdout:
-        wrong.append(f"{what}: ends with {run.returncode}, and says\n{run.stdout}{run.stderr}")
+        wrong.append(f"{what}: exit code {run.returncode}, and it prints\n{run.stdout}{run.stderr}")
 
 
 def commit(*words: str) -> None:
@@ -76,5 +76,5 @@ for file in (LAYOUTS, PROMISED):
 expect("a promise that was changed", "the section of version 1 in tests/library/promised.txt was changed")
 
 shutil.rmtree(WORK)
-print("interface_refused:", "\n".join(wrong) or "as it should be")
+print("interface_refused:", "\n".join(wrong) or "each change as expected")
 sys.exit(1 if wrong else 0)

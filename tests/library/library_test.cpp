@@ -34,7 +34,7 @@ protected:
     const HMODULE dll = ::GetModuleHandleW(L"kestraboot.dll");
 };
 
-TEST_F(Library, GivesEveryListedExport)
+TEST_F(Library, ExportsEveryListedFunction)
 {
     std::ifstream list(SourceFile("tests/library/exports.txt"));
     int found = 0;
@@ -95,14 +95,14 @@ TEST_F(Library, RecordsAndExceptionsCrossItsBoundary)
 }
 
 /// Every tracker that may run, without its own thread; the test runs the volume tracker's road itself.
-class LibraryRoad : public Library
+class WholeLibrary : public Library
 {
 protected:
     static void Launch(std::wstring& kind, std::wstring& deviceId)
     {
         CKestraBootCommandHandler handler;
         handler.LaunchDefaultKestra(kind, deviceId);
-        throw std::runtime_error("the host's own trouble");
+        throw std::runtime_error("an exception of the host");
     }
 };
 
@@ -120,7 +120,7 @@ intptr_t RecordSpawn(int mode, const wchar_t* file, const wchar_t* first, ...)
     return -1;
 }
 
-TEST_F(LibraryRoad, FromAReadableCardToTheApplicationsCommandLine)
+TEST_F(WholeLibrary, LeadsFromAReadableCardToTheApplicationsCommandLine)
 {
     RegistrySandbox registry;
     TempFolder files;
@@ -190,7 +190,8 @@ TEST_F(LibraryRoad, FromAReadableCardToTheApplicationsCommandLine)
 
     EXPECT_THAT(spawned, ElementsAre(L"1", program, L"\"" + program + L"\"", L"module=kestrafetch",
                                      L"params", L"mode=direct", L"devType=volume", L"priDevId=\"E:\""));
-    EXPECT_EQ(std::uncaught_exceptions(), 0) << "what the callback threw ended in the library";
+    EXPECT_EQ(std::uncaught_exceptions(), 0)
+        << "the exception of the callback was not handled completely";
     EXPECT_EQ(trace.Count(L"\"" + program +
                           L"\" module=kestrafetch params mode=direct devType=volume priDevId=\"E:\""),
               1);

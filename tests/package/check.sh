@@ -41,7 +41,7 @@ for built in boot/Release/kestraboot.exe viewer/Release/viewer.exe mox_plugin/Re
     drop_folder_plugin/Release/drop_folder.mox installer/Release/boot_actions.dll \
     simulators/Release/{card_reader,device_change,phone,wia_connect,wia_service}.exe \
     simulators/Release/{nokiamanager.mox,sti.dll,twain_32.dll,wia_device_list.dll}; do
-    [ -f "$work/samples-build/$built" ] || { echo "the samples gave no $built"; exit 1; }
+    [ -f "$work/samples-build/$built" ] || { echo "the samples did not build $built"; exit 1; }
 done
 
 # ---- The same host without CMake
@@ -116,7 +116,7 @@ REG
     wine_run "$own" 60 "$simulators/card_reader.exe" remove E
     echo "$type:"
     sed 's/^/    the host: /' "$said"
-    [ $status = 0 ] || { echo "the host ended with $status"; exit 1; }
+    [ $status = 0 ] || { echo "the host exited with $status"; exit 1; }
     says "$said" ": -install, 1 application(s)"
 
     started=$installed/started.txt

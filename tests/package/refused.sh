@@ -18,7 +18,7 @@ refused() {
     local sentence=$1
     shift
     ! compiles "$@" || { echo "not refused: $*"; exit 1; }
-    grep -q "error: .*kestraboot: .*$sentence" "$work/said" || { cat "$work/said"; echo "does not say: $sentence"; exit 1; }
+    grep -q "error: .*kestraboot: .*$sentence" "$work/said" || { cat "$work/said"; echo "the error does not contain: $sentence"; exit 1; }
     count=$((count + 1))
 }
 # looks_like NAME TEXT: makes a folder with such a <cstddef>
@@ -63,5 +63,5 @@ done <<EOF
 x86_64-w64-mingw32-g++-posix 0 $for_the_ucrt
 x86_64-w64-mingw32ucrt-g++ 1 $for_msvcrt
 EOF
-[ $with_own -eq 1 ] || { echo "the compiler of this build is not there" >&2 && exit 1; }
+[ $with_own -eq 1 ] || { echo "the compiler of this build is missing" >&2 && exit 1; }
 echo "refused: $count, and the library's own is not"

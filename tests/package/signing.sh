@@ -45,7 +45,7 @@ for binary in "$unpacked"/bin/* "$unpacked"/samples/simulators/bin/*; do
         ;;
     esac
 done
-[ $signed -gt 0 ] && [ $left = 3 ] || fail "$signed signed, $left left as they are"
+[ $signed -gt 0 ] && [ $left = 3 ] || fail "$signed signed, $left left unsigned"
 python3 - "$unpacked/bin/kestraboot.dll" "$work/changed.dll" <<'PY'
 import sys
 content = bytearray(open(sys.argv[1], "rb").read())

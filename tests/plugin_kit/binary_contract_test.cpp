@@ -166,7 +166,7 @@ TEST(TheKit, HasTheNumbersOfTheContract)
     EXPECT_EQ(kSourceManagerNumber, 13U);
 }
 
-TEST(TheKit, WritesAnIdentifierAsItStandsInMemory)
+TEST(TheKit, WritesAnIdentifierAsItsBytesInMemory)
 {
     constexpr Identifier kPhoneManager = {
         0xEAD73274, 0x3BC9, 0x4878, {0xB3, 0x44, 0x6B, 0xE7, 0x4A, 0x12, 0xB2, 0x7A}};

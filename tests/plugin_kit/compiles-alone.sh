@@ -16,6 +16,6 @@ compile() { # COMPILER... : every standard, every source
 }
 
 compile "$gxx"
-command -v clang++ >/dev/null || { echo "clang++ is not there: scripts/setup.sh installs it" >&2 && exit 1; }
+command -v clang++ >/dev/null || { echo "clang++ is missing: scripts/setup.sh installs it" >&2 && exit 1; }
 headers=$(dirname "$("$gxx" -print-libgcc-file-name)")/include/c++
 compile clang++ --target=x86_64-w64-mingw32 -isystem "$headers" -isystem "$headers/x86_64-w64-mingw32"

@@ -69,8 +69,8 @@ begin=$(date +%s)
 touch "$work/begin"
 run 3000 "${only[@]}" # without --no-pause: nobody can press a key, but it exits nevertheless
 [ $status = 0 ] || { grep -a -A30 '^Failed' "$folder/kestraboot-tests.txt"; fail "exit code $status"; }
-grep -aq 'HKEY_CURRENT_USER\\Software\\KestrabootTests' "$screen" || fail "it does not say what it touches"
-grep -aq '^Real  *no: Wine' "$folder/kestraboot-tests.txt" || fail "the report does not tell that this is Wine"
+grep -aq 'HKEY_CURRENT_USER\\Software\\KestrabootTests' "$screen" || fail "it does not name the keys that it changes"
+grep -aq '^Real  *no: Wine' "$folder/kestraboot-tests.txt" || fail "the report does not name Wine"
 "$source/tests/real_windows/report_check.py" "$folder" $#
 
 # ---- The traces of the run: in its folder, and nowhere else
@@ -89,7 +89,7 @@ wine_prefix_start "$own"
 run 60 --no-pause --wrong
 [ $status = 2 ] || fail "exit code $status for a wrong argument"
 run 60 --no-pause --only nothing_tests
-[ $status = 2 ] || fail "exit code $status for a program that is not there"
+[ $status = 2 ] || fail "exit code $status for a missing program"
 mv "$folder/bin" "$folder/elsewhere"
 run 60 --no-pause
 [ $status = 2 ] && grep -aq 'unpack the whole archive' "$screen" || fail "exit code $status without its programs"

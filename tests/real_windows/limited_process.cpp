@@ -20,7 +20,8 @@ HANDLE MakeJob()
         JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE | JOB_OBJECT_LIMIT_DIE_ON_UNHANDLED_EXCEPTION;
     if (job == nullptr ||
         !::SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits)) {
-        throw std::runtime_error("no job object can be had: error " + std::to_string(::GetLastError()));
+        throw std::runtime_error("no job object can be created: error " +
+                                 std::to_string(::GetLastError()));
     }
     return job;
 }
@@ -39,7 +40,7 @@ LimitedProcess::LimitedProcess(const std::filesystem::path& program, const std::
     if (out == INVALID_HANDLE_VALUE) {
         const DWORD error = ::GetLastError();
         ::CloseHandle(job);
-        throw std::runtime_error("its output cannot be kept: error " + std::to_string(error));
+        throw std::runtime_error("its output cannot be stored: error " + std::to_string(error));
     }
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;

@@ -51,7 +51,7 @@ void ReadLine(const std::string& text, bool underWine, ProgramList& list,
             list.programs.back().skipped.push_back({name, reason});
         }
     } else {
-        throw std::runtime_error("programs.txt: not understood: " + text);
+        throw std::runtime_error("programs.txt: unknown entry: " + text);
     }
 }
 

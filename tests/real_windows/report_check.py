@@ -29,7 +29,7 @@ for suite in suites:
         group = case.get("classname").removeprefix(suite.get("name")).removeprefix(".")
         of_xml[suite.get("name"), (group + "." if group else "") + case.get("name"), outcome] += 1
 assert of_text == of_xml, f"report and XML differ: {(of_text - of_xml) + (of_xml - of_text)}"
-assert all(times == 1 for times in of_text.values()), "a test is told of twice"
+assert all(times == 1 for times in of_text.values()), "a test is reported twice"
 
 summary = re.search(r"^(\d+) passed, (\d+) failed, (\d+) skipped\r?$", text, re.M)
 assert [int(number) for number in summary.groups()] == [counted[word] for word in ("passed", "failed", "skipped")]
@@ -42,5 +42,5 @@ ran = {suite.get("name") for suite in suites} - left_out
 assert len(ran) == (chosen or len(programs)) and ran <= set(programs), f"ran: {sorted(ran)}"
 assert left_out <= {suite.get("name") for suite in suites}, "a program that is left out has no tests"
 for word in ("Windows", "Edition", "Processors", "Rights", "Language", "Took"):
-    assert re.search(rf"^{word} +\S", text, re.M), f"{word} is not told"
+    assert re.search(rf"^{word} +\S", text, re.M), f"{word} is missing"
 print(f"{len(ran)} programs: {summary.group(0).strip()}; the XML says the same")

@@ -28,25 +28,25 @@ struct Run {
 std::string EndOf(const Run& run, int longestTest)
 {
     if (run.hung) {
-        return "hangs: nothing more came for " + std::to_string(longestTest + kWatchdogsTurn) +
-               " seconds; it was ended with what it had started";
+        return "hangs: no output for " + std::to_string(longestTest + kWatchdogsTurn) +
+               " seconds; it was terminated with all the processes that it had started";
     }
     static constexpr struct {
         DWORD code;
         const char* meaning;
     } kKnown[] = {{0xC0000005, "access violation"},
                   {0xC0000135, "a DLL was not found"},
-                  {0xC0000139, "a DLL lacks a function that is asked for"},
+                  {0xC0000139, "a DLL lacks an imported function"},
                   {0xC0000374, "the heap was damaged"},
                   {0xC0000409, "the stack was damaged, or an abort"},
                   {0xC00000FD, "stack overflow"},
                   {3, "abort"},
-                  {97, "ended from outside"},
-                  {98, "the code under test ended the process"},
-                  {99, "hangs: ended by the watchdog"}};
+                  {97, "terminated by another process"},
+                  {98, "the code under test exited"},
+                  {99, "hangs: terminated by the watchdog"}};
     char code[32] = {};
     std::snprintf(code, sizeof code, run.exitCode > 0xFFFF ? "0x%08lX" : "%lu", run.exitCode);
-    std::string text = "the program ended with exit code " + std::string(code);
+    std::string text = "the program exited with code " + std::string(code);
     for (const auto& known : kKnown) {
         if (known.code == run.exitCode) {
             text += std::string(" (") + known.meaning + ')';

@@ -115,7 +115,7 @@ TEST_F(RegistryOutOfMemory, ReachesTheCallersOfStatusAndLocale)
     }
 }
 
-TEST_F(RegistryOutOfMemory, LeavesTheCallersRecordOfTheOwnApplication)
+TEST_F(RegistryOutOfMemory, LeavesTheCallersRecordOfTheOwnApplicationUnchanged)
 {
     appInfo_tag out;
     EXPECT_GT(ForEveryAllocation(

@@ -141,7 +141,7 @@ TEST_F(ApplicationRecord, KeepsDuplicatesAndEqualExtensionsOfTwoKinds)
     EXPECT_EQ(ReadFormats(), (Formats{L"Image:jpg", L"Image:jpg", L"Image:.Jpg;", L"Video:jpg"}));
 }
 
-TEST_F(ApplicationRecord, GetsItsFormatsReplaced)
+TEST_F(ApplicationRecord, ReplacesItsFormats)
 {
     PutText(HKEY_LOCAL_MACHINE, kKey + L"\\File Formats", L"Image", L"jpg");
     appInfo_tag record;
@@ -151,14 +151,14 @@ TEST_F(ApplicationRecord, GetsItsFormatsReplaced)
     EXPECT_EQ(record.FileFormats[0].Extension, L"jpg");
 }
 
-TEST_F(ApplicationRecord, TakesNoFormatsFromTheUsersKey)
+TEST_F(ApplicationRecord, ReadsNoFormatsFromTheUsersKey)
 {
     MakeKey(HKEY_LOCAL_MACHINE, kKey);
     PutText(HKEY_CURRENT_USER, kKey + L"\\File Formats", L"Image", L"jpg");
     EXPECT_EQ(ReadFormats(), Formats{});
 }
 
-TEST_F(ApplicationRecord, IsReadWithTheRightToReadAlone)
+TEST_F(ApplicationRecord, IsReadWithReadAccessAlone)
 {
     PutText(HKEY_LOCAL_MACHINE, kKey + L"\\File Formats", L"Image", L"jpg");
     PutDword(HKEY_CURRENT_USER, kKey + L"\\Preferences", L"DefaultFlag", 0);
@@ -176,7 +176,7 @@ TEST_F(ApplicationRecord, IsReadWithTheRightToReadAlone)
                                                  L"\\File Formats", L"user \\Preferences"}));
 }
 
-TEST_F(ApplicationRecord, IsAskedForItsAutoLaunchValueWithTheRightToReadAlone)
+TEST_F(ApplicationRecord, HasItsAutoLaunchValueReadWithReadAccessAlone)
 {
     MakeKey(HKEY_CURRENT_USER, kKey + L"\\Preferences");
     MakeKey(HKEY_LOCAL_MACHINE, kKey + L"\\Preferences");

@@ -86,7 +86,7 @@ TEST_F(BootWindow, IsNoneWithAnotherTitle)
     EXPECT_TRUE(quitMessages.empty());
 }
 
-TEST_F(BootWindow, IsAskedAloneWhereThereAreSeveral)
+TEST_F(BootWindow, AloneIsAskedToQuitIfThereAreSeveral)
 {
     const Window other(L"Something else");
     const Window first(L"Corvane Kestrafetch Boot");

@@ -31,7 +31,7 @@ struct DefaultFlag : testing::Test {
     RegistrySandbox sandbox;
 };
 
-TEST_F(DefaultFlag, IsTheUsersWhereThereIsOne)
+TEST_F(DefaultFlag, IsTheUsersIfThereIsOne)
 {
     PutDword(HKEY_LOCAL_MACHINE, kPrefs, L"DefaultFlag", 1);
     PutDword(HKEY_CURRENT_USER, kPrefs, L"DefaultFlag", 0);
@@ -42,7 +42,7 @@ TEST_F(DefaultFlag, IsTheUsersWhereThereIsOne)
     EXPECT_EQ(Read(), 0x80000000U);
 }
 
-TEST_F(DefaultFlag, IsZeroWhereTheUsersKeyHasNone)
+TEST_F(DefaultFlag, IsZeroIfTheUsersKeyHasNone)
 {
     PutDword(HKEY_LOCAL_MACHINE, kPrefs, L"DefaultFlag", 1);
     MakeKey(HKEY_CURRENT_USER, kPrefs);
@@ -61,7 +61,7 @@ TEST_F(DefaultFlag, IsTheMachinesOnceThenTheOneOfTheUsersNewKey)
     EXPECT_EQ(StoredDword(HKEY_LOCAL_MACHINE, kPrefs, L"DefaultFlag"), 1U);
 }
 
-TEST_F(DefaultFlag, IsZeroWithoutAnyKeyAndTheUsersIsMade)
+TEST_F(DefaultFlag, IsZeroWithoutAnyKeyAndTheUsersKeyIsCreated)
 {
     EXPECT_EQ(Read(), 0U);
     EXPECT_EQ(StoredDword(HKEY_CURRENT_USER, kPrefs, L"DefaultFlag"), 0U);
@@ -83,7 +83,7 @@ TEST_F(DefaultFlag, IsTheMachinesEachTimeForAUserWithoutTheRootKey)
     EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane"));
 }
 
-TEST_F(DefaultFlag, IsTheMachinesWhereTheUsersKeyCannotBeMade)
+TEST_F(DefaultFlag, IsTheMachinesIfTheUsersKeyCannotBeCreated)
 {
     PutDword(HKEY_LOCAL_MACHINE, kPrefs, L"DefaultFlag", 1);
     const FAKE_IMPORT(RegCreateKeyExW) create([](auto...) -> LONG {
@@ -94,7 +94,7 @@ TEST_F(DefaultFlag, IsTheMachinesWhereTheUsersKeyCannotBeMade)
     EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, kPrefs));
 }
 
-TEST_F(DefaultFlag, IsZeroWhereTheUsersKeyCannotBeOpenedForTheMomentAndTheKeyStaysAsItIs)
+TEST_F(DefaultFlag, IsZeroIfTheUsersKeyCannotBeOpenedAndLeavesTheKeyUnchanged)
 {
     PutDword(HKEY_CURRENT_USER, kPrefs, L"DefaultFlag", 1);
     PutDword(HKEY_LOCAL_MACHINE, kPrefs, L"DefaultFlag", 2);
@@ -106,7 +106,8 @@ TEST_F(DefaultFlag, IsZeroWhereTheUsersKeyCannotBeOpenedForTheMomentAndTheKeySta
         });
         EXPECT_EQ(Read(), 0U) << failure;
     }
-    EXPECT_EQ(StoredDword(HKEY_CURRENT_USER, kPrefs, L"DefaultFlag"), 1U) << "the user's choice is lost";
+    EXPECT_EQ(StoredDword(HKEY_CURRENT_USER, kPrefs, L"DefaultFlag"), 1U)
+        << "the choice of the user was overwritten";
     EXPECT_EQ(Read(), 1U);
 }
 
@@ -135,7 +136,7 @@ TEST_F(DefaultFlag, OfAnApplicationRightBelowTheRootNeverGetsItsUserKey)
     EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane\\ Kestrafetch\\Preferences"));
 }
 
-TEST_F(DefaultFlag, IsWrittenInBothHivesWhereTheKeyExists)
+TEST_F(DefaultFlag, IsWrittenInBothHivesIfTheKeyExists)
 {
     MakeKey(HKEY_CURRENT_USER, kPrefs);
     MakeKey(HKEY_LOCAL_MACHINE, kPrefs);
@@ -144,7 +145,7 @@ TEST_F(DefaultFlag, IsWrittenInBothHivesWhereTheKeyExists)
     EXPECT_EQ(StoredDword(HKEY_LOCAL_MACHINE, kPrefs, L"DefaultFlag"), 5U);
 }
 
-TEST_F(DefaultFlag, IsWrittenInOneHiveWhereTheOtherHasNoKey)
+TEST_F(DefaultFlag, IsWrittenInOneHiveIfTheOtherHasNoKey)
 {
     MakeKey(HKEY_LOCAL_MACHINE, kPrefs);
     WriteDefaultFlag(kPrefs, 5);

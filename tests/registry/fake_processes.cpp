@@ -89,7 +89,7 @@ std::set<DWORD> FakeProcesses::LeftOpen() const
 {
     std::set<DWORD> left;
     for (const auto& [id, count] : openHandles) {
-        EXPECT_GE(count, 0) << id << " is closed too often";
+        EXPECT_GE(count, 0) << id << " is closed more than once";
         EXPECT_LE(count, 1) << id;
         if (count > 0) {
             left.insert(id);

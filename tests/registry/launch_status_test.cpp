@@ -51,14 +51,14 @@ TEST_F(LaunchStatus, IsNotTheMachines)
     EXPECT_TRUE(handler.GetKestraLaunchStatus());
 }
 
-TEST_F(LaunchStatus, ThatIsMissingIsTrueAndAskingNeverCreatesIt)
+TEST_F(LaunchStatus, ThatIsMissingIsTrueAndAQueryNeverCreatesIt)
 {
     MakeKey(HKEY_CURRENT_USER, own.OwnKey());
     EXPECT_TRUE(handler.GetKestraLaunchStatus());
     EXPECT_EQ(Stored(), std::nullopt);
 }
 
-TEST_F(LaunchStatus, ThatIsMissingIsTriedToBeStoredThroughTheHandleOpenForReading)
+TEST_F(LaunchStatus, ThatIsMissingIsWrittenThroughTheHandleOpenForReading)
 {
     // The key is already open for reading, so Windows refuses the write that is tried.
     MakeKey(HKEY_CURRENT_USER, own.OwnKey());
@@ -109,7 +109,7 @@ TEST_F(LaunchStatus, IsReportedAsNotStoredWhenTheWriteFails)
     EXPECT_FALSE(handler.SetKestraLaunchStatus(0));
 }
 
-TEST_F(LaunchStatus, IsAskedForReadingAndSetForWriting)
+TEST_F(LaunchStatus, IsQueriedWithReadAccessAndSetWithWriteAccess)
 {
     MakeKey(HKEY_CURRENT_USER, own.OwnKey());
     std::vector<REGSAM> rights;
@@ -134,7 +134,7 @@ TEST_F(LaunchStatus, OfAProgramThatIsNoApplicationsProxyIsTrueAndCannotBeStored)
     EXPECT_EQ(Stored(), 0U);
 }
 
-TEST_F(LaunchStatus, IsKeptAboveTheFirstKeyWhoseNameBeginsAsTheApplicationKeys)
+TEST_F(LaunchStatus, IsStoredAboveTheFirstKeyWhoseNameBeginsLikeTheApplicationKeys)
 {
     RemoveKey(HKEY_LOCAL_MACHINE, own.OwnKey());
     RegisterOwnSample(folder.Path(), L"B\\Corvane Kestrafetch 2");

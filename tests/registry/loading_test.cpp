@@ -30,7 +30,7 @@ TEST_F(Loading, DoesNotHappenByItself)
     EXPECT_EQ(handler.Names(), Names{});
 }
 
-TEST_F(Loading, OpensEveryKeyWithTheRightToReadAlone)
+TEST_F(Loading, OpensEveryKeyWithReadAccessAlone)
 {
     const SampleApplication sample = RegisterSample(folder.Path(), L"A");
     MakeKey(HKEY_LOCAL_MACHINE, sample.keyPath + L"\\File Formats");
@@ -47,8 +47,7 @@ TEST_F(Loading, OpensEveryKeyWithTheRightToReadAlone)
     handler.LoadInformation();
     EXPECT_EQ(handler.Names(), Names{L"A"});
     EXPECT_THAT(asked, testing::Each(REGSAM{KEY_READ}));
-    EXPECT_EQ(preferences, 3)
-        << "the default flag, and whether it is kept out: for the user, the machine";
+    EXPECT_EQ(preferences, 3) << "the default flag, and the exclusion by the user and by the machine";
 }
 
 TEST_F(Loading, KeepsTheOrderOfTheSearchAndEveryMember)
@@ -69,7 +68,7 @@ TEST_F(Loading, KeepsTheOrderOfTheSearchAndEveryMember)
     EXPECT_TRUE(trace.Lines().empty());
 }
 
-TEST_F(Loading, ReplacesTheListOfBefore)
+TEST_F(Loading, ReplacesThePreviousList)
 {
     RegisterSample(folder.Path(), L"A");
     handler.LoadInformation();
@@ -146,7 +145,7 @@ TEST_F(Loading, TestsTheCommandThenTheProxyThenThePreference)
     EXPECT_EQ(handler.Names(), Names{L"Viewer"});
 }
 
-TEST_F(Loading, LeavesOutAnApplicationThatTheMachineKeepsOut)
+TEST_F(Loading, LeavesOutAnApplicationThatTheMachineExcludes)
 {
     const SampleApplication sample = RegisterSample(folder.Path(), L"Viewer");
     PutDword(HKEY_LOCAL_MACHINE, sample.Preferences(), kAutoLaunch, 1);
@@ -154,7 +153,7 @@ TEST_F(Loading, LeavesOutAnApplicationThatTheMachineKeepsOut)
     EXPECT_EQ(handler.Names(), Names{});
 }
 
-TEST_F(Loading, LeavesOutAnApplicationThatTheUserKeepsOut)
+TEST_F(Loading, LeavesOutAnApplicationThatTheUserExcludes)
 {
     const SampleApplication sample = RegisterSample(folder.Path(), L"Viewer");
     PutDword(HKEY_LOCAL_MACHINE, sample.Preferences(), kAutoLaunch, 0);
@@ -163,7 +162,7 @@ TEST_F(Loading, LeavesOutAnApplicationThatTheUserKeepsOut)
     EXPECT_EQ(handler.Names(), Names{});
 }
 
-TEST_F(Loading, LetsTheUserTakeAnApplicationBackIn)
+TEST_F(Loading, LetsTheUserIncludeAnApplicationAgain)
 {
     const SampleApplication sample = RegisterSample(folder.Path(), L"Viewer");
     PutDword(HKEY_LOCAL_MACHINE, sample.Preferences(), kAutoLaunch, 1);
@@ -174,7 +173,7 @@ TEST_F(Loading, LetsTheUserTakeAnApplicationBackIn)
     }
 }
 
-TEST_F(Loading, AsksTheMachineWhereTheUsersValueLooksMissing)
+TEST_F(Loading, UsesTheMachinesValueIfTheUsersLooksMissing)
 {
     const SampleApplication sample = RegisterSample(folder.Path(), L"Viewer");
     PutDword(HKEY_LOCAL_MACHINE, sample.Preferences(), kAutoLaunch, 1);
@@ -186,7 +185,7 @@ TEST_F(Loading, AsksTheMachineWhereTheUsersValueLooksMissing)
     EXPECT_EQ(handler.Names(), Names{});
 }
 
-TEST_F(Loading, KeepsOutForNoOtherValueThanOne)
+TEST_F(Loading, ExcludesForTheValueOneAlone)
 {
     const SampleApplication sample = RegisterSample(folder.Path(), L"Viewer");
     for (const std::uint32_t other : {0U, 2U, 0xFFFFFFFFU}) {

@@ -79,7 +79,7 @@ TEST_F(Locale, IsEnglishWhenTheKeyCannotBeOpened)
     EXPECT_EQ(locale, L"en_us");
 }
 
-TEST_F(Locale, IsEnglishBeforeAnythingIsAsked)
+TEST_F(Locale, IsEnglishBeforeAnyQuery)
 {
     const FAKE_IMPORT(RegOpenKeyExW) open([&](auto...) -> LONG {
         EXPECT_EQ(locale, L"en_us");

@@ -37,7 +37,7 @@ TEST_F(MaintainedOrder, PointsTheAutoRunEntryAtTheRunningProxy)
     EXPECT_TRUE(spawns.Calls().empty());
 }
 
-TEST_F(MaintainedOrder, PointsTheAutoRunEntryAtTheFirstProxyWhereTheRunningProgramIsNone)
+TEST_F(MaintainedOrder, PointsTheAutoRunEntryAtTheFirstProxyIfTheRunningProgramIsNone)
 {
     const SampleApplication first = RegisterSample(folder.Path(), L"A");
     RegisterSample(folder.Path(), L"B");
@@ -64,7 +64,7 @@ TEST_F(MaintainedOrder, ReloadsTheList)
     EXPECT_EQ(handler.Names(), Names{L"A"});
 }
 
-TEST_F(MaintainedOrder, DoesNotTouchTheDefaults)
+TEST_F(MaintainedOrder, LeavesTheDefaultsUnchanged)
 {
     const SampleApplication first = RegisterSample(folder.Path(), L"A");
     const SampleApplication own = RegisterOwnSample(folder.Path(), L"B");
@@ -84,7 +84,7 @@ TEST_F(MaintainedOrder, ThatCannotWriteTheEntryReportsNothing)
     EXPECT_TRUE(trace.Lines().empty());
 }
 
-TEST_F(MaintainedOrder, WithoutAnApplicationHandsBackAndEndsTheProcess)
+TEST_F(MaintainedOrder, WithoutAnApplicationHandsDevicesBackAndEndsTheProcess)
 {
     const ProcessEndCatcher catcher;
     RegisterOrganiser(L"C:\\Legacy");
@@ -112,7 +112,7 @@ TEST_F(MaintainedOrder, WithoutAnApplicationHandsBackAndEndsTheProcess)
                L"<KestraBoot><Deleting run key. Auto run is going to discontinue from now onwards.>"}));
 }
 
-TEST_F(MaintainedOrder, WithoutAnApplicationDeletesTheEntryBeforeItSaysSo)
+TEST_F(MaintainedOrder, WithoutAnApplicationDeletesTheEntryBeforeItIsTraced)
 {
     const ProcessEndCatcher catcher;
     const FAKE_IMPORT(RegDeleteValueW) remove([&](HKEY key, const wchar_t* name) -> LONG {

@@ -21,7 +21,7 @@ bool Stop(const std::wstring& ownPath = kOwnPath)
     return StopOtherInstances(::GetCurrentProcessId(), ownPath);
 }
 
-TEST(OtherInstances, AreNoneWhereOnlyOtherProgramsRun)
+TEST(OtherInstances, AreNoneIfOnlyOtherProgramsRun)
 {
     FakeProcesses machine({{5, L"C:\\other.exe"}, {7, L"C:\\Own\\kestraboot.exe2"}});
     EXPECT_FALSE(Stop());
@@ -30,7 +30,7 @@ TEST(OtherInstances, AreNoneWhereOnlyOtherProgramsRun)
     EXPECT_TRUE(machine.SnapshotClosed());
 }
 
-TEST(OtherInstances, AreAskedThenEndedTwoSecondsLater)
+TEST(OtherInstances, AreAskedToQuitAndTerminatedTwoSecondsLater)
 {
     FakeProcesses machine({{5, L"C:\\other.exe"}, {7, kOwnPath}});
     EXPECT_TRUE(Stop());
@@ -48,7 +48,7 @@ TEST(OtherInstances, AreStoppedOneAfterAnother)
     EXPECT_EQ(machine.LeftOpen(), (Ids{5, 7}));
 }
 
-TEST(OtherInstances, AreFoundBeforeOtherProgramsToo)
+TEST(OtherInstances, AreFoundEvenIfOtherProgramsFollow)
 {
     FakeProcesses machine({{5, kOwnPath}, {6, L"C:\\other.exe"}});
     EXPECT_TRUE(Stop()); // the last process of the list is another program
@@ -60,14 +60,14 @@ TEST(OtherInstances, AreKnownByTheirPathInAnyCase)
     EXPECT_TRUE(Stop());
 }
 
-TEST(OtherInstances, ThatCannotBeOpenedArePassedOver)
+TEST(OtherInstances, ThatCannotBeOpenedAreSkipped)
 {
     FakeProcesses machine({{5, kOwnPath, false}, {7, kOwnPath}});
     EXPECT_TRUE(Stop());
     EXPECT_EQ(machine.events, (Events{L"ask windows", L"wait 2000", L"end 7 with 0"}));
 }
 
-TEST(OtherInstances, ThatCannotBeLookedIntoArePassedOverAndTheirHandlesStayOpen)
+TEST(OtherInstances, ThatCannotBeInspectedAreSkippedAndTheirHandlesStayOpen)
 {
     FakeProcesses machine({{5, kOwnPath, true, false}, {6, L"C:\\other.exe"}});
     EXPECT_FALSE(Stop());
@@ -82,7 +82,7 @@ TEST(OtherInstances, DoNotIncludeTheRunningProcess)
     EXPECT_EQ(machine.LeftOpen(), Ids{});
 }
 
-TEST(OtherInstances, AreNoneWithoutAPathOfOnesOwn)
+TEST(OtherInstances, AreNoneIfTheOwnPathIsUnknown)
 {
     FakeProcesses machine({{5, L""}}, L"");
     EXPECT_FALSE(Stop(L""));

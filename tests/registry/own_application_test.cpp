@@ -72,7 +72,7 @@ TEST_F(OwnApplication, IsNoneWhenTheProcessCannotOpenItself)
     EXPECT_EQ(handler.Names(), Names{L"A"});
 }
 
-TEST_F(OwnApplication, IsNotLookedForWhenNoneIsLeft)
+TEST_F(OwnApplication, IsNotSearchedForIfNoneIsLeft)
 {
     const ProcessEndCatcher catcher;
     EXPECT_THROW(static_cast<void>(FindOwnApplication(handler, own)), ProcessEnded);

@@ -50,7 +50,7 @@ TEST_F(Queries, ForAllOfAnEmptyListEmptyTheCallers)
     EXPECT_TRUE(all.empty());
 }
 
-TEST_F(Queries, ForAllIntoTheHandlersOwnListLeaveItAsItIs)
+TEST_F(Queries, ForAllIntoTheHandlersOwnListLeaveItUnchanged)
 {
     const appInfo_tag* const before = handler.applications.data();
     EXPECT_TRUE(handler.GetAllApplicationInfo(handler.applications));
@@ -68,7 +68,7 @@ TEST_F(Queries, ByNameFindTheFirst)
     EXPECT_EQ(name, L"Two");
 }
 
-TEST_F(Queries, ByNameAreExactAndLeaveTheRecordWhenThereIsNone)
+TEST_F(Queries, ByNameAreExactAndLeaveTheRecordUnchangedIfThereIsNone)
 {
     for (std::wstring name : {L"two", L"TWO", L"Tw", L"Two ", L"", L"Three"}) {
         appInfo_tag out;
@@ -103,7 +103,7 @@ TEST_F(Queries, ForDefaultsIntoTheHandlersOwnListAppendCopies)
               (Names{L"key 0", L"key 1", L"key 2", L"key 3", L"key 1", L"key 3"}));
 }
 
-TEST_F(Queries, OutOfMemoryAreFalseAndLeaveTheCallersRecords)
+TEST_F(Queries, OutOfMemoryAreFalseAndLeaveTheCallersRecordsUnchanged)
 {
     for (appInfo_tag& record : handler.applications) {
         record.Desc.assign(100, L'd');

@@ -91,7 +91,7 @@ TEST_F(RunValue, IsReportedAsWrittenOnceTheKeyIsOpen)
     EXPECT_TRUE(SetRunValue(proxy));
 }
 
-TEST_F(RunValue, IsDeletedThroughAKeyOpenWithAllRights)
+TEST_F(RunValue, IsDeletedThroughAKeyOpenWithFullAccess)
 {
     PutText(HKEY_LOCAL_MACHINE, kRunKey, L"Another", L"stays");
     ASSERT_TRUE(SetRunValue(proxy));

@@ -60,7 +60,7 @@ TEST_F(ApplicationSearch, GoesOnBesideAnApplicationKeyButNotBelowIt)
     EXPECT_EQ(Found(), (Products{L"A\\Corvane Kestrafetch", L"A\\Other\\Corvane Kestrafetch"}));
 }
 
-TEST_F(ApplicationSearch, TakesTheNameInItsExactCaseAndWhole)
+TEST_F(ApplicationSearch, MatchesTheWholeNameInItsExactCase)
 {
     Add(L"A\\corvane kestrafetch");
     Add(L"B\\Corvane Kestrafetch 2");
@@ -72,7 +72,7 @@ TEST_F(ApplicationSearch, TakesTheNameInItsExactCaseAndWhole)
                                  L"B\\Corvane Kestrafetch 2\\Corvane Kestrafetch"}));
 }
 
-TEST_F(ApplicationSearch, GoesThroughNamesOf127Characters)
+TEST_F(ApplicationSearch, AcceptsNamesOf127Characters)
 {
     const std::wstring product = std::wstring(127, L'p') + L"\\Corvane Kestrafetch";
     Add(product);

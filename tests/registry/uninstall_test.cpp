@@ -117,7 +117,7 @@ TEST_F(HandOver, DoesNotQuoteAPathThatBeginsWithAQuote)
               (std::vector<SpawnCall>{{_P_NOWAIT, L"\"C:\\q.exe\"", {L"\"C:\\q.exe\""}}}));
 }
 
-TEST_F(HandOver, SaysSoEvenWhereTheStartFails)
+TEST_F(HandOver, IsTracedEvenIfTheStartFails)
 {
     RegisterSample(folder.Path(), L"Next");
     spawns.Answer(-1);
@@ -144,7 +144,7 @@ TEST_F(HandOver, CutsItsTraceLineAt259Characters)
               (L"<KestraBoot><Switching application to ...<" + std::wstring(1000, L'n')).substr(0, 259));
 }
 
-TEST_F(HandOver, TracesAnEmptyLineWhereItsLineCannotBeFormatted)
+TEST_F(HandOver, TracesAnEmptyLineIfItsLineCannotBeFormatted)
 {
     RegisterSample(folder.Path(), L"Next");
     const FormatFailure fails;
@@ -152,14 +152,14 @@ TEST_F(HandOver, TracesAnEmptyLineWhereItsLineCannotBeFormatted)
     EXPECT_EQ(machine.events.back(), L"");
 }
 
-TEST_F(HandOver, WithNothingButTheOwnApplicationGoesBackToTheOrganiser)
+TEST_F(HandOver, WithNothingButTheOwnApplicationReturnsTheDevicesToTheOrganiser)
 {
     RegisterOrganiser(L"C:\\Legacy");
     EXPECT_EQ(EventsAfterStop(), (Events{kOrganiserStarted, L"delete Corvane Kestrafetch", kNoAutoRun}));
     EXPECT_EQ(RunValue(), std::nullopt);
 }
 
-TEST_F(HandOver, WithNothingAtAllEndsTheAutoRun)
+TEST_F(HandOver, WithoutAnyApplicationEndsTheAutoRun)
 {
     EXPECT_EQ(EventsAfterStop(), (Events{L"delete Corvane Kestrafetch", kNoAutoRun}));
 }

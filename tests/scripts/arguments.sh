@@ -31,9 +31,9 @@ run() { # STATUS COMMAND ...: the command exits with that status
     : >calls
     PATH=$own "$@" >said 2>errors </dev/null || status=$?
     cat errors >>said
-    [ $status = "$wanted" ] || fail "$* ends with $status, not $wanted"
+    [ $status = "$wanted" ] || fail "$* exits with $status, not $wanted"
 }
-says() { grep -qF -- "$1" said || fail "it does not say: $1"; }
+says() { grep -qF -- "$1" said || fail "the output does not contain: $1"; }
 called() { grep -qF -- "$1" calls || { cat calls; fail "not called: $1"; }; }
 nothing_called() { [ ! -s calls ] || { cat calls; fail "$* called these"; }; }
 
@@ -46,7 +46,7 @@ for script in "$source"/scripts/*.sh "$source"/scripts/demo_picture.py; do
         nothing_called "$script $argument"
     done
     run 2 "$script" --no-such-option
-    [ -s errors ] || fail "$script does not say what is wrong"
+    [ -s errors ] || fail "$script prints no error"
     nothing_called "$script --no-such-option"
 done
 for called in 'setup.sh everything' 'setup.sh demo demo' 'demo.sh fast' 'test.sh -R card' 'test-clang.sh -R' \
@@ -60,13 +60,13 @@ done
 # ---- The installed packages, and the installing user
 run 0 "$source/scripts/setup.sh" demo
 called " wine wine64"
-! grep -Eq 'clang|doxygen|cppcheck|jsonschema' calls || { cat calls; fail "the demo installs what it does not need"; }
+! grep -Eq 'clang|doxygen|cppcheck|jsonschema' calls || { cat calls; fail "the demo installs packages that it does not need"; }
 ! grep -q '^sudo' calls || fail "root asks sudo"
 run 0 "$source/scripts/setup.sh"
 for package in g++-mingw-w64-x86-64-posix clang-tidy doxygen; do called " $package"; done
 run 0 "$source/scripts/setup.sh" ucrt
 called ' g++-mingw-w64-ucrt64'
-! grep -Eq 'clang|codespell|cppcheck' calls || { cat calls; fail "the UCRT's suite installs what it does not need"; }
+! grep -Eq 'clang|codespell|cppcheck' calls || { cat calls; fail "the UCRT's suite installs packages that it does not need"; }
 stand_in apt-get '[ "$1" != -y ]'
 run 1 "$source/scripts/setup.sh" ucrt
 says 'apt-get did not install them'
@@ -79,16 +79,16 @@ called 'sudo apt-get -qq update'
 called 'install wine64'
 echo wine64 >>"$HERE"
 run 0 "$source/scripts/setup.sh" demo
-! grep -Eq 'apt-get|sudo' calls || fail "it installs where all is there"
+! grep -Eq 'apt-get|sudo' calls || fail "it installs although nothing is missing"
 
 # ---- Neither root nor sudo; no Debian at all
 : >"$HERE"
 own=$work/plain
 USER_ID=1000 run 1 "$source/scripts/setup.sh" demo
 says 'apt-get install --no-install-recommends cmake ninja-build'
-! grep -q apt-get calls || fail "it tries all the same"
+! grep -q apt-get calls || fail "it calls apt-get nevertheless"
 rm plain/apt-get
 run 1 "$source/scripts/setup.sh"
 says 'there is no apt-get'
 says ' doxygen '
-echo "arguments: as they should be"
+echo "arguments: every script as expected"

@@ -70,7 +70,7 @@ TEST_F(CandidateVolume, AFixedDiskQualifiesByTheMakersFileSystemAlone)
     }
 }
 
-TEST_F(CandidateVolume, TheLabelOfAFixedDiskPlaysNoPart)
+TEST_F(CandidateVolume, TheLabelOfAFixedDiskDoesNotMatter)
 {
     label = L"KODAK";
     EXPECT_FALSE(IsCandidateVolume(L"C:"));
@@ -110,7 +110,7 @@ TEST_F(CandidateVolume, EveryOtherKindOfDriveDoesNotQualify)
     }
 }
 
-TEST_F(CandidateVolume, NoErrorBoxShowsAndTheModeBeforeComesBack)
+TEST_F(CandidateVolume, NoErrorBoxShowsAndThePreviousModeIsRestored)
 {
     ::SetErrorMode(SEM_NOGPFAULTERRORBOX);
     EXPECT_FALSE(IsCandidateVolume(L"C:"));

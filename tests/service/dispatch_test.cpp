@@ -78,7 +78,7 @@ TEST_F(Dispatch, ReportsWithoutACallbackAreLost)
 TEST_F(Dispatch, OnlyTheLatestCallbackCounts)
 {
     RegisterDeviceConnectCallback([](std::wstring&, std::wstring&) {
-        FAIL() << "the callback before";
+        FAIL() << "the previous callback was called";
     });
     RegisterDeviceConnectCallback(Keep);
     Notify(L"volume", L"E:");
@@ -88,7 +88,7 @@ TEST_F(Dispatch, OnlyTheLatestCallbackCounts)
 TEST_F(Dispatch, AReportThatHadToWaitGoesToTheCallbackOfItsTurn)
 {
     RegisterDeviceConnectCallback([](std::wstring&, std::wstring&) {
-        FAIL() << "replaced while the report waited";
+        FAIL() << "called although it was replaced while the report waited";
     });
     const FAKE_IMPORT(EnterCriticalSection) turn([&](CRITICAL_SECTION* section) {
         RegisterDeviceConnectCallback(Keep);
@@ -106,7 +106,7 @@ TEST_F(Dispatch, NullUnregisters)
     EXPECT_TRUE(events.empty());
 }
 
-TEST_F(Dispatch, ACallbackThatThrowsHarmsNobody)
+TEST_F(Dispatch, ACallbackThatThrowsDoesNotStopLaterReports)
 {
     RegisterDeviceConnectCallback([](std::wstring&, std::wstring&) {
         throw std::runtime_error("host");

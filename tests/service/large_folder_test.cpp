@@ -50,13 +50,13 @@ protected:
 
 std::unique_ptr<tests::TempFolder> LargeFolder::made;
 
-TEST_F(LargeFolder, IsWalkedToTheEndWhereNothingMatches)
+TEST_F(LargeFolder, IsWalkedToTheEndIfNothingMatches)
 {
     EXPECT_FALSE(Find(L"png"));
     EXPECT_EQ(trace.Lines().size(), std::size_t{kFiles});
 }
 
-TEST_F(LargeFolder, GivesTheOnePictureAmongItsFiles)
+TEST_F(LargeFolder, FindsTheOnePictureAmongItsFiles)
 {
     EXPECT_TRUE(Find(L"jpg"));
     EXPECT_EQ(trace.Lines().back(), L"<***DeviceConnect***><Supported file format is found on device.>");

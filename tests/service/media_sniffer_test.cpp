@@ -76,7 +76,7 @@ TEST_F(MediaSniffer, ACardWithoutPicturesIsRefusedAfterThreeTriesASecondApart)
     EXPECT_FALSE(Check());
     EXPECT_THAT(trace.Lines(), ElementsAre(kFails, kFails, kFails, kNothing));
     EXPECT_THAT(sleeps, ElementsAre(1000, 1000, 1000));
-    EXPECT_EQ(drives.Calls(), 1) << "the kind of drive is asked once";
+    EXPECT_EQ(drives.Calls(), 1) << "the type of the drive is queried once";
 }
 
 TEST_F(MediaSniffer, AFailedTryIsTracedBeforeThePauseAfterIt)
@@ -110,7 +110,7 @@ TEST_F(MediaSniffer, AnUnsuitableDriveIsRefusedUnread)
     EXPECT_THAT(sleeps, IsEmpty());
 }
 
-TEST_F(MediaSniffer, DepthZeroSwitchesReportsOffWithoutTouchingTheVolume)
+TEST_F(MediaSniffer, DepthZeroDisablesReportsWithoutReadingTheVolume)
 {
     SetDepth(0);
     volume.AddFile(L"IMG_0001.JPG");
@@ -133,7 +133,7 @@ TEST_F(MediaSniffer, DepthOneSearchesTheRootAlone)
     EXPECT_TRUE(Sniff());
 }
 
-TEST_F(MediaSniffer, DepthFourHoldsWhereTheValueIsMissingOrNegative)
+TEST_F(MediaSniffer, DepthFourAppliesIfTheValueIsMissingOrNegative)
 {
     volume.AddFile(L"1/2/3/IMG_0001.JPG"); // on the fourth level
     EXPECT_TRUE(Sniff());
@@ -148,7 +148,7 @@ TEST_F(MediaSniffer, DepthFourHoldsWhereTheValueIsMissingOrNegative)
     EXPECT_TRUE(Sniff());
 }
 
-TEST_F(MediaSniffer, DepthFourHoldsWhereTheUserHasNoKeyOfTheApplication)
+TEST_F(MediaSniffer, DepthFourAppliesIfTheUserHasNoKeyOfTheApplication)
 {
     SetDepth(1);
     volume.AddFile(L"DCIM/IMG_0001.JPG");
@@ -208,7 +208,7 @@ TEST_F(MediaSniffer, DepthIsNeverTheDefaultOneBecauseMemoryRanOut)
     EXPECT_EQ(depth, 0);
 }
 
-TEST_F(MediaSniffer, TheDefaultApplicationsFormatsAreLookedForAlone)
+TEST_F(MediaSniffer, OnlyTheDefaultApplicationsFormatsAreSearchedFor)
 {
     tests::CompatibleApplication other = own;
     other.keyPath = L"SOFTWARE\\Corvane\\Other\\Corvane Kestrafetch";
@@ -221,7 +221,7 @@ TEST_F(MediaSniffer, TheDefaultApplicationsFormatsAreLookedForAlone)
     EXPECT_FALSE(Sniff());
 }
 
-TEST_F(MediaSniffer, AudioIsNotLookedFor)
+TEST_F(MediaSniffer, AudioIsNotSearchedFor)
 {
     tests::PutText(HKEY_LOCAL_MACHINE, own.keyPath + L"\\File Formats", L"Audio", L"mp3");
     volume.AddFile(L"song.mp3");
@@ -243,7 +243,7 @@ TEST_F(MediaSniffer, ARootPathTooLongForItsFieldIsCut)
     }
 }
 
-TEST_F(MediaSniffer, TheDriveOfATooLongRootPathIsAskedByTheCutPath)
+TEST_F(MediaSniffer, TheDriveOfATooLongRootPathIsQueriedByTheCutPath)
 {
     std::wstring asked;
     const FAKE_IMPORT(GetDriveTypeW) type([&](const wchar_t* root) -> UINT {

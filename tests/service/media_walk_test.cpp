@@ -83,7 +83,7 @@ TEST_F(MediaWalk, ReachesThreeFolderLevelsBelowTheRootAtDepthFour)
     EXPECT_TRUE(Find(5));
 }
 
-TEST_F(MediaWalk, LooksAtTheRootAloneAtDepthOne)
+TEST_F(MediaWalk, ScansTheRootAloneAtDepthOne)
 {
     volume.AddFile(L"sub/x.jpg");
     EXPECT_FALSE(Find(1));
@@ -107,14 +107,14 @@ TEST_F(MediaWalk, MatchesExtensionsInAnyLetterCase)
     EXPECT_TRUE(Find());
 }
 
-TEST_F(MediaWalk, NeverTakesAPdf)
+TEST_F(MediaWalk, NeverAcceptsAPdf)
 {
     volume.AddFile(L"x.pdf");
     volume.AddFile(L"y.PDF");
     EXPECT_FALSE(Find());
 }
 
-TEST_F(MediaWalk, PassesOverFilesWithoutExtension)
+TEST_F(MediaWalk, SkipsFilesWithoutExtension)
 {
     volume.AddFile(L"jpg");
     EXPECT_FALSE(FindSupportedFile(volume.Path().c_str(), 4,
@@ -141,7 +141,7 @@ TEST_F(MediaWalk, LeavesNothingOpen)
               0);
 }
 
-TEST_F(MediaWalk, SuppressesErrorBoxesMeanwhileAndRestoresTheModeOnEveryWay)
+TEST_F(MediaWalk, SuppressesErrorBoxesAndRestoresTheModeOnEveryPath)
 {
     volume.AddFile(L"x.jpg");
     std::set<UINT> modes;
@@ -225,13 +225,13 @@ TEST_F(SteeredWalk, AFolderThatCannotBeListedEndsTheWholeSearch)
     EXPECT_THAT(open, IsEmpty());
 }
 
-TEST_F(SteeredWalk, TheInvalidHandleOfAFailedListingIsClosedAsItIs)
+TEST_F(SteeredWalk, TheInvalidHandleOfAFailedListingIsPassedToTheClose)
 {
     EXPECT_FALSE(FindSupportedFile(L"E:", 4, Pictures()));
     EXPECT_THAT(closed, ElementsAre(INVALID_HANDLE_VALUE));
 }
 
-TEST_F(SteeredWalk, TheListingIsClosedBeforeTheFindIsTold)
+TEST_F(SteeredWalk, TheListingIsClosedBeforeTheMatchIsTraced)
 {
     folders[L"E:\\*"] = {{L"."}, {L"x.jpg"}, {L"y.jpg"}};
     std::vector<std::pair<std::wstring, std::size_t>> linesAndOpenListings;
@@ -273,7 +273,7 @@ TEST_F(SteeredWalk, ALineLongerThanTheTraceBufferIsCut)
     EXPECT_THAT(trace.Lines(), ElementsAre(File(1, name).substr(0, 259)));
 }
 
-TEST_F(SteeredWalk, ALineBehindALongerOneHasNothingOfIt)
+TEST_F(SteeredWalk, ALineAfterALongerOneContainsNoneOfItsText)
 {
     folders[L"E:\\*"] = {{L"a long name.txt"}, {L"b"}, {std::wstring(255, L'n')}, {L"c.txt"}};
     EXPECT_FALSE(FindSupportedFile(L"E:", 4, Pictures()));

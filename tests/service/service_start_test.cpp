@@ -62,7 +62,7 @@ std::vector<std::string> StepsOn(DWORD major, DWORD minor, BYTE product = VER_NT
     return steps;
 }
 
-TEST(ServiceStart, MakesTheLockThenRunsTheTrackersThatSuitTheVersionOfWindows)
+TEST(ServiceStart, CreatesTheLockThenStartsTheTrackersOfTheWindowsVersion)
 {
     EXPECT_THAT(StepsOn(5, 1), ElementsAre("lock", "volume", "WIA", "STI", "plugins"));
     EXPECT_THAT(StepsOn(5, 0), ElementsAre("lock", "volume", "STI", "plugins"));
@@ -78,7 +78,7 @@ TEST(ServiceStart, RunsThePluginHostAloneOnAnyOtherWindows)
     EXPECT_THAT(StepsOn(5, 1, VER_NT_WORKSTATION, FALSE), ElementsAre("lock", "plugins"));
 }
 
-TEST(ServiceStart, GoesOnWhereAThreadCannotBeHad)
+TEST(ServiceStart, ContinuesIfAThreadCannotBeCreated)
 {
     EXPECT_THAT(StepsOn(5, 1, VER_NT_WORKSTATION, TRUE, nullptr),
                 ElementsAre("lock", "volume", "WIA", "STI", "plugins"));

@@ -78,19 +78,19 @@ TEST(WindowsVersion, APlatformOtherThanNtIsOther)
     EXPECT_EQ(ClassOf({3, 6, 0, VER_NT_WORKSTATION}), WindowsVersionClass::Other);
 }
 
-TEST(WindowsVersion, IsAskedInTheExtendedFormFirstThenInThePlainOne)
+TEST(WindowsVersion, IsQueriedInTheExtendedFormFirstThenInThePlainOne)
 {
     std::vector<DWORD> sizes;
     EXPECT_EQ(ClassOf(Nt(5, 1), 1, &sizes), WindowsVersionClass::Xp);
     EXPECT_EQ(sizes, (std::vector<DWORD>{284, 276}));
 }
 
-TEST(WindowsVersion, ThePlainFormTellsNoProductSoVistaIsOtherThen)
+TEST(WindowsVersion, ThePlainFormReportsNoProductSoVistaIsThenOther)
 {
     EXPECT_EQ(ClassOf(Nt(6, 0), 1), WindowsVersionClass::Other);
 }
 
-TEST(WindowsVersion, ThatCannotBeHadIsOther)
+TEST(WindowsVersion, ThatCannotBeReadIsOther)
 {
     std::vector<DWORD> sizes;
     EXPECT_EQ(ClassOf(Nt(5, 1), 2, &sizes), WindowsVersionClass::Other);

@@ -46,7 +46,7 @@ public:
 private:
     static void CALLBACK Bark(void* self, BOOLEAN)
     {
-        std::printf("%s hangs: ended by the watchdog\n", static_cast<Watchdog*>(self)->name);
+        std::printf("%s hangs: terminated by the watchdog\n", static_cast<Watchdog*>(self)->name);
         std::fflush(stdout);
         ::TerminateProcess(::GetCurrentProcess(), 99);
     }
@@ -56,7 +56,7 @@ private:
 
 void EndedByTheProduct(UINT exitCode)
 {
-    std::printf("the code under test ended the process with exit code %u\n", exitCode);
+    std::printf("the code under test exited with code %u\n", exitCode);
     std::fflush(stdout);
     ::TerminateProcess(::GetCurrentProcess(), 98);
 }

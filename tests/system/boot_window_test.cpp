@@ -54,7 +54,7 @@ TEST_F(BootProgramsWindow, OutlivesMessagesThatArePosted)
     Quit(boot);
 }
 
-TEST_F(BootProgramsWindow, EndsTheProgramWithTheSessionAndNotWhereTheSessionGoesOn)
+TEST_F(BootProgramsWindow, EndsTheProgramWithTheSessionAndNotIfTheSessionContinues)
 {
     ::SendMessageW(window, WM_ENDSESSION, FALSE, 0);
     EXPECT_TRUE(GoesOnServing());

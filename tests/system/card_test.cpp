@@ -85,7 +85,7 @@ TEST_F(Card, WithoutPicturesStartsNothing)
     Quit(*boot);
 }
 
-TEST_F(Card, IsFoundByPollingWhereNothingIsTold)
+TEST_F(Card, IsFoundByPollingWithoutANotification)
 {
     Start();
     Insert(); // an empty card makes the tracker poll
@@ -105,7 +105,7 @@ TEST_F(Card, IsFoundByPollingWhereNothingIsTold)
     Quit(*boot);
 }
 
-TEST_F(Card, ThatIsThereAtTheStartIsNotReportedAndTheWindowAnswersWhilePolling)
+TEST_F(Card, ThatIsPresentAtTheStartIsNotReportedAndTheWindowAnswersWhilePolling)
 {
     card.AddFile(L"IMG_0001.JPG", "picture");
     ASSERT_TRUE(simulators::InsertCard(L'E', UnixPath(card.Path())));
@@ -119,7 +119,7 @@ TEST_F(Card, ThatIsThereAtTheStartIsNotReportedAndTheWindowAnswersWhilePolling)
     Quit(*boot);
 }
 
-TEST_F(Card, TooDeepAPictureIsOutOfReach)
+TEST_F(Card, WithTooDeepAPictureStartsNothing)
 {
     PutDword(HKEY_CURRENT_USER, app.KeyPath(), L"SniffDepth", 2);
     card.AddFile(L"DCIM/100TEST/IMG_0001.JPG", "picture");
@@ -130,7 +130,7 @@ TEST_F(Card, TooDeepAPictureIsOutOfReach)
     Quit(*boot);
 }
 
-TEST_F(Card, WithAnOpenApplicationListIsOfferedInSelectMode)
+TEST_F(Card, WithSeveralApplicationsIsOfferedInSelectMode)
 {
     Installation other(L"Second");
     card.AddFile(L"IMG_0001.JPG", "picture");
@@ -170,7 +170,7 @@ class OnWindows : public Card, public testing::WithParamInterface<VersionCase>
 {
 };
 
-TEST_P(OnWindows, VolumesAreWatchedOrNot)
+TEST_P(OnWindows, VolumesAreWatchedOrIgnored)
 {
     const std::wstring program = std::wstring(L"boot_") + GetParam().version + L".exe";
     Installation own(L"Own", L"kestraboot.exe", program);

@@ -61,7 +61,7 @@ LimitedProcess::LimitedProcess(const std::filesystem::path& program)
         ::CloseHandle(handle);
     }
     if (!started) {
-        throw std::runtime_error("cannot start " + program.string() + " with less rights: error " +
+        throw std::runtime_error("cannot start " + program.string() + " with fewer privileges: error " +
                                  std::to_string(error));
     }
     ::CloseHandle(information.hThread);

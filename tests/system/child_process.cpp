@@ -86,7 +86,7 @@ DWORD ChildProcess::ExitCode(DWORD milliseconds)
 {
     DWORD code = 0xDEAD;
     if (::WaitForSingleObject(information.hProcess, milliseconds) != WAIT_OBJECT_0) {
-        ADD_FAILURE() << "the process does not end";
+        ADD_FAILURE() << "the process does not exit";
         return code;
     }
     ::GetExitCodeProcess(information.hProcess, &code);

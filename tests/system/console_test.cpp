@@ -40,7 +40,7 @@ protected:
     Installation app{L"App"};
 };
 
-TEST_F(AtAPrompt, AShortRunSaysOnTheWindowWhatItHasToSay)
+TEST_F(AtAPrompt, AShortRunWritesToTheWindow)
 {
     EXPECT_EQ(Says(L"--help", kDone), "\n" + kUsageText);
     EXPECT_EQ(Says(L"--version", kDone), "\n" + VersionText());
@@ -54,14 +54,14 @@ TEST_F(AtAPrompt, AShortRunSaysOnTheWindowWhatItHasToSay)
               std::string(kDefaultSyntax).erase(kDefaultSyntax.size() - 2, 1) + "\n");
 }
 
-TEST_F(AtAPrompt, AShortRunThatIsGivenTheWindowsHandleSaysItThereToo)
+TEST_F(AtAPrompt, AShortRunThatIsGivenTheWindowsHandleWritesToItToo)
 {
     EXPECT_EQ(Says(L"--version", kDone, WritesOn::ConsoleHandle), "\n" + VersionText());
     EXPECT_EQ(Says(L"-default App maybe", kUsage, WritesOn::ConsoleHandle),
               "\n !!! Invalid second argument value.");
 }
 
-TEST_F(AtAPrompt, AShortRunWithoutAConsoleJoinsThatOfItsParent)
+TEST_F(AtAPrompt, AShortRunWithoutAConsoleAttachesToThatOfItsParent)
 {
     const ConsoleWindow console;
     const Faults held(app, L"kestraboot.exe!fputws=hold");
@@ -70,7 +70,7 @@ TEST_F(AtAPrompt, AShortRunWithoutAConsoleJoinsThatOfItsParent)
     EXPECT_TRUE(ConsoleWindow::Has(boot.Id()));
 }
 
-TEST_F(AtAPrompt, AShortRunOpensTheWindowOnlyWhereItJoinedOne)
+TEST_F(AtAPrompt, AShortRunOpensTheWindowOnlyIfItAttachedToOne)
 {
     const ConsoleWindow console;
     const auto calls = [&](const wchar_t* faults, WritesOn output) {
@@ -89,13 +89,13 @@ TEST_F(AtAPrompt, AShortRunOpensTheWindowOnlyWhereItJoinedOne)
     EXPECT_EQ(console.Text(), "C:\\>\n" + VersionText());
 }
 
-TEST_F(AtAPrompt, ARunThatSucceedsSaysNothing)
+TEST_F(AtAPrompt, ARunThatSucceedsPrintsNothing)
 {
     EXPECT_EQ(Says(L"-default App yes", kDone), "");
     EXPECT_EQ(Says(L"-uninstall", kDone), "");
 }
 
-TEST_F(AtAPrompt, OutputThatIsRedirectedStaysSo)
+TEST_F(AtAPrompt, OutputThatIsRedirectedStaysRedirected)
 {
     const ConsoleWindow console;
     for (const wchar_t* const arguments : {L"--help", L"/install"}) {
@@ -111,7 +111,7 @@ TEST_F(AtAPrompt, OutputThatIsRedirectedStaysSo)
     EXPECT_EQ(console.Text(), "C:\\>");
 }
 
-TEST_F(AtAPrompt, AStartThatFailsSaysSoOnTheWindow)
+TEST_F(AtAPrompt, AStartThatFailsIsReportedOnTheWindow)
 {
     const Faults faults(app, L"kestraboot.exe!CreateWindowExW=fail");
     EXPECT_EQ(Says(L"", kCannotServe), "\n" + kNoWindow + "\n");
@@ -121,7 +121,7 @@ class Serving : public AtAPrompt, public testing::WithParamInterface<WritesOn>
 {
 };
 
-TEST_P(Serving, HasNothingOfTheWindowAndOutlivesIt)
+TEST_P(Serving, HoldsNothingOfTheWindowAndOutlivesIt)
 {
     auto console = std::make_unique<ConsoleWindow>();
     const HWND window = ::GetConsoleWindow();
@@ -135,12 +135,12 @@ TEST_P(Serving, HasNothingOfTheWindowAndOutlivesIt)
     console.reset(); // the shell exits
     EXPECT_TRUE(Within(30'000, [window] {
         return !::IsWindow(window);
-    })) << "the boot program keeps it open";
+    })) << "the boot program keeps the window open";
     EXPECT_TRUE(boot.Running());
     Quit(boot);
 }
 
-TEST_P(Serving, HandsNothingOfTheWindowOn)
+TEST_P(Serving, PassesOnNothingOfTheWindow)
 {
     app.Put(L"inherited.exe", app.Application().filename());
     app.Put(L"nokiamanager.mox", L"moxplugins/nokiamanager.mox");
@@ -170,7 +170,7 @@ INSTANTIATE_TEST_SUITE_P(StartedWith, Serving,
                                          WritesOn::Nul),
                          NameOf);
 
-TEST_F(AtAPrompt, AHandOverLeavesNothingOfTheWindowToTheNextBootProgram)
+TEST_F(AtAPrompt, AHandOverPassesNothingOfTheWindowToTheNextBootProgram)
 {
     Installation other(L"Other", L"inherited.exe");
     ChildProcess serving(app.Proxy(), L"", WritesOn::Nothing);

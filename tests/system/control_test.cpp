@@ -16,7 +16,7 @@ protected:
     Installation app{L"App"};
 };
 
-TEST_F(Control, IsTakenServedAndLeftWhenASentMessageAsks)
+TEST_F(Control, IsTakenServedAndReleasedWhenASentMessageAsks)
 {
     ChildProcess boot(app.Proxy());
     Quit(boot);
@@ -26,7 +26,7 @@ TEST_F(Control, IsTakenServedAndLeftWhenASentMessageAsks)
                 ElementsAre(kTookControl, kFolderSet, kOemNotFound));
 }
 
-TEST_F(Control, IsLeftWhenAPostedMessageAsks)
+TEST_F(Control, IsReleasedWhenAPostedMessageAsks)
 {
     ChildProcess boot(app.Proxy(), L"-install");
     const HWND window = AwaitWindow(boot.Id(), kBootTitle);
@@ -81,7 +81,7 @@ TEST_F(Control, IsTakenByExactlyOneOfTwoThatStartAtTheSameMoment)
     }
 }
 
-TEST_F(Control, UnknownArgumentsEndItAtOnceWithItsUsage)
+TEST_F(Control, UnknownArgumentsPrintTheUsageAndExit)
 {
     for (const wchar_t* const arguments :
          {L"/install", L"install", L"-x", L"\"\"", L"--install", L"-help", L"--versions"}) {
@@ -92,7 +92,7 @@ TEST_F(Control, UnknownArgumentsEndItAtOnceWithItsUsage)
     }
 }
 
-TEST_F(Control, ADefaultWithTooFewOrTooManyWordsIsToldTheSyntaxOnce)
+TEST_F(Control, ADefaultWithTooFewOrTooManyWordsPrintsTheSyntaxOnce)
 {
     for (const wchar_t* const arguments : {L"-default", L"-Default App", L"-default App yes extra"}) {
         ChildProcess boot(app.Proxy(), arguments);
@@ -102,7 +102,7 @@ TEST_F(Control, ADefaultWithTooFewOrTooManyWordsIsToldTheSyntaxOnce)
     }
 }
 
-TEST_F(Control, IsNotTakenByAQuestion)
+TEST_F(Control, IsNotTakenByHelpOrVersion)
 {
     for (const wchar_t* const arguments : {L"--help", L"-h", L"/?", L"-H", L"--HELP and more"}) {
         ChildProcess boot(app.Proxy(), arguments);
@@ -188,10 +188,10 @@ TEST_F(Control, TheNextInstanceCanTakeItAfterTheOemFileStoppedOne)
     Installation other(L"Other");
     ChildProcess next(other.Proxy());
     Quit(next);
-    EXPECT_TRUE(AwaitOrders(organiser, {"-d"})) << "only the next one takes the organiser's devices";
+    EXPECT_TRUE(AwaitOrders(organiser, {"-d"})) << "only the next instance stops the organiser";
 }
 
-TEST_F(Control, TheExecutablesFolderBecomesTheCurrentOne)
+TEST_F(Control, TheFolderOfTheExecutableBecomesTheCurrentOne)
 {
     // The OEM file is looked up there, from whatever folder the program was started.
     app.AddOemFile(Section("1"));

@@ -18,7 +18,7 @@ void AwaitChannel(tools::DebugChannel& channel)
     const ULONGLONG end = ::GetTickCount64() + 30'000;
     for (Opening opening = channel.Open(); opening != Opening::Done; opening = channel.Open()) {
         if (opening == Opening::Failed || ::GetTickCount64() > end) {
-            throw std::runtime_error("the debug output section cannot be made");
+            throw std::runtime_error("the section of the debug output cannot be created");
         }
     }
 }
@@ -28,7 +28,7 @@ void AwaitChannel(tools::DebugChannel& channel)
 DebugReader::DebugReader() : stop(::CreateEventW(nullptr, TRUE, FALSE, nullptr))
 {
     if (stop == nullptr) {
-        throw std::runtime_error("the reader cannot be made ready to stop");
+        throw std::runtime_error("the event that stops the reader cannot be created");
     }
     AwaitChannel(channel);
     reader = std::thread([this] {

@@ -77,7 +77,7 @@ TEST_F(DefaultSwitch, AnotherValueIsAUsageErrorAndWritesNothing)
     EXPECT_EQ(Run(L"\"Maker Two\" \"\""), kUsage);
 }
 
-TEST_F(DefaultSwitch, AnUnknownNameIsToldBeforeTheValue)
+TEST_F(DefaultSwitch, AnUnknownNameIsReportedBeforeTheValue)
 {
     const std::string told = "\n !!! Invalid first argument value."
                              "\n !!! This application is not registered as Kestra compatible.";

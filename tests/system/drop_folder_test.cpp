@@ -99,7 +99,7 @@ TEST_F(DropFolderSystem, AThousandPicturesAreOneReport)
     Quit(*boot);
 }
 
-TEST_F(DropFolderSystem, NoPictureIsLostWhereTheChangesOverflow)
+TEST_F(DropFolderSystem, NoPictureIsLostIfTheBufferOfChangesOverflows)
 {
     StartWatching();
     {
@@ -126,7 +126,7 @@ TEST_F(DropFolderSystem, APictureIsReportedOnceItIsClosed)
     Quit(*boot);
 }
 
-TEST_F(DropFolderSystem, AFolderThatGoesAndComesIsWatchedAgain)
+TEST_F(DropFolderSystem, AFolderThatIsRemovedAndCreatedAgainIsWatchedAgain)
 {
     StartWatching();
     const fs::path away = drop.path + L".away";

@@ -96,7 +96,8 @@ TEST_F(ExitCodes, AreThoseOfThePage)
     }
     std::ifstream file(SourceFile("docs/exit-codes.md"), std::ios::binary);
     const std::string page(std::istreambuf_iterator<char>(file), {});
-    EXPECT_NE(page.find(table), std::string::npos) << "The page should hold this table:\n\n" << table;
+    EXPECT_NE(page.find(table), std::string::npos) << "docs/exit-codes.md must contain this table:\n\n"
+                                                   << table;
 }
 
 } // namespace

@@ -24,7 +24,7 @@ protected:
     TempFolder elsewhere;
 };
 
-TEST_F(Folders, PluginsAreTakenFromTheProgramsOwn)
+TEST_F(Folders, PluginsAreLoadedFromTheProgramsOwn)
 {
     Lay(elsewhere.Path() / L"moxplugins" / L"nokiamanager.mox");
     ChildProcess boot(app.Proxy(), L"", WritesOn::Nothing, elsewhere.Path());
@@ -34,7 +34,7 @@ TEST_F(Folders, PluginsAreTakenFromTheProgramsOwn)
     EXPECT_EQ(trace.Count(kHangingIsLoaded), 0);
 }
 
-TEST_F(Folders, NothingIsTakenFromAnotherWhereTheProgramsOwnCannotBeTheCurrentOne)
+TEST_F(Folders, NothingIsLoadedFromAnotherIfTheProgramsOwnCannotBeTheCurrentOne)
 {
     Lay(elsewhere.Path() / L"moxplugins" / L"nokiamanager.mox");
     elsewhere.AddFile(L"OEM/album.ini", "[KestraProxyStopInstall]\r\n1\r\n");
@@ -53,7 +53,7 @@ TEST_F(Folders, NothingIsTakenFromAnotherWhereTheProgramsOwnCannotBeTheCurrentOn
     EXPECT_EQ(trace.Count(kHangingIsLoaded), 0);
 }
 
-TEST_F(Folders, PluginsAreLookedForInTheProgramsOwnWhereTheLibraryTookAnotherForIt)
+TEST_F(Folders, PluginsAreSearchedForInTheProgramsOwnIfTheLibraryTakesAnotherForIt)
 {
     // It stores 259 characters of a path; a longer path, truncated, names a folder above. Wine starts no
     // such program.
@@ -68,7 +68,7 @@ TEST_F(Folders, PluginsAreLookedForInTheProgramsOwnWhereTheLibraryTookAnotherFor
     Quit(boot);
 }
 
-TEST_F(Folders, ALibraryIsNotLookedForInTheCurrentOne)
+TEST_F(Folders, ALibraryIsNotSearchedForInTheCurrentOne)
 {
     // A library that is nowhere else; Wine has a built-in one, which must not be loaded.
     std::filesystem::remove(L"C:\\windows\\system32\\sti.dll");

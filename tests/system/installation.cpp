@@ -95,7 +95,8 @@ void ClearCorvaneRegistry()
 {
     const HMODULE ntdll = ::GetModuleHandleW(L"ntdll.dll");
     if (::GetProcAddress(ntdll, "wine_get_version") == nullptr) {
-        throw std::runtime_error("this is no Wine prefix: somebody's applications are not removed");
+        throw std::runtime_error(
+            "this is no Wine prefix: the applications of a real Windows are not removed");
     }
     ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane");
     ::RegDeleteTreeW(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane");

@@ -76,7 +76,7 @@ TEST_F(HealthyMachine, IsAllFine)
                 ElementsAre(HasSubstr("version 1.0.0.0"), HasSubstr("beside it, version 1.0.0.0")));
 }
 
-TEST_F(HealthyMachine, TellsThatTheBootProgramWasStartedElevated)
+TEST_F(HealthyMachine, ReportsThatTheBootProgramWasStartedElevated)
 {
     ChildProcess boot(viewer.Proxy());
     AwaitControl(boot.Id());
@@ -85,7 +85,7 @@ TEST_F(HealthyMachine, TellsThatTheBootProgramWasStartedElevated)
                                   HasSubstr("was started elevated"))));
 }
 
-TEST_F(HealthyMachine, TellsWhoHasControlWithoutAWindow)
+TEST_F(HealthyMachine, NamesTheProcessInControlWithoutAWindow)
 {
     const HANDLE claim = ::CreateMutexW(nullptr, FALSE, kBootTitle.c_str());
     ASSERT_NE(claim, nullptr);
@@ -101,7 +101,7 @@ TEST_F(HealthyMachine, TellsWhoHasControlWithoutAWindow)
                 ElementsAre("broken : no boot program has control: nothing notices a device"));
 }
 
-TEST_F(HealthyMachine, TellsThatTheDebugOutputIsRead)
+TEST_F(HealthyMachine, ReportsThatTheDebugOutputIsRead)
 {
     const auto rows = [&] {
         return RowsOf(CheckJson(kBroken), "debug-output"); // no instance is in control
@@ -111,7 +111,7 @@ TEST_F(HealthyMachine, TellsThatTheDebugOutputIsRead)
     EXPECT_THAT(rows(), ElementsAre(StartsWith("suspicious : a program reads the debug output")));
 }
 
-TEST_F(HealthyMachine, TellsThatAProgramOfTheListIsSwitchedOff)
+TEST_F(HealthyMachine, ReportsThatAListedProgramIsDisabled)
 {
     const wchar_t* const key =
         L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\StartupApproved\\Run";
@@ -122,7 +122,7 @@ TEST_F(HealthyMachine, TellsThatAProgramOfTheListIsSwitchedOff)
     EXPECT_THAT(RowsOf(CheckJson(kBroken), "auto-run"), ElementsAre(StartsWith("fine ")));
 }
 
-TEST_F(HealthyMachine, IsToldWhatItsLibrariesLack)
+TEST_F(HealthyMachine, ShowsTheMissingImportsOfItsLibraries)
 {
     // A library without a version resource, and one that Windows would load instead of its own.
     viewer.folder.AddFile(L"kestraboot.dll", PeFile().Bytes());
@@ -162,7 +162,7 @@ protected:
     LegacyOrganiser organiser;
 };
 
-TEST_F(MachineWithFaults, IsToldEachOfThem)
+TEST_F(MachineWithFaults, ShowsEachOfThem)
 {
     const std::string text = CheckWithoutChange(kBroken);
     std::cout << text;
@@ -199,7 +199,7 @@ TEST_F(MachineWithFaults, IsToldEachOfThem)
     EXPECT_THAT(organiser.Orders(), testing::IsEmpty());
 }
 
-TEST_F(HealthyMachine, IsToldOfEveryKindOfBadPlugin)
+TEST_F(HealthyMachine, ShowsEveryKindOfBadPlugin)
 {
     const auto put = [&](const char* name, const std::string& bytes) {
         viewer.folder.AddFile(std::filesystem::path("moxplugins") / name, bytes);
@@ -238,7 +238,7 @@ TEST_F(HealthyMachine, IsToldOfEveryKindOfBadPlugin)
                     StartsWith("suspicious z.mox: is byte for byte sample_plugin.mox")));
 }
 
-TEST_F(HealthyMachine, IsToldOfTwoHundredPlugins)
+TEST_F(HealthyMachine, ShowsTwoHundredPlugins)
 {
     for (int i = 0; i < 200; ++i) {
         PeFile file;
@@ -283,7 +283,7 @@ TEST_F(CheckedMachine, SaysWhoseSettingsItShows)
 }
 
 /// What a process of this kind sees of another account, which this prefix does not have.
-TEST(LookedAtAccount, KnowsWhoIsLoggedOnFromTheSession)
+TEST(InspectedAccount, KnowsWhoIsLoggedOnFromTheSession)
 {
     const FAKE_IMPORT(WTSQuerySessionInformationW)
         session([](HANDLE, DWORD, WTS_INFO_CLASS what, wchar_t** text, DWORD* size) {
@@ -306,7 +306,7 @@ TEST(LookedAtAccount, KnowsWhoIsLoggedOnFromTheSession)
     EXPECT_NE(account.session, 0U);
 }
 
-TEST(LookedAtAccount, DoesWithoutWhatWindowsDoesNotTell)
+TEST(InspectedAccount, OmitsDataThatWindowsDoesNotReturn)
 {
     const FAKE_IMPORT(WTSQuerySessionInformationW)
         session([](HANDLE, DWORD, WTS_INFO_CLASS, wchar_t**, DWORD*) {
@@ -321,7 +321,7 @@ TEST(LookedAtAccount, DoesWithoutWhatWindowsDoesNotTell)
     EXPECT_FALSE(tools::IsElevated(::GetCurrentProcess()));
 }
 
-TEST_F(HealthyMachine, IsInControlOfAProcessThatMayNotBeLookedAt)
+TEST_F(HealthyMachine, IsInControlOfAProcessThatCannotBeInspected)
 {
     const LimitedProcess boot(viewer.Proxy());
     AwaitControl(boot.Id());

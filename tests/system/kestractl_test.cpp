@@ -33,7 +33,7 @@ std::string Escaped(std::string text)
     return text;
 }
 
-/// The JSON without the build, which SaysWhichBuildItIs checks.
+/// The JSON without the build, which PrintsItsVersionAndBuild checks.
 std::string WithoutBuild(const std::string& json)
 {
     return std::regex_replace(json, std::regex(R"("build":\{[^}]*\},)"), "");
@@ -79,7 +79,7 @@ protected:
     Installation second{L"Second"};
 };
 
-TEST_F(ThreeApplications, AreShownTheBrokenOneWithTheReason)
+TEST_F(ThreeApplications, AreListedWithoutTheBrokenOneWhoseReasonIsShown)
 {
     const std::string shown = Run();
     EXPECT_THAT(shown, AllOf(StartsWith("Applications, in the library's order\n  1. First\n"),
@@ -93,7 +93,7 @@ TEST_F(ThreeApplications, AreShownTheBrokenOneWithTheReason)
     EXPECT_THAT(shown, HasSubstr("\nOrganiser   (not installed)\n"));
 }
 
-TEST_F(ThreeApplications, AreToldToMachines)
+TEST_F(ThreeApplications, AreWrittenAsJson)
 {
     PutDword(HKEY_CURRENT_USER, second.KeyPath() + L"\\Preferences", L"DefaultFlag", 1);
     PutDword(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane\\Second", L"kestralaunchstatus", 0);
@@ -128,7 +128,7 @@ TEST_F(ThreeApplications, AreToldToMachines)
                   "\\\"\",\"exists\":true,\"application\":\"Second\"},\"organiser\":null}\n");
 }
 
-TEST_F(ThreeApplications, AreToldTheirOwnLocaleAndNoOthers)
+TEST_F(ThreeApplications, ShowTheirOwnLocaleAlone)
 {
     const Installation last(L"Viewer");
     PutText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\First", L"locale", L"fr_fr");
@@ -143,7 +143,7 @@ TEST_F(ThreeApplications, AreToldTheirOwnLocaleAndNoOthers)
     EXPECT_EQ(localeAfter("  3. Viewer\n"), "en_us (none is set)");
 }
 
-TEST_F(ThreeApplications, ThatShareAProxyAreToldTheSame)
+TEST_F(ThreeApplications, ThatShareAProxyShowTheSame)
 {
     PutText(HKEY_LOCAL_MACHINE, second.KeyPath(), L"ProxyPath", first.Proxy().wstring());
     PutText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\First", L"locale", L"fr_fr");
@@ -155,7 +155,7 @@ TEST_F(ThreeApplications, ThatShareAProxyAreToldTheSame)
     EXPECT_THAT(json, AllOf(HasSubstr("\"mayLaunch\":false"), Not(HasSubstr("\"mayLaunch\":true"))));
 }
 
-TEST_F(Kestractl, ChangesNothingWhereTheLibraryWould)
+TEST_F(Kestractl, ChangesNothingEvenIfTheLibraryWould)
 {
     // For a user without preferences the library creates them. There is no entry, so it would set one.
     // The machine's flag counts only once.
@@ -199,7 +199,7 @@ TEST_F(MachineDefault, CountsForACameraButNotForACardOfANewUser)
                           "\"cardStarts\":{\"application\":\"Bilder\",\"mode\":\"select\"},"));
 }
 
-TEST_F(MachineDefault, CountsForACardTooWhereTheUserHasNoPlaceForAFlag)
+TEST_F(MachineDefault, CountsForACardTooIfTheUserCanHaveNoFlag)
 {
     RemoveKey(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane");
     EXPECT_THAT(Run(), HasSubstr("\nAn arrival  starts Photos in mode direct\nAuto-run "));
@@ -207,7 +207,7 @@ TEST_F(MachineDefault, CountsForACardTooWhereTheUserHasNoPlaceForAFlag)
                 HasSubstr("\"cardStarts\":{\"application\":\"Photos\",\"mode\":\"direct\"},"));
 }
 
-TEST_F(MachineDefault, IsToldAsTheLibraryThenTreatsIt)
+TEST_F(MachineDefault, IsReportedAsTheLibraryThenTreatsIt)
 {
     EXPECT_THAT(Run(), HasSubstr("\nA card      starts Bilder in mode select\n"));
     const TempFolder card;
@@ -222,7 +222,7 @@ TEST_F(MachineDefault, IsToldAsTheLibraryThenTreatsIt)
                             "\" module=kestrafetch params mode=select devType=volume priDevId=\"E:\""));
 }
 
-TEST_F(Kestractl, ChangesAndStartsNothingWhereNoApplicationIsLeft)
+TEST_F(Kestractl, ChangesAndStartsNothingIfNoApplicationIsLeft)
 {
     // The library would return the devices to the organiser, remove the entry and end the process.
     const LegacyOrganiser organiser;
@@ -298,7 +298,7 @@ TEST_F(Kestractl, KeepsNamesOfOtherLanguages)
                                           "cher \xE2\x82\xAC \\\"1\\\"\""));
 }
 
-TEST_F(Kestractl, ShowsTheSearchDepthThatTheLibraryTakes)
+TEST_F(Kestractl, ShowsTheSearchDepthThatTheLibraryUses)
 {
     const Installation application(L"App");
     const std::pair<std::uint32_t, const char*> depths[] = {
@@ -318,7 +318,7 @@ TEST_F(Kestractl, RefusesBadArguments)
     EXPECT_THAT(Run(L"--help"), StartsWith("usage: kestractl "));
 }
 
-TEST_F(Kestractl, SaysWhichBuildItIs)
+TEST_F(Kestractl, PrintsItsVersionAndBuild)
 {
     const std::string version = VersionText("kestractl");
     EXPECT_EQ(Run(L"--version"), version);
@@ -333,7 +333,7 @@ TEST_F(Kestractl, SaysWhichBuildItIs)
     }
 }
 
-TEST_F(Kestractl, HelpGoesToStandardOutputAndWhatIsWrongDoesNot)
+TEST_F(Kestractl, HelpGoesToStandardOutputAndErrorsDoNot)
 {
     const auto standardOutput = [](const wchar_t* arguments) {
         ChildProcess tool(BuiltPrograms() / "kestractl.exe", arguments, WritesOn::FileAlone);
@@ -344,7 +344,7 @@ TEST_F(Kestractl, HelpGoesToStandardOutputAndWhatIsWrongDoesNot)
     EXPECT_EQ(standardOutput(L"--jsn"), "");
 }
 
-TEST_F(Kestractl, ChangesNothingWhereItsOutputCannotBeWritten)
+TEST_F(Kestractl, ChangesNothingIfItsOutputCannotBeWritten)
 {
     const Installation application(L"App");
     const std::vector<std::string> before = RegistryDump();

@@ -23,7 +23,7 @@ TEST_F(PluginFiles, NeedTheirDllsBesideTheBootProgram)
     Quit(*boot);
 }
 
-TEST_F(PluginFiles, MayLieUnderThePhoneManagersNameAndTheirOwn)
+TEST_F(PluginFiles, MayHaveThePhoneManagersNameAndTheirOwn)
 {
     Install(L"kept_thread.mox", L"moxplugins/players.mox");
     Install(L"sample_plugin.mox", L"moxplugins/sample.mox");

@@ -47,19 +47,19 @@ protected:
     TempFolder card;
 };
 
-TEST_F(PluginAtTheEnd, BuiltFromTheSampleLetsTheBootProgramEndWell)
+TEST_F(PluginAtTheEnd, BuiltFromTheSampleLetsTheBootProgramExitWithSuccess)
 {
     StartWith(L"sample_plugin.mox", "Sample devices");
     EXPECT_EQ(LogOff(), kDone);
 }
 
-TEST_F(PluginAtTheEnd, BuiltFromTheSampleLetsAProcessExitWell)
+TEST_F(PluginAtTheEnd, BuiltFromTheSampleLetsAProcessExitWithSuccess)
 {
     StartWith(L"sample_plugin.mox", "Sample devices");
     EXPECT_EQ(LeaveNoApplication(), kDone);
 }
 
-TEST_F(PluginAtTheEnd, WatchingAFolderLetsTheBootProgramEndWell)
+TEST_F(PluginAtTheEnd, WatchingAFolderLetsTheBootProgramExitWithSuccess)
 {
     const DropFolder drop;
     StartWith(L"drop_folder.mox", "Drop folder");
@@ -67,7 +67,7 @@ TEST_F(PluginAtTheEnd, WatchingAFolderLetsTheBootProgramEndWell)
     EXPECT_EQ(LogOff(), kDone);
 }
 
-TEST_F(PluginAtTheEnd, WatchingAFolderLetsAProcessExitWell)
+TEST_F(PluginAtTheEnd, WatchingAFolderLetsAProcessExitWithSuccess)
 {
     const DropFolder drop;
     StartWith(L"drop_folder.mox", "Drop folder");
@@ -75,7 +75,7 @@ TEST_F(PluginAtTheEnd, WatchingAFolderLetsAProcessExitWell)
     EXPECT_EQ(LeaveNoApplication(), kDone);
 }
 
-TEST_F(PluginAtTheEnd, IsAskedForNothing)
+TEST_F(PluginAtTheEnd, IsNotCalled)
 {
     StartWith(L"kept_thread.mox", "Players");
     const int shutDowns = trace.Count("player: ShutDown");
@@ -91,14 +91,14 @@ TEST_F(PluginAtTheEnd, IsNotDestroyedAtLogOff)
     EXPECT_EQ(LogOff(), kDone);
 }
 
-TEST_F(PluginAtTheEnd, WithAThreadInAStaticObjectEndsBadlyAProcessThatExits)
+TEST_F(PluginAtTheEnd, WithAThreadInAStaticObjectMakesAProcessThatExitsFail)
 {
     constexpr DWORD kTerminated = 3; // the exit code of abort
     StartWith(L"static_thread.mox", "Players");
     EXPECT_EQ(LeaveNoApplication(), kTerminated);
 }
 
-TEST_F(PluginAtTheEnd, WithAThreadThatIsNeverDestroyedLetsAProcessExitWell)
+TEST_F(PluginAtTheEnd, WithAThreadThatIsNeverDestroyedLetsAProcessExitWithSuccess)
 {
     StartWith(L"kept_thread.mox", "Players");
     EXPECT_EQ(LeaveNoApplication(), kDone);

@@ -58,7 +58,7 @@ TEST_F(CopyOfTheRegistry, HoldsWhatTheLibraryReads)
     EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows NT"));
 }
 
-TEST_F(CopyOfTheRegistry, TakesTheWritesAndIsGoneAtTheEnd)
+TEST_F(CopyOfTheRegistry, ReceivesTheWritesAndIsDeletedAtTheEnd)
 {
     {
         const RegistryCopy copy;
@@ -72,7 +72,7 @@ TEST_F(CopyOfTheRegistry, TakesTheWritesAndIsGoneAtTheEnd)
     EXPECT_EQ(StoredText(HKEY_LOCAL_MACHINE, kApplication, L"Name"), L"Viewer");
 }
 
-TEST_F(CopyOfTheRegistry, TakesNewKeysAsTheLibraryMakesThem)
+TEST_F(CopyOfTheRegistry, ReceivesNewKeysAsTheLibraryCreatesThem)
 {
     const RegistryCopy copy;
     HKEY made = nullptr;
@@ -109,7 +109,7 @@ TEST_F(CopyOfTheRegistry, LeavesNothingWhicheverStepFails)
                                               : replace.CallOriginal(root, with);
         });
         if (CanBeMade()) {
-            EXPECT_GT(failing, 10) << "no step was made to fail";
+            EXPECT_GT(failing, 10) << "no step failed";
             break;
         }
         EXPECT_EQ(RegistryDump(), before) << failing;
@@ -117,7 +117,7 @@ TEST_F(CopyOfTheRegistry, LeavesNothingWhicheverStepFails)
     EXPECT_EQ(RegistryDump(), before);
 }
 
-TEST_F(CopyOfTheRegistry, SaysInWordsWhyItCannotBeMade)
+TEST_F(CopyOfTheRegistry, StatesWhyItCannotBeCreated)
 {
     const FAKE_IMPORT(RegCreateKeyExW) create(
         [](HKEY, const wchar_t*, DWORD, wchar_t*, DWORD, REGSAM, SECURITY_ATTRIBUTES*, HKEY*, DWORD*) {
@@ -146,12 +146,12 @@ TEST_F(CopyOfTheRegistry, ShowsOneApplicationAlone)
         EXPECT_TRUE(KeyExists(HKEY_LOCAL_MACHINE, kApplication));
         EXPECT_EQ(StoredText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\Viewer", L"locale"), L"de_de");
         EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Corvane\\Other"));
-        EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, kApplication)) << "the user's part is whole";
+        EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, kApplication)) << "the keys of the user are complete";
     }
     EXPECT_EQ(RegistryDump(), stored);
 }
 
-TEST_F(CopyOfTheRegistry, RemovesWhatAnEndedProcessLeftAndNothingElse)
+TEST_F(CopyOfTheRegistry, RemovesTheLeftoversOfATerminatedProcessAlone)
 {
     const std::wstring left = L"Software\\kestractl copy 4294967292"; // no process has that number
     const std::wstring own = L"Software\\kestractl copy " + std::to_wstring(::GetCurrentProcessId());

@@ -109,7 +109,7 @@ TEST_P(AfterTheEnd, ASearchThatHangsIsNotWaitedFor)
     EXPECT_EQ(boot->ExitCode(), kDone);
 }
 
-TEST_P(AfterTheEnd, ALibraryThatHangsInItsLoadingIsNotWaitedFor)
+TEST_P(AfterTheEnd, ALibraryThatHangsWhileItIsLoadedIsNotWaitedFor)
 {
     app.Put(L"hanging.mox", L"moxplugins/nokiamanager.mox");
     Start();
@@ -123,7 +123,7 @@ INSTANTIATE_TEST_SUITE_P(Of, AfterTheEnd, testing::ValuesIn(kEnds),
                              return end.param.name;
                          });
 
-TEST_F(Ending, TheQuestionIsAnsweredAtOnceAndEndsNothing)
+TEST_F(Ending, TheQueryIsAnsweredAtOnceAndEndsNothing)
 {
     app.Put(L"nokiamanager.mox", L"moxplugins/nokiamanager.mox");
     Start();
@@ -144,7 +144,7 @@ TEST_F(Ending, ALogOffEndsIt)
     EXPECT_EQ(logOff.ExitCode(), 0U);
 }
 
-TEST_F(Ending, ALogOffBeforeAnyDeviceFindsTheEntryOfAHandOverRight)
+TEST_F(Ending, ALogOffBeforeAnyDeviceFindsTheEntryOfAHandOverCorrect)
 {
     Installation other(L"Other");
     Start();

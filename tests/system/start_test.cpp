@@ -64,7 +64,7 @@ protected:
     Installation app{L"Maker"};
 };
 
-TEST_F(Start, TakesControlThenPutsTheEntryRightThenMakesItsWindowThenListens)
+TEST_F(Start, TakesControlThenCorrectsTheEntryThenCreatesItsWindowThenStartsTheTrackers)
 {
     const std::vector<std::string> watched = {kLoad,
                                               kTake,
@@ -117,7 +117,7 @@ TEST_F(Start, ThatIsRefusedWritesNothing)
     Quit(boot);
 }
 
-TEST_F(Start, ThatTheOemFileStopsWritesNothingButWhatLoadingDoes)
+TEST_F(Start, ThatTheOemFileStopsWritesNothingExceptForTheKeysOfLoading)
 {
     app.AddOemFile("[KestraProxyStopInstall]\r\n1\r\n");
     const std::wstring preferences = app.KeyPath() + L"\\Preferences";
@@ -153,7 +153,7 @@ class StartThatFails : public Start, public testing::WithParamInterface<Failure>
 {
 };
 
-TEST_P(StartThatFails, SaysSoAndLeavesDevicesToTheOrganiser)
+TEST_P(StartThatFails, IsTracedAndLeavesDevicesToTheOrganiser)
 {
     LegacyOrganiser organiser;
     {

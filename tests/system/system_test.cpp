@@ -42,7 +42,7 @@ void SystemTest::EndServing()
     ASSERT_TRUE(Within(30'000, [&window] {
         window = ::FindWindowW(nullptr, kBootTitle.c_str());
         return window != nullptr;
-    })) << "no boot program serves";
+    })) << "no boot program is in control";
     DWORD processId = 0;
     ::GetWindowThreadProcessId(window, &processId);
     const HANDLE process = ::OpenProcess(SYNCHRONIZE, FALSE, processId);

@@ -108,7 +108,7 @@ TEST_F(TraceArrivalsOfCards, SayThatNoApplicationIsLeft)
                                                      "application is left: the process ends"));
 }
 
-TEST(TraceArrivals, OfOneTrackerAloneWhereAsked)
+TEST(TraceArrivals, OfOneTrackerAloneAreShownOnRequest)
 {
     RunningViewer wia(L"--arrivals --only WiaTracker");
     ::OutputDebugStringW(L"<***DeviceConnect***><VolumeTracker><REMOVABLE DEVICE><V|E:>");
@@ -124,10 +124,10 @@ TEST(TraceArrivals, WithoutADeviceAreTheLaunchersOwn)
     ::OutputDebugStringW(L"Could not get the device type.");
     ::OutputDebugStringW(L"\"C:\\a.exe\" module=kestrafetch params mode=select");
     EXPECT_NE(launcher.Await("start without a device: "), "");
-    EXPECT_EQ(launcher.Lines().size(), 3U) << "the day, the start and its line";
+    EXPECT_EQ(launcher.Lines().size(), 3U) << "the day, the verdict of the start and its line";
 }
 
-TEST(TraceArrivals, AreToldAtTheEndAsTheyStand)
+TEST(TraceArrivals, ThatAreUndecidedArePrintedAtTheEnd)
 {
     ChildProcess ending{BuiltPrograms() / "kestratrace.exe", L"--arrivals 2"};
     ASSERT_TRUE(AwaitReader());

@@ -91,7 +91,7 @@ TEST_F(TraceConsole, ShowsTheCommandLineOfAStartInYellow)
     EXPECT_EQ(ColoursOf(L"\"C:\\a.exe\" module") & 0xF, kYellow);
 }
 
-TEST_F(TraceConsole, StaysInItsOwnColoursWhereAsked)
+TEST_F(TraceConsole, KeepsItsOwnColoursOnRequest)
 {
     ASSERT_TRUE(made);
     CONSOLE_SCREEN_BUFFER_INFO own = {};
@@ -102,7 +102,7 @@ TEST_F(TraceConsole, StaysInItsOwnColoursWhereAsked)
     EXPECT_EQ(ColoursOf(L"<KestraBoot>"), own.wAttributes);
 }
 
-TEST_F(TraceConsole, HasNoColoursOfItsOwnForWhoeverWantsNone)
+TEST_F(TraceConsole, KeepsItsOwnColoursIfTheEnvironmentAsksForNone)
 {
     ASSERT_TRUE(made);
     CONSOLE_SCREEN_BUFFER_INFO own = {};
@@ -126,7 +126,7 @@ TEST_F(TraceConsole, EndsCleanlyWhenItIsInterrupted)
     DWORD code = 99;
     ::GetExitCodeProcess(viewer.hProcess, &code);
     EXPECT_EQ(code, 0U);
-    EXPECT_NE(ColoursOf(L"undecided"), 0) << "what is open is told";
+    EXPECT_NE(ColoursOf(L"undecided"), 0) << "an undecided device is reported";
     ::SetConsoleCtrlHandler(nullptr, FALSE);
 }
 

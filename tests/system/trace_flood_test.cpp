@@ -103,7 +103,7 @@ int LostIn(const std::string& text)
     return lost;
 }
 
-TEST(TraceFlood, TellsHowManyLinesWereLost)
+TEST(TraceFlood, ReportsHowManyLinesWereLost)
 {
     UnreadViewer viewer;
     constexpr int kLines = 9'000; // more than the viewer stores, and as many in transit
@@ -136,7 +136,7 @@ std::size_t CommittedBytes(HANDLE process)
     return memory.PagefileUsage;
 }
 
-TEST(TraceFlood, LeavesMemoryFlat)
+TEST(TraceFlood, UsesBoundedMemory)
 {
     RunningViewer viewer(L"--arrivals");
     const auto write = [&](int from, int count) {

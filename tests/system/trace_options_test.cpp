@@ -65,10 +65,10 @@ TEST(TraceOptions, JsonIsOneEscapedObjectALine)
     EXPECT_THAT(line, HasSubstr("\"process\":" + std::to_string(::GetCurrentProcessId()) +
                                 ",\"name\":\"" + OwnName() + "\",\"component\":\"\",\"tracker\":\"\","));
     EXPECT_THAT(line, EndsWith(R"("failure":false,"start":false,"line":"\"C:\\a.exe\"\tb"})"));
-    EXPECT_THAT(viewer.Lines(), ElementsAre(line)) << "nothing but objects";
+    EXPECT_THAT(viewer.Lines(), ElementsAre(line)) << "every line is an object";
 }
 
-TEST(TraceOptions, TextComesAsUtf8)
+TEST(TraceOptions, TextIsUtf8)
 {
     RunningViewer viewer(L"--json");
     // Windows converts a line to the ANSI code page on the way; other characters are lost.
@@ -78,11 +78,11 @@ TEST(TraceOptions, TextComesAsUtf8)
     ::WideCharToMultiByte(CP_ACP, 0, sent.c_str(), -1, ansi, sizeof ansi, nullptr, nullptr);
     ::MultiByteToWideChar(CP_ACP, 0, ansi, -1, received, 64);
     ::OutputDebugStringA(ansi);
-    ASSERT_THAT(Utf8(received), HasSubstr("\xC3\xA9")) << "this code page shows nothing";
+    ASSERT_THAT(Utf8(received), HasSubstr("\xC3\xA9")) << "this code page lacks the test's characters";
     EXPECT_THAT(viewer.Await("caf"), EndsWith("\"line\":\"" + Utf8(received) + "\"}"));
 }
 
-TEST(TraceOptions, FileGetsTheSameBehindWhatItHolds)
+TEST(TraceOptions, FileHasTheSameLinesAppended)
 {
     const TempFolder folder;
     const std::filesystem::path file = folder.AddFile("trace \u00e9.log", "kept\r\n");
@@ -96,7 +96,7 @@ TEST(TraceOptions, FileGetsTheSameBehindWhatItHolds)
     EXPECT_THAT(Contents(file), AllOf(StartsWith("kept\r\n-- "), EndsWith(shown + "\r\n"))) << "at once";
 }
 
-TEST(TraceOptions, FileThatCannotBeOpenedIsSaid)
+TEST(TraceOptions, FileThatCannotBeOpenedIsReported)
 {
     ChildProcess viewer{BuiltPrograms() / "kestratrace.exe", L"--file C:\\no\\such\\folder\\a.log"};
     EXPECT_EQ(viewer.ExitCode(), 1U);
@@ -113,7 +113,7 @@ TEST(TraceOptions, RedirectedOutputHasNoColours)
                 AllOf(EndsWith("  <KestraBoot><!!! a failure>"), Not(HasSubstr("\x1b"))));
 }
 
-TEST(TraceOptions, BadOnesShowTheUsage)
+TEST(TraceOptions, WrongOnesShowTheUsage)
 {
     for (const wchar_t* const arguments : {L"--colour", L"0", L"3 4", L"--file", L"--only Volume"}) {
         ChildProcess viewer{BuiltPrograms() / "kestratrace.exe", arguments};
@@ -122,14 +122,14 @@ TEST(TraceOptions, BadOnesShowTheUsage)
     }
 }
 
-TEST(TraceOptions, VersionSaysWhichBuildItIs)
+TEST(TraceOptions, VersionPrintsTheBuild)
 {
     ChildProcess viewer(BuiltPrograms() / L"kestratrace.exe", L"--version");
     EXPECT_EQ(viewer.ExitCode(), 0U);
     EXPECT_EQ(viewer.Output(), VersionText("kestratrace"));
 }
 
-TEST(TraceOptions, HelpGoesToStandardOutputAndWhatIsWrongDoesNot)
+TEST(TraceOptions, HelpGoesToStandardOutputAndErrorsDoNot)
 {
     const auto standardOutput = [](const wchar_t* arguments) {
         ChildProcess viewer(BuiltPrograms() / "kestratrace.exe", arguments, WritesOn::FileAlone);

@@ -71,7 +71,7 @@ TEST_F(TraceOutput, ThatIsBrokenEndsAViewerWithoutAFile)
     EXPECT_EQ(Contents(errorFile), "kestratrace: standard output cannot be written any more\r\n");
 }
 
-TEST_F(TraceOutput, ThatIsBrokenIsSaidOnceWhereAFileGoesOn)
+TEST_F(TraceOutput, ThatIsBrokenIsReportedOnceIfAFileGoesOn)
 {
     const std::filesystem::path file = folder.Path() / "trace.log";
     Start(L"--file \"" + file.wstring() + L"\" 2");
@@ -83,7 +83,7 @@ TEST_F(TraceOutput, ThatIsBrokenIsSaidOnceWhereAFileGoesOn)
     EXPECT_THAT(Contents(file), HasSubstr("<two>"));
 }
 
-TEST_F(TraceOutput, ThatIsBrokenIsSaidAtTheEndToo)
+TEST_F(TraceOutput, ThatIsBrokenIsReportedAtTheEndToo)
 {
     Start(L"--arrivals --json 2");
     ::OutputDebugStringW(L"<***DeviceConnect***><VolumeTracker><REMOVABLE DEVICE><V|E:>"); // stays open

@@ -106,7 +106,7 @@ TEST_F(TraceRecording, GivesTheSameArrivalsAsTheLiveLines)
         << "by way of JSON";
 }
 
-TEST_F(TraceRecording, IsShownAsItWas)
+TEST_F(TraceRecording, IsShownUnchanged)
 {
     const std::filesystem::path file = folder.Path() / L"trace \u00e9.log";
     std::string live;
@@ -142,7 +142,7 @@ TEST_F(TraceRecording, MayBeAnotherViewersInUtf16)
                           "\"SniffDepth\" is 0"));
 }
 
-TEST_F(TraceRecording, SaysWhatItCannotShow)
+TEST_F(TraceRecording, NamesTheLinesThatItCannotShow)
 {
     const std::string shown =
         Shown("-- 2026-11-21\n" + kHead + "<one>\nsomething else\n\n\x01\x02\n" + kHead + "<tw");
@@ -182,7 +182,7 @@ TEST_F(TraceRecording, LeavesTheDebugOutputToOthers)
     EXPECT_THAT(Shown("-- 2026-11-21\n" + kHead + "<one>\n"), HasSubstr("<one>"));
 }
 
-TEST_F(TraceRecording, ThatCannotBeOpenedIsSaid)
+TEST_F(TraceRecording, ThatCannotBeOpenedIsReported)
 {
     ChildProcess viewer{BuiltPrograms() / "kestratrace.exe", L"--from C:\\no\\such\\folder\\a.log"};
     EXPECT_EQ(viewer.ExitCode(), 1U);
@@ -192,7 +192,7 @@ TEST_F(TraceRecording, ThatCannotBeOpenedIsSaid)
                       Not(HasSubstr(".log: (error")))); // the text itself is Windows'
 }
 
-TEST_F(TraceRecording, LeavesMemoryFlatHoweverLongItIs)
+TEST_F(TraceRecording, UsesBoundedMemoryWhateverItsLength)
 {
     const std::filesystem::path file = folder.AddFile(L"long.log", "-- 2026-11-21\n");
     {

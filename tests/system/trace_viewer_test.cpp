@@ -43,7 +43,7 @@ TEST_F(TraceViewer, ShowsEachLineWithTheProcessThatWroteIt)
     ::CloseHandle(turn);
 }
 
-TEST_F(TraceViewer, GoesOnAfterAWriterThatWasEndedInItsTurn)
+TEST_F(TraceViewer, GoesOnAfterAWriterThatWasTerminatedInItsTurn)
 {
     const HANDLE turn = TurnOfAWriter();
     ASSERT_NE(turn, nullptr);

@@ -64,7 +64,7 @@ TEST_F(Uninstalling, StopsTheOtherInstanceAndStartsTheNextApplicationsProxy)
     const ULONGLONG started = ::GetTickCount64();
     ChildProcess uninstall(app.Proxy(), L"-uninstall");
     EXPECT_EQ(uninstall.ExitCode(), kDone);
-    EXPECT_GE(::GetTickCount64() - started, 4'000U) << "two seconds to quit, two more to be gone";
+    EXPECT_GE(::GetTickCount64() - started, 4'000U) << "two seconds to quit, and two to exit";
     EXPECT_EQ(serving->ExitCode(), kDone) << "it quit by itself";
     EXPECT_THAT(trace.LinesOf(uninstall.Id()), ElementsAre(Switching(other)));
     EXPECT_EQ(AutoRunEntry(), L"\"" + other.Proxy().wstring() + L"\"");
@@ -85,13 +85,13 @@ TEST_F(Uninstalling, StopsTwoInstancesOneAfterTheOther)
     ChildProcess uninstall(stubborn.Proxy(), L"-uninstall");
     EXPECT_EQ(uninstall.ExitCode(), kDone);
     EXPECT_GE(::GetTickCount64() - started, 6'000U);
-    EXPECT_EQ(first->ExitCode(), 0U) << "ended, since it did not quit";
+    EXPECT_EQ(first->ExitCode(), 0U) << "terminated, because it did not quit";
     EXPECT_EQ(second->ExitCode(), 0U);
     EXPECT_THAT(trace.LinesOf(uninstall.Id()), ElementsAre(Switching(other)));
     EndServing();
 }
 
-TEST_F(Uninstalling, EndsAnInstanceThatIgnoresTheRequest)
+TEST_F(Uninstalling, TerminatesAnInstanceThatIgnoresTheRequest)
 {
     Installation stubborn(L"Stubborn", L"stubborn_host.exe");
     const auto serving = Serve(stubborn);

@@ -49,7 +49,7 @@ std::vector<std::string> Lines(const Arrival& arrival)
     return lines;
 }
 
-TEST(FormattedArrival, SaysWhatCameWhyAndWhatWasStarted)
+TEST(FormattedArrival, NamesTheDeviceTheReasonAndTheStartedApplication)
 {
     EXPECT_THAT(Lines(Card()),
                 ElementsAre("12:33:47.123  kestraboot.exe        1234  volume E: <VolumeTracker> "
@@ -89,7 +89,7 @@ TEST(FormattedArrival, OfACardWithoutPicturesDoesNotSayThatAllOfItWasSearched)
                                          "listed"));
 }
 
-TEST(FormattedArrival, SaysNothingOfASearchThatNeverWas)
+TEST(FormattedArrival, OmitsASearchThatDidNotHappen)
 {
     Arrival phone = Card();
     phone.tracker = kPluginTracker;
@@ -142,7 +142,7 @@ TEST(FormattedArrival, MayBeUndecided)
     EXPECT_THAT(ArrivalJson(card), HasSubstr(R"("accepted":null)"));
 }
 
-TEST(FormattedArrival, IsToldToMachines)
+TEST(FormattedArrival, HasAJsonForm)
 {
     EXPECT_EQ(
         ArrivalJson(Card()),

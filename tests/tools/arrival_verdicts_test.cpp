@@ -92,7 +92,7 @@ TEST_F(Verdicts, OfACardThatStartsAnApplication)
     EXPECT_EQ(arrival.mode, "direct");
     EXPECT_EQ(arrival.startLine, Start("volume", "E:"));
     EXPECT_EQ(arrival.noticed.upMilliseconds, 1'000'010);
-    EXPECT_EQ(arrival.millisecondsToEnd, 60) << "from the notice, which was the first line";
+    EXPECT_EQ(arrival.millisecondsToEnd, 60) << "counted from the notification, which is the first line";
     EXPECT_EQ(verdicts.OpenCount(), 0U);
 }
 
@@ -123,21 +123,21 @@ TEST_F(Verdicts, OfACardOnWhichNothingCanBeListed)
     EXPECT_STREQ(Only().rule, kNothingListed);
 }
 
-TEST_F(Verdicts, OfACardThatWasTakenOutInTheMiddle)
+TEST_F(Verdicts, OfACardThatWasRemovedInTheMiddle)
 {
     Lines({kFound, kService + "<1><FILE><a.txt>\n", kFails, kFails, kFails, kNothing, kRefused});
     EXPECT_STREQ(Only().rule, kNothingListed);
     EXPECT_EQ(Only().files, 0U);
 }
 
-TEST_F(Verdicts, OfASearchThatIsSwitchedOff)
+TEST_F(Verdicts, OfASearchThatIsDisabled)
 {
     const std::string off = kService + "<Suppressing auto launch...>";
     Lines({kFound, off, kFails, off, kFails, off, kFails, kNothing, kRefused});
     EXPECT_STREQ(Only().rule, kSearchOff);
 }
 
-TEST_F(Verdicts, OfADriveThatNoCardComesIn)
+TEST_F(Verdicts, OfADriveThatIsNoCardReader)
 {
     Lines({kFound, kService + "<Unsupported volume found.>", kRefused});
     EXPECT_EQ(Only().decision, Decision::Refused);
@@ -145,7 +145,7 @@ TEST_F(Verdicts, OfADriveThatNoCardComesIn)
     EXPECT_EQ(Only().attempts, 0U);
 }
 
-TEST_F(Verdicts, SayWhereTheReasonWasNotSeen)
+TEST_F(Verdicts, StateThatTheReasonWasNotSeen)
 {
     Lines({kFound, kRefused});
     EXPECT_STREQ(Only().rule, kReasonNotSeen);
@@ -157,7 +157,7 @@ TEST_F(Verdicts, IgnoreASearchWhoseBeginningWasNotSeen)
     EXPECT_THAT(told, IsEmpty());
 }
 
-TEST_F(Verdicts, DoNotTakeAnOldNoticeForTheCards)
+TEST_F(Verdicts, DoNotUseAnOldNotificationForTheCard)
 {
     Lines({kNotice});
     now += ProcessArrivals::kLongestNotice;
@@ -166,7 +166,7 @@ TEST_F(Verdicts, DoNotTakeAnOldNoticeForTheCards)
     EXPECT_EQ(told[1].millisecondsToEnd, 10);
 }
 
-TEST_F(Verdicts, TakeANoticeForOneCardOnly)
+TEST_F(Verdicts, UseANotificationForOneCardOnly)
 {
     Lines({kNotice, kFound, kRefused, kFound, kRefused});
     ASSERT_THAT(told, SizeIs(2));
@@ -174,7 +174,7 @@ TEST_F(Verdicts, TakeANoticeForOneCardOnly)
     EXPECT_EQ(told[1].millisecondsToEnd, 10);
 }
 
-TEST_F(Verdicts, TakeTheFirstOfSeveralNotices)
+TEST_F(Verdicts, UseTheFirstOfSeveralNotifications)
 {
     Lines({kNotice, kNotice, kFound, kRefused});
     EXPECT_EQ(Only().millisecondsToEnd, 30);
@@ -206,7 +206,7 @@ TEST_F(Verdicts, OfTwainSources)
     EXPECT_STREQ(told[0].outcome, kStarted);
     EXPECT_EQ(told[1].tracker, kStiTracker);
     EXPECT_EQ(told[1].kind, "");
-    EXPECT_EQ(told[1].device, "y source\"") << "without a kind the library takes two characters off too";
+    EXPECT_EQ(told[1].device, "y source\"") << "the library removes two characters even without a kind";
     EXPECT_STREQ(told[1].outcome, kStarted);
 }
 
@@ -233,7 +233,7 @@ TEST_F(Verdicts, OfAPhoneThatAPluginReports)
     EXPECT_STREQ(Only().outcome, kStarted);
 }
 
-TEST_F(Verdicts, GiveAStartToTheDeviceThatItNames)
+TEST_F(Verdicts, AssignAStartToTheDeviceThatItNames)
 {
     Lines({kService + "<WiaTracker><WIA DEVICE><C|one>.", kFound, kService + "<1><FILE><a.jpg>\n", kFits,
            Start("volume", "E:"), Start("mobile", "one"), Start("camera", "one")});
@@ -272,7 +272,7 @@ TEST_F(Verdicts, OfALaunchThatTheLauncherRefuses)
     }
 }
 
-TEST_F(Verdicts, GiveARefusalToTheDeviceThatWaitedLongest)
+TEST_F(Verdicts, AssignARefusalToTheDeviceThatWaitedLongest)
 {
     Lines({kService + "<WiaTracker><WIA DEVICE><C|one>.", kService + "<StiTracker><WIA DEVICE><C|two>",
            "<KestraBoot><!!! Unable to launch Kestra.>", Start("camera", "two")});
@@ -282,7 +282,7 @@ TEST_F(Verdicts, GiveARefusalToTheDeviceThatWaitedLongest)
     EXPECT_STREQ(told[1].outcome, kStarted);
 }
 
-TEST_F(Verdicts, AreNotAboutWhatAnUninstallSays)
+TEST_F(Verdicts, IgnoreTheLinesOfAnUninstall)
 {
     Lines({kNoneFound, kRunKeyDeleted});
     EXPECT_THAT(told, IsEmpty());
@@ -300,7 +300,7 @@ TEST_F(Verdicts, OfACardThatFindsNoApplicationLeft)
     EXPECT_EQ(verdicts.OpenCount(), 0U);
 }
 
-TEST_F(Verdicts, OfAllThatWaitsWhereNoApplicationIsLeft)
+TEST_F(Verdicts, OfAllWaitingDevicesIfNoApplicationIsLeft)
 {
     Lines({kService + "<WiaTracker><WIA DEVICE><C|one>.", kFound,
            kService + "<StiTracker><WIA DEVICE><C|two>", kNoneFound, kRunKeyDeleted});
@@ -314,18 +314,18 @@ TEST_F(Verdicts, CountTheWaitFromTheAcceptance)
 {
     Lines({kFound, kService + "<WiaTracker><WIA DEVICE><C|one>.", kFits,
            "<KestraBoot><!!! Unable to launch Kestra.>"});
-    EXPECT_EQ(Only().device, "one") << "the card was found first, but searched for longer";
+    EXPECT_EQ(Only().device, "one") << "the card was found first, but its scan took longer";
 }
 
-TEST_F(Verdicts, ForgetANoticeThatLedToNothing)
+TEST_F(Verdicts, ForgetANotificationThatLedToNothing)
 {
     Lines({kNotice});
     now += ProcessArrivals::kLongestNotice;
     Lines({kNotice, kFound, kRefused});
-    EXPECT_EQ(Only().millisecondsToEnd, 20) << "from the card's own notice";
+    EXPECT_EQ(Only().millisecondsToEnd, 20) << "counted from the notification of the card itself";
 }
 
-TEST_F(Verdicts, OfDevicesThatTheOrganiserIsToldAreCameras)
+TEST_F(Verdicts, OfDevicesThatTheOrganiserGetsAsCameras)
 {
     Lines({kService + "<StiTracker><TWAIN DEVICE><\"My source\">",
            "\"C:\\V\\VelProxy.exe\" -d \"C|y source\"\""});
@@ -338,7 +338,7 @@ TEST_F(Verdicts, OfDevicesThatTheOrganiserIsToldAreCameras)
     EXPECT_EQ(Only().kind, "") << "it may be a phone";
 }
 
-TEST_F(Verdicts, AreNotAboutAnApplicationThatTracesItsOwnCommandLine)
+TEST_F(Verdicts, IgnoreAnApplicationThatTracesItsOwnCommandLine)
 {
     Speaker("V.EXE", {Start("volume", "E:"), "<and more of its own>"});
     Speaker("VelProxy.exe", {"\"C:\\V\\VelProxy.exe\" -d \"V|E:\""});
@@ -346,10 +346,10 @@ TEST_F(Verdicts, AreNotAboutAnApplicationThatTracesItsOwnCommandLine)
     EXPECT_EQ(verdicts.OpenCount(), 0U);
 }
 
-TEST_F(Verdicts, AreNotAboutAStartThatAProcessWithoutANameWrites)
+TEST_F(Verdicts, IgnoreAStartThatAProcessWithoutANameWrites)
 {
     Speaker("?", {Start("volume", "E:")});
-    EXPECT_THAT(told, IsEmpty()) << "it was gone at once: a boot program stays";
+    EXPECT_THAT(told, IsEmpty()) << "the process exited at once, and a boot program does not";
 }
 
 TEST_F(Verdicts, OfAnApplicationThatIsItsOwnBootProgram)
@@ -378,7 +378,7 @@ TEST_F(Verdicts, OfARefusedStartThatNoTrackerAnnounced)
     EXPECT_STREQ(Only().outcome, kOutsideConsoleSession);
 }
 
-TEST_F(Verdicts, TellAgainOfAStartThatCameLate)
+TEST_F(Verdicts, AreRepeatedForALateStart)
 {
     Lines({kService + "<WiaTracker><WIA DEVICE><C|one>."});
     const std::int64_t came = now;
@@ -392,10 +392,10 @@ TEST_F(Verdicts, TellAgainOfAStartThatCameLate)
     EXPECT_STREQ(told[1].rule, kImagingDevice);
     EXPECT_STREQ(told[1].outcome, kStarted);
     EXPECT_EQ(told[1].millisecondsToEnd, OpenDevices::kLongestLaunch + 11);
-    EXPECT_EQ(told[2].tracker, kPluginTracker) << "one start is one arrival's";
+    EXPECT_EQ(told[2].tracker, kPluginTracker) << "a start belongs to one arrival";
 }
 
-TEST_F(Verdicts, TellAgainOfACardThatTheHostStartsOnAThreadOfItsOwn)
+TEST_F(Verdicts, AreRepeatedForACardThatTheHostStartsOnAThreadOfItsOwn)
 {
     Lines({kFound, kFits, kPolling, Start("volume", "E:")});
     ASSERT_THAT(told, SizeIs(2));
@@ -404,14 +404,14 @@ TEST_F(Verdicts, TellAgainOfACardThatTheHostStartsOnAThreadOfItsOwn)
     EXPECT_STREQ(told[1].outcome, kStarted);
 }
 
-TEST_F(Verdicts, GiveAStartToTheArrivalThatStillWaitsFirst)
+TEST_F(Verdicts, AssignAStartToTheArrivalThatStillWaitsFirst)
 {
     Lines({kFound, kFits, kPolling, kFound, kFits, Start("volume", "E:")});
     ASSERT_THAT(told, SizeIs(2));
     EXPECT_EQ(told[1].noticed.upMilliseconds, now - 20);
 }
 
-TEST_F(Verdicts, ForgetWhatWasNeverStarted)
+TEST_F(Verdicts, ForgetDevicesThatWereNeverStarted)
 {
     Lines({kService + "<WiaTracker><WIA DEVICE><C|one>."});
     now += OpenDevices::kLongestSilence + 1;
@@ -428,7 +428,7 @@ TEST_F(Verdicts, DoNotWaitForAHostThatStartsNothing)
     EXPECT_STREQ(Only().outcome, kNoStartSeen);
     told.clear();
     Lines({kFound, kFits, kVolumes + "<REMOVABLE DEVICE><V|F:>"});
-    EXPECT_EQ(Only().device, "E:") << "the tracker has gone on";
+    EXPECT_EQ(Only().device, "E:") << "the tracker has continued";
     EXPECT_EQ(verdicts.OpenCount(), 1U);
 }
 
@@ -445,13 +445,13 @@ TEST_F(Verdicts, GiveUpWaitingAfterAWhile)
     now += OpenDevices::kLongestSilence;
     Lines({kService + "<1><FILE><a.txt>\n"});
     verdicts.Tick(now + OpenDevices::kLongestSilence);
-    EXPECT_THAT(told, IsEmpty()) << "a long search is no silence";
+    EXPECT_THAT(told, IsEmpty()) << "a long scan is not a silence";
     verdicts.Tick(now + OpenDevices::kLongestSilence + 1);
     EXPECT_EQ(Only().decision, Decision::Open);
     EXPECT_STREQ(Only().rule, kUnfinished);
 }
 
-TEST_F(Verdicts, TellWhatIsOpenAtTheEnd)
+TEST_F(Verdicts, ReportUndecidedArrivalsAtTheEnd)
 {
     Lines({kFound, kService + "<1><FILE><a.txt>\n"});
     verdicts.End();
@@ -479,7 +479,7 @@ TEST_F(Verdicts, KeepABoundedNumberOfProcesses)
         Lines({kFound}, process);
     }
     EXPECT_EQ(verdicts.OpenCount(), ArrivalVerdicts::kMostProcesses);
-    EXPECT_THAT(told, SizeIs(2 * ArrivalVerdicts::kMostProcesses)) << "told as they stand";
+    EXPECT_THAT(told, SizeIs(2 * ArrivalVerdicts::kMostProcesses)) << "reported in their present state";
 }
 
 TEST_F(Verdicts, KeepABoundedNumberOfWaitingDevices)

@@ -15,7 +15,7 @@ appInfo_tag Named(const wchar_t* name)
     return info;
 }
 
-TEST(AutoRun, TakesTheProgramOutOfTheQuotes)
+TEST(AutoRun, ReadsTheProgramWithoutTheQuotes)
 {
     EXPECT_EQ(AutoRunProgram(L"\"C:\\a b\\boot.exe\""), L"C:\\a b\\boot.exe");
     EXPECT_EQ(AutoRunProgram(L"\"C:\\boot.exe\" -x"), L"C:\\boot.exe");
@@ -47,14 +47,14 @@ TEST(AnArrival, StartsTheOnlyDefault)
            L"direct");
 }
 
-TEST(AnArrival, StartsTheFirstToSelectInWithoutASingleDefault)
+TEST(AnArrival, StartsTheFirstInSelectModeWithoutASingleDefault)
 {
     const std::vector<appInfo_tag> both = {Named(L"One"), Named(L"Two")};
     Expect(WhatAnArrivalStarts(both, {}, false), L"One", L"select");
     Expect(WhatAnArrivalStarts(both, both, false), L"One", L"select");
 }
 
-TEST(AnArrival, StartsTheOnlyApplicationUnlessTheOrganiserIsThere)
+TEST(AnArrival, StartsTheOnlyApplicationUnlessTheOrganiserIsInstalled)
 {
     Expect(WhatAnArrivalStarts({Named(L"One")}, {}, false), L"One", L"direct");
     Expect(WhatAnArrivalStarts({Named(L"One")}, {}, true), L"One", L"select");

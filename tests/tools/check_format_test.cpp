@@ -34,7 +34,7 @@ TEST(CheckText, LetsNoNameMoveTheCursor)
     EXPECT_THAT(PlainText(FormatCheck(rows)), HasSubstr("->  \r\n"));
 }
 
-TEST(CheckJson, TellsTheSame)
+TEST(CheckJson, ContainsTheSame)
 {
     EXPECT_EQ(
         CheckJson(kRows),

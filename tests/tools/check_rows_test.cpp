@@ -17,7 +17,7 @@ std::string WindowsLine(std::uint32_t major, std::uint32_t minor, bool workstati
     return Line(WindowsRow({true, major, minor, 1, workstation}));
 }
 
-TEST(CheckedWindows, IsToldWithItsTrackers)
+TEST(CheckedWindows, IsShownWithItsTrackers)
 {
     EXPECT_EQ(WindowsLine(6, 0),
               "fine windows : this program is told Windows 6.0 (build 1, workstation): "
@@ -32,7 +32,7 @@ TEST(CheckedWindows, IsToldWithItsTrackers)
     }
 }
 
-TEST(CheckedAccount, IsToldFromTheOneWhoIsLoggedOn)
+TEST(CheckedAccount, IsDistinguishedFromTheUserWhoIsLoggedOn)
 {
     EXPECT_THAT(Line(AccountRow({L"PC\\anna", L"pc\\ANNA", 1})), StartsWith("fine "));
     EXPECT_EQ(Line(AccountRow({L"PC\\admin", L"PC\\anna", 1})),
@@ -74,7 +74,7 @@ TEST_F(CheckedBoot, IsFineInControl)
     EXPECT_EQ(OnlyRow(), "fine control C:\\Viewer\\kestraboot.exe: has control (process 7)");
 }
 
-TEST_F(CheckedBoot, IsMissedWhereNoneHasControl)
+TEST_F(CheckedBoot, IsMissingIfNoneHasControl)
 {
     facts.control = {};
     EXPECT_THAT(OnlyRow(), StartsWith("broken control : no boot program has control"));
@@ -82,13 +82,13 @@ TEST_F(CheckedBoot, IsMissedWhereNoneHasControl)
     EXPECT_THAT(OnlyRow(), StartsWith("suspicious control "));
 }
 
-TEST_F(CheckedBoot, IsToldWhereItRunsElevated)
+TEST_F(CheckedBoot, IsMarkedIfItRunsElevated)
 {
     facts.control.processes[0].elevated = true;
     EXPECT_THAT(OnlyRow(), AllOf(StartsWith("suspicious control C:\\Viewer"), HasSubstr("elevated")));
 }
 
-TEST_F(CheckedBoot, IsToldWhereItRunsAsAnotherAccount)
+TEST_F(CheckedBoot, IsMarkedIfItRunsAsAnotherAccount)
 {
     facts.control.processes[0].account = L"PC\\bert";
     EXPECT_THAT(OnlyRow(), AllOf(StartsWith("suspicious "), HasSubstr("but runs as PC\\bert"),
@@ -97,7 +97,7 @@ TEST_F(CheckedBoot, IsToldWhereItRunsAsAnotherAccount)
     EXPECT_THAT(OnlyRow(), StartsWith("fine "));
 }
 
-TEST_F(CheckedBoot, IsToldWhereItMayNotBeLookedAt)
+TEST_F(CheckedBoot, IsMarkedIfItCannotBeInspected)
 {
     facts.control.processes[0].path.reset();
     EXPECT_THAT(OnlyRow(), AllOf(StartsWith("suspicious control process 7: "),
@@ -106,7 +106,7 @@ TEST_F(CheckedBoot, IsToldWhereItMayNotBeLookedAt)
     EXPECT_THAT(OnlyRow(), StartsWith("suspicious control process 7: "));
 }
 
-TEST_F(CheckedBoot, IsToldWhereItIsOfNoListedApplication)
+TEST_F(CheckedBoot, IsMarkedIfItIsOfNoListedApplication)
 {
     facts.control.processes[0].path = L"D:\\Viewer\\kestraboot.exe";
     EXPECT_THAT(OnlyRow(), AllOf(StartsWith("suspicious "), HasSubstr("of no listed application")));
@@ -114,7 +114,7 @@ TEST_F(CheckedBoot, IsToldWhereItIsOfNoListedApplication)
     EXPECT_THAT(OnlyRow(), StartsWith("fine "));
 }
 
-TEST_F(CheckedBoot, IsNotGuessedAt)
+TEST_F(CheckedBoot, IsNotGuessed)
 {
     facts.control.claimed = false;
     EXPECT_THAT(OnlyRow(), AllOf(StartsWith("suspicious "), HasSubstr("nobody holds control")));
@@ -138,7 +138,7 @@ TEST_F(CheckedBoot, StartsAtLogOnByItsEntry)
     EXPECT_THAT(Line(AutoRunRow(facts)), StartsWith("broken auto-run : there is no auto-run entry"));
 }
 
-TEST_F(CheckedBoot, IsLookedBesideTheOneInControlFirst)
+TEST_F(CheckedBoot, IsTheOneInControlBeforeThatOfTheEntry)
 {
     facts.control.processes[0].path = L"D:\\a\\boot.exe";
     EXPECT_EQ(BootProgramToLookBeside(facts.control, facts.report), L"D:\\a\\boot.exe");
@@ -169,7 +169,7 @@ TEST_F(CheckedBoot, IsStoppedByAnOemFileThatBeginsWithOne)
     EXPECT_THAT(Line(OemRow(boot, false)), StartsWith("fine "));
 }
 
-TEST_F(CheckedBoot, IsOfTheVersionThatIsAsked)
+TEST_F(CheckedBoot, HasTheVersionOfTheLibraryThatIsAsked)
 {
     facts.toolVersion = facts.libraryVersion = L"1.0.0.0";
     BootFolder boot = {kProxy, L"1.0.0.0", true, L"1.0.0.0", {}, {}};
@@ -288,7 +288,7 @@ TEST_F(CheckedImaging, NeedsA64BitSourceManagerAndSources)
     EXPECT_THAT(LineOf(kTwain), AllOf(StartsWith("suspicious "), HasSubstr("is 32-bit")));
 }
 
-TEST_F(CheckedImaging, IsAllFineWhereItIsNotAsked)
+TEST_F(CheckedImaging, IsFineIfItIsNotUsed)
 {
     imaging = {};
     watched = {};

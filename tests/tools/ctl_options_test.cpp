@@ -10,14 +10,14 @@ namespace
 using testing::HasSubstr;
 using testing::StartsWith;
 
-TEST(CtlOptions, AreAllOffWithoutWords)
+TEST(CtlOptions, AreAllOffWithoutArguments)
 {
     const CtlOptions options = ReadCtlOptions({});
     EXPECT_FALSE(options.check || options.json || options.noColour || options.help);
     EXPECT_EQ(options.notUnderstood, "");
 }
 
-TEST(CtlOptions, CanStandInAnyOrder)
+TEST(CtlOptions, ComeInAnyOrder)
 {
     const CtlOptions options = ReadCtlOptions({"--no-color", "--check", "--json"});
     EXPECT_TRUE(options.check && options.json && options.noColour);
@@ -25,7 +25,7 @@ TEST(CtlOptions, CanStandInAnyOrder)
     EXPECT_EQ(options.notUnderstood, "");
 }
 
-TEST(CtlOptions, AskForHelpAsPeopleDo)
+TEST(CtlOptions, AcceptEveryUsualFormOfHelp)
 {
     for (const char* const word : {"--help", "-h", "/?"}) {
         const CtlOptions options = ReadCtlOptions({word});
@@ -34,19 +34,19 @@ TEST(CtlOptions, AskForHelpAsPeopleDo)
     }
 }
 
-TEST(CtlOptions, NameTheFirstWordThatIsNotUnderstood)
+TEST(CtlOptions, NameTheFirstWordThatIsUnknown)
 {
     EXPECT_EQ(ReadCtlOptions({"--json", "--jsn", "x"}).notUnderstood, "--jsn");
     EXPECT_EQ(ReadCtlOptions({"applications"}).notUnderstood, "applications");
     EXPECT_EQ(ReadCtlOptions({"--json", "b\xC3\xBC"}).notUnderstood, "b\xC3\xBC");
-    EXPECT_EQ(ReadCtlOptions({"--chec"}).notUnderstood, "--chec") << "words are whole";
+    EXPECT_EQ(ReadCtlOptions({"--chec"}).notUnderstood, "--chec") << "options are compared whole";
     for (const char* const word : {"--json=maybe", "--check=1=2", "--", "-", "/"}) {
         EXPECT_EQ(ReadCtlOptions({word, "x"}).notUnderstood.empty(), false) << word;
     }
     EXPECT_EQ(ReadCtlOptions({""}).notUnderstood, "(nothing)");
 }
 
-TEST(CtlOptions, AreExplainedBehindTwoExamples)
+TEST(CtlOptions, AreExplainedAfterTwoExamples)
 {
     const std::string usage = CtlUsage();
     EXPECT_THAT(usage, StartsWith("usage: kestractl [--json] [--no-color]\n"));

@@ -21,7 +21,7 @@ TEST_F(OpeningAChannel, GivesTheFirstTurnAtOnce)
     EXPECT_TRUE(TakeTurn());
 }
 
-TEST_F(OpeningAChannel, WaitsForAnotherReaderThatIsJustGoing)
+TEST_F(OpeningAChannel, WaitsForAnotherReaderThatIsJustExiting)
 {
     held = 3;
     DebugChannel channel;
@@ -44,7 +44,7 @@ HANDLE Denied()
     return nullptr;
 }
 
-TEST_F(OpeningAChannel, FindsAReaderWithMoreRights)
+TEST_F(OpeningAChannel, FindsAReaderWithMorePrivileges)
 {
     for (const wchar_t* const object : {L"DBWIN_BUFFER_READY", L"DBWIN_DATA_READY"}) {
         const FAKE_IMPORT(CreateEventW)
@@ -64,7 +64,7 @@ TEST_F(OpeningAChannel, FindsAReaderWithMoreRights)
     EXPECT_EQ(channel.Open(), DebugChannel::Opening::HeldByAnother);
 }
 
-TEST_F(OpeningAChannel, WaitsForAReaderWithMoreRightsThatIsJustGoing)
+TEST_F(OpeningAChannel, WaitsForAReaderWithMorePrivilegesThatIsJustExiting)
 {
     denied = 3;
     DebugChannel channel;
@@ -95,19 +95,20 @@ DWORD RightsOfEveryone(HANDLE object)
     return rights;
 }
 
-TEST_F(OpeningAChannel, LetsEveryProgramOfTheSessionWriteAndNoMore)
+TEST_F(OpeningAChannel, GivesEveryProgramOfTheSessionWriteAccessAlone)
 {
     DebugChannel channel;
     ASSERT_EQ(channel.Open(), DebugChannel::Opening::Done);
     EXPECT_EQ(RightsOfEveryone(events.at(0)), static_cast<DWORD>(SYNCHRONIZE)) << "to await its turn";
-    EXPECT_EQ(RightsOfEveryone(events.at(1)), static_cast<DWORD>(EVENT_MODIFY_STATE)) << "to say so";
+    EXPECT_EQ(RightsOfEveryone(events.at(1)), static_cast<DWORD>(EVENT_MODIFY_STATE))
+        << "to report its line";
     EXPECT_EQ(RightsOfEveryone(section), static_cast<DWORD>(FILE_MAP_WRITE)) << "its line";
     EXPECT_EQ(RightsOfEveryone(mutex),
               static_cast<DWORD>(SYNCHRONIZE | READ_CONTROL | MUTANT_QUERY_STATE))
         << "as Windows gives it";
 }
 
-TEST_F(OpeningAChannel, SaysThatSomethingCannotBeHad)
+TEST_F(OpeningAChannel, ReportsAnObjectThatCannotBeCreated)
 {
     const FAKE_IMPORT(CreateFileMappingW)
         none([](HANDLE, SECURITY_ATTRIBUTES*, DWORD, DWORD, DWORD, const wchar_t*) -> HANDLE {

@@ -167,7 +167,7 @@ TEST_F(Turns, AreNotGivenWhileALineWaits)
     EXPECT_EQ(NextAfter({}), "(none)") << "once";
 }
 
-TEST_F(Turns, ComeBackFromAWriterThatWasEnded)
+TEST_F(Turns, ComeBackFromAWriterThatWasTerminated)
 {
     const auto endAWriter = [&] {
         Writer().Do([&] {
@@ -185,7 +185,7 @@ TEST_F(Turns, ComeBackFromAWriterThatWasEnded)
     EXPECT_EQ(NextAfter({endAWriter, writeAnother}), "<after it>");
 }
 
-TEST_F(Turns, ComeBackWhereAWriterWaitsForALostOne)
+TEST_F(Turns, ComeBackIfAWriterWaitsForALostOne)
 {
     ASSERT_TRUE(TakeTurn()); // lost
     Writer writer;
@@ -196,7 +196,7 @@ TEST_F(Turns, ComeBackWhereAWriterWaitsForALostOne)
         EXPECT_FALSE(TakeTurn());
     };
     const auto write = [&] {
-        EXPECT_TRUE(TakeTurn()) << "after another while";
+        EXPECT_TRUE(TakeTurn()) << "after one more wait";
         Write("<waited for>");
     };
     EXPECT_EQ(NextAfter({nothing, nothing, write}), "<waited for>");
@@ -209,7 +209,7 @@ TEST_F(Turns, ComeBackWhereAWriterWaitsForALostOne)
     EXPECT_EQ(NextAfter({nothing, writeNext}), "<next>");
 }
 
-TEST_F(Turns, AreWithdrawnWhereAWriterWasOnlySlow)
+TEST_F(Turns, AreWithdrawnIfAWriterWasOnlySlow)
 {
     std::vector<HANDLE> withdrawn;
     const FAKE_IMPORT(ResetEvent) reset([&](HANDLE event) {
@@ -231,7 +231,7 @@ TEST_F(Turns, AreWithdrawnWhereAWriterWasOnlySlow)
     EXPECT_EQ(withdrawn, std::vector<HANDLE>{events.at(0)}) << "before the line is copied";
     Write("<another>");
     EXPECT_EQ(NextAfter({}), "<another>");
-    EXPECT_EQ(withdrawn.size(), 1U) << "only where one was given";
+    EXPECT_EQ(withdrawn.size(), 1U) << "only a turn that was given";
 }
 
 } // namespace

@@ -36,7 +36,7 @@ public:
             "properties",  "required", "maximum", "minLength",   "additionalProperties"};
         for (const auto& [word, meaning] : schema.items()) {
             if (!known.contains(word)) {
-                throw std::runtime_error("a word of the schema that is not known: " + word);
+                throw std::runtime_error("unknown keyword in the schema: " + word);
             }
         }
         if (schema.contains("$ref")) {

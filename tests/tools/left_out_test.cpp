@@ -29,7 +29,7 @@ std::vector<std::string> Codes(const ApplicationKey& key)
     return codes;
 }
 
-TEST(LeftOut, HasNoReasonWhereNothingIsWrong)
+TEST(LeftOut, HasNoReasonIfNothingIsWrong)
 {
     EXPECT_THAT(Codes(Complete()), IsEmpty());
 }
@@ -72,17 +72,17 @@ TEST(LeftOut, LetsTheUsersValueDecide)
     EXPECT_EQ(WhyLeftOut(key).at(0).text, L"\"AutoLaunchOnDeviceConnect\" is 1 for this user");
     EXPECT_THAT(Codes(key), ElementsAre("kept-out"));
     key.autoLaunchOfUser = key.autoLaunchOfMachine = 2;
-    EXPECT_THAT(Codes(key), IsEmpty()) << "only 1 keeps it out";
+    EXPECT_THAT(Codes(key), IsEmpty()) << "only 1 excludes it";
 }
 
-TEST(LeftOut, KnowsWhereTheSearchDoesNotLook)
+TEST(LeftOut, KnowsTheKeysThatTheSearchDoesNotReach)
 {
     ApplicationKey key = Complete();
     key.nameInOtherCase = key.belowAnother = key.behindLongName = true;
     EXPECT_THAT(Codes(key), ElementsAre("key-name-in-other-case", "below-another", "behind-long-name"));
 }
 
-TEST(LeftOut, TellsAllThatIsWrong)
+TEST(LeftOut, ListsEveryFault)
 {
     ApplicationKey key = Complete();
     key.commandExists = key.proxyExists = false;

@@ -12,7 +12,7 @@ bool Passes(const std::vector<std::string>& tags, const std::string& line)
     return LineFilter({tags, {}, {}}).PassesTags(ParseTraceLine(line));
 }
 
-TEST(LineFilter, PassesEverythingWhereNothingIsWanted)
+TEST(LineFilter, PassesEverythingWithoutACondition)
 {
     const LineFilter filter({});
     EXPECT_TRUE(filter.PassesTags(ParseTraceLine("a line of another program")));
@@ -20,7 +20,7 @@ TEST(LineFilter, PassesEverythingWhereNothingIsWanted)
     EXPECT_TRUE(filter.PassesText(""));
 }
 
-TEST(LineFilter, WantsComponentOrTracker)
+TEST(LineFilter, SelectsByComponentOrTracker)
 {
     const std::vector<std::string> tags = {"VolumeTracker", "KestraBoot"};
     EXPECT_TRUE(Passes(tags, "<***DeviceConnect***><VolumeTracker><a>"));
@@ -30,14 +30,14 @@ TEST(LineFilter, WantsComponentOrTracker)
     EXPECT_FALSE(Passes(tags, "a line of another program"));
 }
 
-TEST(LineFilter, TakesTagsAsTheyStandInALineAndInAnyCase)
+TEST(LineFilter, AcceptsTagsInTheFormOfALineAndInAnyCase)
 {
     EXPECT_TRUE(Passes({"<***DeviceConnect***>"}, "<***DeviceConnect***><NOKIA Devices>"));
     EXPECT_TRUE(Passes({"volumetracker"}, "<***DeviceConnect***><VolumeTracker><a>"));
     EXPECT_TRUE(Passes({"KESTRABOOT"}, "<KestraBoot><a>"));
 }
 
-TEST(LineFilter, WantsWholeTags)
+TEST(LineFilter, MatchesWholeTags)
 {
     EXPECT_FALSE(Passes({"KestraProxy"}, "<KestraProxy:OEM><a>"));
     EXPECT_FALSE(Passes({"Volume"}, "<***DeviceConnect***><VolumeTracker><a>"));
@@ -75,7 +75,7 @@ TEST(LineFilter, KnowsAPluginByItsName)
     EXPECT_FALSE(LineFilter({{"Plugin:Third"}, {}, {}}).PassesTags("DeviceConnect", "Plugin", two));
 }
 
-TEST(LineFilter, TellsWhichTagsThereAre)
+TEST(LineFilter, ListsTheExistingTags)
 {
     for (const std::string_view tag : kTags) {
         EXPECT_TRUE(IsTag(tag)) << tag;
@@ -88,7 +88,7 @@ TEST(LineFilter, TellsWhichTagsThereAre)
     EXPECT_EQ(kTags[kFirstTracker], "VolumeTracker");
 }
 
-TEST(LineFilter, WantsAProcessByNumberOrName)
+TEST(LineFilter, SelectsAProcessByNumberOrName)
 {
     const LineFilter filter({{}, {"556", "KestraBoot.exe", "viewer"}, {}});
     EXPECT_TRUE(filter.PassesProcess(556, "?"));
@@ -98,7 +98,7 @@ TEST(LineFilter, WantsAProcessByNumberOrName)
     EXPECT_FALSE(filter.PassesProcess(5560, "?"));
 }
 
-TEST(LineFilter, WantsATextInLettersOfEitherCase)
+TEST(LineFilter, SelectsATextInLettersOfEitherCase)
 {
     const LineFilter filter({{}, {}, "img_"});
     EXPECT_TRUE(filter.PassesText("<3><FILE><IMG_0001.JPG>"));

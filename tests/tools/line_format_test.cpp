@@ -89,7 +89,7 @@ TEST(FormattedLine, StaysOneLineAndMovesNoCursor)
     EXPECT_THAT(PlainText(Formatted("one\ntwo\x1b[2J\tthree\n")), HasSubstr("  one two [2J three"));
 }
 
-TEST(FormattedLine, IsToldToMachines)
+TEST(FormattedLine, HasAJsonForm)
 {
     const std::string text = "<***DeviceConnect***><VolumeTracker><REMOVABLE DEVICE><V|E:>";
     EXPECT_EQ(
@@ -113,7 +113,7 @@ TEST(FormattedLine, IsValidJsonWhateverItHolds)
                 HasSubstr("\"line\":\"\\\"\\\\\\t\\u0001\x7F \xEF\xBF\xBD \xEF\xBF\xBD\"}"));
 }
 
-TEST(FormattedLine, TellsOfLostLines)
+TEST(FormattedLine, ReportsLostLines)
 {
     EXPECT_EQ(PlainText(FormatLost({kMoment, 0, 0}, 7)),
               "12:33:47.123  (7 lines lost: they came faster than they could be shown)");

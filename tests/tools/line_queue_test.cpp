@@ -44,7 +44,7 @@ TEST(LineQueue, LosesAndCountsWhatItCannotHold)
         queue.Push(Line(std::to_string(i)));
     }
     EXPECT_EQ(queue.TakeLost(), 3U);
-    EXPECT_EQ(queue.TakeLost(), 0U) << "told once";
+    EXPECT_EQ(queue.TakeLost(), 0U) << "reported once";
     EXPECT_THAT(Taken(queue, kNoWait), ElementsAre("0", "1"));
     queue.Push(Line("later"));
     EXPECT_THAT(Taken(queue, kNoWait), ElementsAre("later"));
@@ -62,7 +62,7 @@ TEST(LineQueue, IsFinishedWhenItIsClosedAndEmpty)
     EXPECT_THAT(Taken(queue, kLong), ElementsAre()) << "without waiting";
 }
 
-TEST(LineQueue, WakesWhoWaits)
+TEST(LineQueue, WakesTheWaitingReader)
 {
     LineQueue queue(2);
     std::thread writer([&] {

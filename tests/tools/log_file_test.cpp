@@ -48,7 +48,7 @@ protected:
     LogFile log;
 };
 
-TEST_F(ALogFile, GoesOnBehindWhatItHolds)
+TEST_F(ALogFile, IsAppendedTo)
 {
     folder.AddFile(L"trace.log", "kept\n");
     ASSERT_TRUE(log.Open(path, {}));
@@ -79,7 +79,7 @@ TEST_F(ALogFile, IsRotatedBeforeItExceedsItsLength)
     }
 }
 
-TEST_F(ALogFile, KeepsAsManyAsAreAskedFor)
+TEST_F(ALogFile, KeepsTheGivenNumberOfOldFiles)
 {
     ASSERT_TRUE(log.Open(path, {kLongest, 2}));
     const std::string written = WriteLines(200, 1);
@@ -88,17 +88,17 @@ TEST_F(ALogFile, KeepsAsManyAsAreAskedFor)
     EXPECT_FALSE(std::filesystem::exists(folder.Path() / L"trace.log.3"));
 }
 
-TEST_F(ALogFile, BeginsAnewWithItsHeading)
+TEST_F(ALogFile, BeginsAgainWithItsHeading)
 {
     ASSERT_TRUE(log.Open(path, {kLongest, 9}));
     log.SetHeading("-- a day\n");
     WriteLines(50, 50);
     EXPECT_THAT(Contents(L"trace.log.1"), StartsWith("0..."))
-        << "whoever writes first writes it himself";
+        << "the first writer writes its heading itself";
     EXPECT_THAT(Contents(L"trace.log"), StartsWith("-- a day\n40..."));
 }
 
-TEST_F(ALogFile, GrowsOnWhereItCannotBeRenamed)
+TEST_F(ALogFile, KeepsGrowingIfItCannotBeRenamed)
 {
     ASSERT_TRUE(log.Open(path, {kLongest, 1}));
     folder.AddFile(L"trace.log.1", "held open");
@@ -117,7 +117,7 @@ TEST_F(ALogFile, GrowsOnWhereItCannotBeRenamed)
     EXPECT_FALSE(log.Failed());
 }
 
-TEST_F(ALogFile, IsMadeAnewWhereItWasRenamed)
+TEST_F(ALogFile, IsCreatedAgainIfItWasRenamed)
 {
     ASSERT_TRUE(log.Open(path, {}));
     log.SetHeading("-- a day\n");

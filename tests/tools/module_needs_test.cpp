@@ -55,10 +55,10 @@ protected:
 TEST_F(Needs, AreMetByWindows)
 {
     EXPECT_THAT(Missing(Needing({"KERNEL32.dll"})), IsEmpty());
-    EXPECT_EQ(asked, 1) << "what Windows' libraries need is Windows' business";
+    EXPECT_EQ(asked, 1) << "the imports of Windows' own libraries are not checked";
 }
 
-TEST_F(Needs, AreLookedForInTheLibrariesThatAreFoundToo)
+TEST_F(Needs, AreSearchedForInTheFoundLibrariesToo)
 {
     Put("a.dll", Needing({"KERNEL32.dll", "b.dll", "gone.dll"}));
     Put("b.dll", Needing({"a.dll", "far.dll"}));
@@ -78,7 +78,7 @@ TEST_F(Needs, AreNotMetByAFileThatCannotBeLoaded)
                 ElementsAre("old.dll for itself: is 32-bit", "text.dll for itself: is no program file"));
 }
 
-TEST_F(Needs, AreToldOnceWhateverTheCase)
+TEST_F(Needs, AreListedOnceWhateverTheCase)
 {
     EXPECT_THAT(Missing(Needing({"Lost.dll", "LOST.DLL"})),
                 ElementsAre("Lost.dll for itself: cannot be found"));

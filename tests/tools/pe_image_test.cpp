@@ -67,7 +67,7 @@ void ExpectFault(const std::string& bytes, const wchar_t* fault)
 constexpr const wchar_t* kNoProgram = L"is no program file";
 constexpr const wchar_t* kCutOff = L"is cut off in the middle, or damaged";
 
-TEST(PeImage, TellsWhatALibraryIsAndNeeds)
+TEST(PeImage, DescribesALibraryAndItsNeeds)
 {
     PeFile file;
     file.exports = {"Alpha", "FxPluginMain"};
@@ -99,7 +99,7 @@ TEST(PeImage, ReadsTheWindowsLibrariesOfThisProcess)
     EXPECT_THAT(reading.image->needs, Contains("KERNEL32.dll"));
 }
 
-TEST(PeImage, SaysOf32BitFilesJustThat)
+TEST(PeImage, ReadsTheMachineAloneOf32BitFiles)
 {
     PeFile file;
     file.machine = kMachine32Bit;
@@ -111,7 +111,7 @@ TEST(PeImage, SaysOf32BitFilesJustThat)
     EXPECT_EQ(MachineName(7), L"of machine type 7");
 }
 
-TEST(PeImage, TellsAProgramFromALibrary)
+TEST(PeImage, DistinguishesAProgramFromALibrary)
 {
     PeFile file;
     file.library = false;
@@ -129,7 +129,7 @@ TEST(PeImage, MayExportAndNeedNothing)
     EXPECT_THAT(reading.image->needs, IsEmpty());
 }
 
-TEST(PeImage, KnowsWhatIsNoProgram)
+TEST(PeImage, RecognisesAFileThatIsNoProgram)
 {
     for (const char* const text : {"", "M", "This is a text, and no library.",
                                    "\x7F"
@@ -141,7 +141,7 @@ TEST(PeImage, KnowsWhatIsNoProgram)
     ExpectFault(old, kNoProgram);
 }
 
-TEST(PeImage, KnowsAFileThatIsCutOffWhereverItIs)
+TEST(PeImage, RecognisesAFileThatIsCutOffAtAnyByte)
 {
     const std::string whole = PeFile().Bytes();
     ASSERT_TRUE(Read(whole).image);

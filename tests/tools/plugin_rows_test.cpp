@@ -61,7 +61,7 @@ TEST_F(CheckedPlugins, WaitForThePhoneManager)
     EXPECT_THAT(Lines(PluginRows(folder)).at(0), StartsWith("fine "));
 }
 
-TEST_F(CheckedPlugins, AreBrokenWhereTheHostCannotLoadThem)
+TEST_F(CheckedPlugins, AreBrokenIfTheHostCannotLoadThem)
 {
     Second().missing = {{"a.dll", "", L"cannot be found"}, {"b.dll", "c.dll", L"is 32-bit"}};
     EXPECT_THAT(
@@ -79,17 +79,17 @@ TEST_F(CheckedPlugins, AreBrokenWhereTheHostCannotLoadThem)
     EXPECT_THAT(SecondLine(), StartsWith("broken plugin p.mox: is no program file"));
 }
 
-TEST_F(CheckedPlugins, AreSuspiciousWhereTwoAreOneByTheirBytes)
+TEST_F(CheckedPlugins, AreSuspiciousIfTwoHaveTheSameBytes)
 {
     Second().sameBytesAs = L"nokiamanager.mox";
     EXPECT_THAT(SecondLine(), StartsWith("suspicious plugin p.mox: is byte for byte nokiamanager.mox"));
 }
 
-TEST_F(CheckedPlugins, AreSuspiciousWhereTwoSayThatTheyAreOne)
+TEST_F(CheckedPlugins, AreSuspiciousIfTwoHaveTheSameIdentifier)
 {
     folder.files[0].originalName = L"PHONES.mox";
     Second().originalName = L"phones.mox";
-    EXPECT_THAT(Lines(PluginRows(folder)).at(1), StartsWith("fine ")) << "the first is taken";
+    EXPECT_THAT(Lines(PluginRows(folder)).at(1), StartsWith("fine ")) << "the first one is used";
     EXPECT_THAT(SecondLine(), StartsWith("suspicious plugin p.mox: and nokiamanager.mox say"));
     Second().originalName = L"other.mox";
     EXPECT_THAT(SecondLine(), StartsWith("fine "));

@@ -66,7 +66,7 @@ TEST_F(CheckedApplications, AreNeeded)
                 ElementsAre(StartsWith("broken application : no application")));
 }
 
-TEST_F(CheckedApplications, AreBrokenWhereTheyAreLeftOutForMoreThanTheUsersWish)
+TEST_F(CheckedApplications, AreBrokenIfTheyAreLeftOutForMoreThanTheUsersWish)
 {
     ApplicationKey key;
     key.path = std::wstring(kRoot) + L"Bilder\\Corvane Kestrafetch";
@@ -92,7 +92,7 @@ TEST_F(CheckedApplications, AreBrokenWhereTheyAreLeftOutForMoreThanTheUsersWish)
                       HasSubstr("its installer must write the key"), HasSubstr("the long name")));
 }
 
-TEST_F(CheckedApplications, AreBrokenInThe32BitViewUnlessTheyStandInTheOtherToo)
+TEST_F(CheckedApplications, AreBrokenInThe32BitViewUnlessTheyAreInTheOtherToo)
 {
     ApplicationKey key;
     key.path = std::wstring(kRoot) + L"Narrow\\Corvane Kestrafetch";
@@ -149,7 +149,7 @@ TEST_F(CheckedApplications, MustHandleSomethingThatACardCanHold)
     MakeDefault(Viewer());
     EXPECT_TRUE(isBroken());
     facts.report.applications.push_back(Listed(L"Photos"));
-    EXPECT_TRUE(isBroken()) << "with a default the others' do not";
+    EXPECT_TRUE(isBroken()) << "with a default the kinds of the others do not count";
 }
 
 TEST_F(CheckedApplications, CanHaveNoPreferencesOfTheUserUnderSomeNames)
@@ -162,7 +162,8 @@ TEST_F(CheckedApplications, CanHaveNoPreferencesOfTheUserUnderSomeNames)
     }
     EXPECT_THAT(Lines(PreferencesRows(facts)), ElementsAre(StartsWith("fine preferences ")));
     Viewer().info.KeyPath = L"SOFTWARE\\Corvane\\Albums\\Corvane Kestrafetch";
-    EXPECT_THAT(Lines(PreferencesRows(facts)), ElementsAre(StartsWith("fine "))) << "they are there";
+    EXPECT_THAT(Lines(PreferencesRows(facts)), ElementsAre(StartsWith("fine ")))
+        << "the preferences exist";
     Viewer().key.userHasPreferences = false;
     EXPECT_THAT(Lines(PreferencesRows(facts)),
                 ElementsAre(AllOf(StartsWith("suspicious preferences Viewer: "),
@@ -176,7 +177,7 @@ TEST_F(CheckedApplications, CanHaveNoPreferencesWithoutTheUsersRoot)
                 ElementsAre(StartsWith("suspicious preferences : HKEY_CURRENT")));
 }
 
-TEST_F(CheckedApplications, HaveCardsSwitchedOffByADepthOfZero)
+TEST_F(CheckedApplications, HaveCardsDisabledByADepthOfZero)
 {
     Viewer().key.sniffDepth = 1;
     EXPECT_THAT(Lines(PreferencesRows(facts)), ElementsAre(StartsWith("fine ")));

@@ -70,21 +70,21 @@ void ExpectSame(const SeenLine& read, const SeenLine& written)
     EXPECT_EQ(read.text, written.text);
 }
 
-TEST_F(Recorded, IsWhatWasWrittenAsText)
+TEST_F(Recorded, IsTheLineThatWasWrittenAsText)
 {
     for (const SeenLine& written : Samples()) {
         ExpectSame(Line(PlainText(FormatLine(written, ParseTraceLine(written.text)))), written);
     }
 }
 
-TEST_F(Recorded, IsWhatWasWrittenAsJson)
+TEST_F(Recorded, IsTheLineThatWasWrittenAsJson)
 {
     for (const SeenLine& written : Samples()) {
         ExpectSame(Line(LineJson(written, ParseTraceLine(written.text))), written);
     }
 }
 
-TEST_F(Recorded, SaysOfLostLines)
+TEST_F(Recorded, ReportsLostLines)
 {
     const TimeStamp time = {kMidnight + kClock - 3'600'000, 60, 0};
     for (const std::string& text : {PlainText(FormatLost(time, 12)), LostJson(time, 12)}) {
@@ -96,7 +96,7 @@ TEST_F(Recorded, SaysOfLostLines)
     }
 }
 
-TEST_F(Recorded, TakesTheDayFromAboveTheLines)
+TEST_F(Recorded, HasTheDayOfTheHeadingAbove)
 {
     const std::string line = "13:26:59.994  a.exe                   1  x";
     EXPECT_EQ(ClockOf(line), kClock) << "the file's own day";
@@ -106,7 +106,7 @@ TEST_F(Recorded, TakesTheDayFromAboveTheLines)
     ExpectNone("-- soon");
 }
 
-TEST_F(Recorded, GoesOnPastMidnight)
+TEST_F(Recorded, ContinuesPastMidnight)
 {
     EXPECT_EQ(ClockOf("00000001\t11:59:59 PM\t[1] x"), 86'399'000);
     EXPECT_EQ(ClockOf("00000002\t12:00:01 AM\t[1] x"), 86'401'000);
@@ -136,7 +136,7 @@ TEST_F(Recorded, MayBeAnotherViewers)
     EXPECT_EQ(Line("12\t13:26:59\tno process").text, "no process");
 }
 
-TEST_F(Recorded, IsNothingElse)
+TEST_F(Recorded, IsNoOtherText)
 {
     for (const char* const text :
          {"a message of something else", "", "13:26:59.994", "13:26:59.994  a.exe",

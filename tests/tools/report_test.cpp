@@ -69,7 +69,7 @@ TEST(ReportText, ShowsEverything)
               "Organiser   (not installed)\r\n");
 }
 
-TEST(ReportText, SaysWhatIsNotThere)
+TEST(ReportText, NamesTheMissingThings)
 {
     const std::string text = PlainText(FormatReport({}));
     EXPECT_THAT(text, HasSubstr("  (none: a boot program that finds this ends, and removes the auto-run "
@@ -80,7 +80,7 @@ TEST(ReportText, SaysWhatIsNotThere)
     EXPECT_THAT(text, Not(HasSubstr("left out")));
 }
 
-TEST(ReportText, SaysWhatIsWrongWithTheEntry)
+TEST(ReportText, NamesTheFaultOfTheEntry)
 {
     Report report = Full();
     report.autoRunApplication.reset();
@@ -89,7 +89,7 @@ TEST(ReportText, SaysWhatIsWrongWithTheEntry)
     EXPECT_THAT(PlainText(FormatReport(report)), HasSubstr("a file that does not exist"));
 }
 
-TEST(ReportText, SaysWhatHoldsAnApplicationBack)
+TEST(ReportText, NamesTheSettingThatExcludesAnApplication)
 {
     Report report = Full();
     report.applications[0].mayLaunch = false;
@@ -102,7 +102,7 @@ TEST(ReportText, SaysWhatHoldsAnApplicationBack)
     EXPECT_THAT(text, HasSubstr("en_us (none is set)"));
 }
 
-TEST(ReportText, TellsWhereACardStartsSomethingElse)
+TEST(ReportText, ShowsIfACardStartsAnotherApplication)
 {
     Report report = Full();
     report.nextOfCard = NextLaunch{L"Other", L"select"};
@@ -118,7 +118,7 @@ TEST(ReportText, LetsNoNameMoveTheCursor)
     EXPECT_THAT(PlainText(FormatReport(report)), HasSubstr("  1. a   [2J  [default]\r\n"));
 }
 
-TEST(ReportJson, TellsEverything)
+TEST(ReportJson, ContainsEverything)
 {
     EXPECT_EQ(
         ReportJson(Full()),
@@ -144,14 +144,14 @@ TEST(ReportJson, TellsEverything)
             R"("},"organiser":null})");
 }
 
-TEST(ReportJson, TellsWhatIsNotThere)
+TEST(ReportJson, ContainsTheMissingThings)
 {
     EXPECT_EQ(ReportJson({}), HeadJson("report") + R"("applications":[],"leftOut":[],"defaults":[],)"
                                                    R"("arrivalStarts":null,"cardStarts":null,)"
                                                    R"("autoRun":null,"organiser":null})");
 }
 
-TEST(ReportJson, TellsOfTheOrganiser)
+TEST(ReportJson, ContainsTheOrganiser)
 {
     Report report;
     report.organiser.emplace().Name = L"Organiser";

@@ -54,7 +54,7 @@ TEST(StartLine, OfTheLegacyOrganiserKnowsVolumesAndScanners)
     EXPECT_TRUE(ParseStartLine(R"("VelProxy.exe" -d "C|a")")->kindGuessed);
 }
 
-TEST(StartLine, IsNothingElse)
+TEST(StartLine, IsNoOtherText)
 {
     for (const char* const text :
          {"", "\"", "\"C:\\a.exe\"", "\"C:\\a.exe\" -d E:", "\"C:\\a.exe\" -d \"E:\"",

@@ -68,7 +68,7 @@ TEST(TextLines, EndWithEitherLineEnd)
     EXPECT_THAT(LinesOf("\n"), ElementsAre(""));
 }
 
-TEST(TextLines, SayWhetherTheLastOneIsCut)
+TEST(TextLines, ReportWhetherTheLastOneIsCut)
 {
     EXPECT_THAT(LinesOf("one\ntw"), ElementsAre("one", "tw"));
     EXPECT_TRUE(CutUp("one\ntw", 3).inALine);
@@ -84,7 +84,7 @@ TEST(TextLines, AreUtf8WithAndWithoutItsMark)
                 ElementsAre("one"));
 }
 
-TEST(TextLines, AreAnsiWhereTheyAreNotUtf8)
+TEST(TextLines, AreAnsiIfTheyAreNotUtf8)
 {
     EXPECT_THAT(
         LinesOf("caf\xE9\ncaf\xC3\xA9\n\xC3\n\xE2\x82\n\xC0\xAF\n"),
@@ -101,12 +101,12 @@ TEST(TextLines, AreUtf16OfEitherOrder)
         EXPECT_TRUE(CutUp(mark + Utf16("on", little), 3).inALine);
     }
     EXPECT_THAT(LinesOf("\xFF\xFE\x3D\xD8\xF7\xDC\x0A"), ElementsAre("\xF0\x9F\x93\xB7"))
-        << "half a unit at the end is none";
+        << "half a code unit at the end is dropped";
     EXPECT_THAT(LinesOf(std::string("\xFF\xFE\x3D\xD8\xF7\xDC\x0A\x00", 8)),
                 ElementsAre("\xF0\x9F\x93\xB7"));
 }
 
-TEST(TextLines, AreCutWhereTheyNeverEnd)
+TEST(TextLines, AreCutIfTheyNeverEnd)
 {
     const std::string endless(TextLines::kLongestLine + 100, 'x');
     EXPECT_THAT(CutUp(endless + "\nnext\n", 1000).lines,

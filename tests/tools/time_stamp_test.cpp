@@ -23,7 +23,7 @@ TEST(TimeStamp, PassesMidnightWithLocalTime)
     EXPECT_EQ(DayText({kMoment, -13 * 60, 0}), "2026-11-20");
 }
 
-TEST(TimeStamp, SaysTheOffsetToMachines)
+TEST(TimeStamp, HasTheOffsetInJson)
 {
     EXPECT_EQ(IsoText({kMoment, 0, 0}), "2026-11-21T12:33:47.123+00:00");
     EXPECT_EQ(IsoText({kMoment, 330, 0}), "2026-11-21T18:03:47.123+05:30");

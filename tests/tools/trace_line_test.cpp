@@ -48,7 +48,7 @@ TEST(TraceLine, NamesThePluginThatIsServed)
     EXPECT_EQ(line.message, "Devices will be detected.");
 }
 
-TEST(TraceLine, SaysWhatFailed)
+TEST(TraceLine, MarksFailures)
 {
     EXPECT_EQ(ParseTraceLine("<KestraBoot><!!! Unable to launch Kestra.>").kind, LineKind::Failure);
     const TraceLine untagged = ParseTraceLine("Could not get the device type.");

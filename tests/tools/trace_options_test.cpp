@@ -9,7 +9,7 @@ namespace
 
 using testing::ElementsAre;
 
-TEST(TraceOptions, ShowEverythingForEverByDefault)
+TEST(TraceOptions, ShowEverythingWithoutALimitByDefault)
 {
     std::string wrong;
     const auto options = ParseTraceOptions({}, wrong);
@@ -104,7 +104,7 @@ TEST(TraceOptions, OfferHelp)
     }
 }
 
-TEST(TraceOptions, ShowTwoExamplesBeforeAllElse)
+TEST(TraceOptions, ShowTwoExamplesFirst)
 {
     const std::string help = TraceHelp();
     EXPECT_THAT(help, testing::StartsWith("examples:\n  kestratrace --arrivals "));

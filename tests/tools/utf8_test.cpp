@@ -15,7 +15,7 @@ TEST(Utf8, TakesOneToFourBytesForACharacter)
     EXPECT_EQ(ToUtf8(L"\U0001F4F7"), "\xF0\x9F\x93\xB7");
 }
 
-TEST(Utf8, StaysValidWhereASurrogateStandsAlone)
+TEST(Utf8, StaysValidIfASurrogateIsAlone)
 {
     EXPECT_EQ(ToUtf8(std::wstring{L'a', wchar_t(0xD83D)}), "a\xEF\xBF\xBD");
     EXPECT_EQ(ToUtf8(std::wstring{wchar_t(0xD83D), L'a'}), "\xEF\xBF\xBD"
@@ -23,7 +23,7 @@ TEST(Utf8, StaysValidWhereASurrogateStandsAlone)
     EXPECT_EQ(ToUtf8(std::wstring{wchar_t(0xDCF7), wchar_t(0xD83D)}), "\xEF\xBF\xBD\xEF\xBF\xBD");
 }
 
-TEST(Utf8, DoesNotLookBehindTheEnd)
+TEST(Utf8, DoesNotReadPastTheEnd)
 {
     EXPECT_EQ(ToUtf8(std::wstring_view(L"\U0001F4F7").substr(0, 1)), "\xEF\xBF\xBD");
 }

@@ -28,7 +28,7 @@ std::vector<Reason> WhyLeftOut(const ApplicationKey& key)
                            L"the key's name is to be written \"Corvane Kestrafetch\", case included"});
     }
     if (key.belowAnother) {
-        reasons.push_back({"below-another", L"the key lies below another application's key"});
+        reasons.push_back({"below-another", L"the key is below another application's key"});
     }
     if (key.behindLongName) {
         reasons.push_back({"behind-long-name", L"a key before it has a name of 128 or more characters, "

@@ -130,7 +130,7 @@ void Describe(CLI::App& app, TraceOptions& options, Texts& texts)
     CLI::Option* const rotate =
         app.add_option(
                "--rotate", options.rotate,
-               "begins the file anew before it exceeds SIZE, such as 10M;\nearlier ones are PATH.1, "
+               "begins a new file before it exceeds SIZE, such as 10M;\nearlier ones are PATH.1, "
                "PATH.2, ...")
             ->type_name("SIZE")
             ->needs(file)

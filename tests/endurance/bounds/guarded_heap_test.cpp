@@ -85,28 +85,28 @@ TEST(GuardedHeap, ServesAProgramThatKeepsToItsBlocks)
     EXPECT_EQ(EndOfChild(L"start", KeepToTheBlocks), kOperationReturned);
 }
 
-TEST(GuardedHeap, FaultsWhereABlockIsReadBehindItsEnd)
+TEST(GuardedHeap, FaultsIfABlockIsReadPastItsEnd)
 {
     EXPECT_EQ(EndOfChild(L"end", ReadBehindABlock), kAccessViolation);
 }
 
-TEST(GuardedHeap, FaultsWhereABlockIsReadBeforeItsStart)
+TEST(GuardedHeap, FaultsIfABlockIsReadBeforeItsStart)
 {
     EXPECT_EQ(EndOfChild(L"start", ReadBeforeABlock), kAccessViolation);
 }
 
-TEST(GuardedHeap, FaultsWhereAFreedBlockIsRead)
+TEST(GuardedHeap, FaultsIfAFreedBlockIsRead)
 {
     EXPECT_EQ(EndOfChild(L"end", ReadAFreedBlock), kAccessViolation);
     EXPECT_EQ(EndOfChild(L"start", ReadAFreedBlock), kAccessViolation);
 }
 
-TEST(GuardedHeap, TellsOfAWriteIntoTheAlignmentBehindABlock)
+TEST(GuardedHeap, ReportsAWriteIntoTheAlignmentAfterABlock)
 {
     EXPECT_EQ(EndOfChild(L"end", WriteOneByteBehindAnOddBlock), kReported);
 }
 
-TEST(GuardedHeap, IsNotThereUnlessAskedFor)
+TEST(GuardedHeap, IsOffByDefault)
 {
     EXPECT_EQ(EndOfChild(nullptr, ReadBehindABlock), kOperationReturned);
 }

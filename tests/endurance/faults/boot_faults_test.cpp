@@ -216,7 +216,7 @@ TEST_F(BootFaults, OfAStart)
                 "the control window, with Windows' own of its thread, until the process ends"}});
 }
 
-TEST_F(BootFaults, OfAQuestion)
+TEST_F(BootFaults, OfAVersionQuery)
 {
     SweepBoth("boot_version", L"kestraboot.exe --version");
 }

@@ -220,9 +220,9 @@ void CheckExpectedFile(const std::string& scene, const Outcomes& outcomes,
     Expectations expected = Parse(text);
     const std::string actual = outcomes.Text();
     if (FromTheArchive()) { // its longer paths take memory where the build's do not
-        EXPECT_LE(Allocations(text), Allocations(actual)) << scene << ": the allocations";
+        EXPECT_LE(Allocations(text), Allocations(actual)) << scene << ": the number of allocations";
     } else {
-        EXPECT_EQ(Allocations(text), Allocations(actual)) << scene << ": the allocations";
+        EXPECT_EQ(Allocations(text), Allocations(actual)) << scene << ": the number of allocations";
     }
     for (const auto& [name, outcome] : Parse(actual)) {
         const auto known = expected.find(name);
@@ -233,11 +233,11 @@ void CheckExpectedFile(const std::string& scene, const Outcomes& outcomes,
     for (const SweptCall& call : calls) {
         for (const Failure* const failure : call.failures) {
             const std::string name = NameOf(call, *failure);
-            EXPECT_EQ(expected.erase(name), 1U) << scene << "'s file does not tell of " << name;
+            EXPECT_EQ(expected.erase(name), 1U) << scene << "'s file does not list " << name;
         }
     }
     for (const auto& [name, outcome] : expected) {
-        ADD_FAILURE() << scene << "'s file tells of a call that is not made: " << name;
+        ADD_FAILURE() << scene << "'s file lists a call that is not made: " << name;
     }
 }
 

@@ -38,7 +38,7 @@ protected:
     void SetUp() override
     {
         if (std::getenv("KESTRABOOT_REWRITE_EXPECTED") != nullptr) {
-            GTEST_SKIP() << "would write the file of another scene";
+            GTEST_SKIP() << "would overwrite the file of another scene";
         }
     }
 
@@ -74,13 +74,13 @@ protected:
 
 #define EXPECT_SAYS(said, text) EXPECT_NE((said).find(text), std::string::npos) << (said)
 
-TEST_F(Sweep, SaysNothingOfWhatIsRight)
+TEST_F(Sweep, ReportsNothingIfNothingIsWrong)
 {
     EXPECT_EQ(Says(ReadTheCommandLine), "");
     EXPECT_EQ(Says(ReadTheCommandLine, SweepAllocations), "");
 }
 
-TEST_F(Sweep, NamesAHandleOfAnyKind)
+TEST_F(Sweep, NamesALeakedHandleOfAnyKind)
 {
     const std::string leaves = "command_line, when nothing fails, leaves behind: handles 1";
     EXPECT_SAYS(SaysOf([] {
@@ -94,7 +94,7 @@ TEST_F(Sweep, NamesAHandleOfAnyKind)
                 leaves);
 }
 
-TEST_F(Sweep, NamesAThread)
+TEST_F(Sweep, NamesALeakedThread)
 {
     letGo = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
     EXPECT_SAYS(SaysOf([] {
@@ -104,7 +104,7 @@ TEST_F(Sweep, NamesAThread)
     ::SetEvent(letGo);
 }
 
-TEST_F(Sweep, NamesAWindow)
+TEST_F(Sweep, NamesALeakedWindow)
 {
     EXPECT_SAYS(SaysOf([] {
                     ::CreateWindowExW(0, L"STATIC", L"left", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
@@ -113,7 +113,7 @@ TEST_F(Sweep, NamesAWindow)
                 "leaves behind: windows ");
 }
 
-TEST_F(Sweep, NamesMemoryTheErrorModeTheFolderAndCom)
+TEST_F(Sweep, NamesLeakedMemoryAndAChangedErrorModeFolderOrCom)
 {
     std::vector<std::unique_ptr<int>> kept;
     kept.reserve(1'000);
@@ -131,7 +131,7 @@ TEST_F(Sweep, NamesMemoryTheErrorModeTheFolderAndCom)
                 "leaves behind: COM initialised");
 }
 
-TEST_F(Sweep, NamesAnOutcomeThatIsNotTheFiles)
+TEST_F(Sweep, NamesAnUnexpectedOutcome)
 {
     EXPECT_SAYS(Says([](OpenHandler& handler) {
                     ReadTheCommandLine(handler);
@@ -140,29 +140,29 @@ TEST_F(Sweep, NamesAnOutcomeThatIsNotTheFiles)
                 "command_line: no failure");
 }
 
-TEST_F(Sweep, NamesACallThatIsMadeNoMore)
+TEST_F(Sweep, NamesAnExpectedCallThatIsNotMade)
 {
     const std::string said = Says([](OpenHandler&) {});
     EXPECT_SAYS(said,
-                "command_line's file tells of a call that is not made: CommandLineToArgvW 1: no memory");
-    EXPECT_SAYS(said, "command_line: the allocations");
+                "command_line's file lists a call that is not made: CommandLineToArgvW 1: no memory");
+    EXPECT_SAYS(said, "command_line: the number of allocations");
 }
 
-TEST_F(Sweep, NamesACallThatIsNew)
+TEST_F(Sweep, NamesAnUnexpectedCall)
 {
     EXPECT_SAYS(Says([](OpenHandler& handler) {
                     ReadTheCommandLine(handler);
                     ReadTheCommandLine(handler);
                 }),
-                "command_line's file does not tell of CommandLineToArgvW 2: no memory");
+                "command_line's file does not list CommandLineToArgvW 2: no memory");
 }
 
-TEST_F(Sweep, NamesShortagesThatAreFewerThanStated)
+TEST_F(Sweep, NamesFewerAllocationsThanExpected)
 {
-    EXPECT_SAYS(Says([](OpenHandler&) {}, SweepAllocations), "command_line takes memory ");
+    EXPECT_SAYS(Says([](OpenHandler&) {}, SweepAllocations), "command_line allocates ");
 }
 
-TEST_F(Sweep, NamesAPairThatEscapes)
+TEST_F(Sweep, NamesAPairWhoseExceptionEscapes)
 {
     testing::TestPartResultArray failures;
     {

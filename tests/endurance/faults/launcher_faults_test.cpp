@@ -46,7 +46,7 @@ TEST_F(LauncherFaults, OfMakingADefault)
     });
 }
 
-TEST_F(LauncherFaults, OfTakingADefaultBack)
+TEST_F(LauncherFaults, OfClearingADefault)
 {
     SweepBoth("take_default_back", [](OpenHandler& handler) {
         std::wstring name = L"Own";
@@ -71,7 +71,7 @@ TEST_F(LauncherFaults, OfTakingControl)
     });
 }
 
-TEST_F(LauncherFaults, OfTakingControlWithAFileOfTheMaker)
+TEST_F(LauncherFaults, OfTakingControlWithAnOemFile)
 {
     machine.PutOemFile("Stop=1");
     SweepBoth("take_control_oem", [](OpenHandler& handler) {
@@ -79,7 +79,7 @@ TEST_F(LauncherFaults, OfTakingControlWithAFileOfTheMaker)
     });
 }
 
-TEST_F(LauncherFaults, OfTakingControlWithAFileOfTheMakerThatStopsIt)
+TEST_F(LauncherFaults, OfTakingControlWithAnOemFileThatStopsIt)
 {
     machine.PutOemFile("1");
     SweepBoth("take_control_oem_stops", [](OpenHandler& handler) {
@@ -135,7 +135,7 @@ TEST_F(LauncherFaults, OfTheOrganisersProxy)
     });
 }
 
-TEST_F(LauncherFaults, OfALaunchComeInPairs)
+TEST_F(LauncherFaults, OfALaunchInPairs)
 {
     SweepPairs(HandlerScene(machine, "launch_default",
                             [this](OpenHandler& handler) {
@@ -144,7 +144,7 @@ TEST_F(LauncherFaults, OfALaunchComeInPairs)
                500);
 }
 
-TEST_F(LauncherFaults, OfTakingControlComeInPairs)
+TEST_F(LauncherFaults, OfTakingControlInPairs)
 {
     machine.PutOemFile("Stop=1");
     SweepPairs(HandlerScene(machine, "take_control_oem",

@@ -66,7 +66,7 @@ void SweepPairs(const Scene& scene, int pairs)
     WarmUp(scene);
     const std::string usual = OutcomeOf(scene, {});
     const std::vector<SweptCall> calls = SweptCalls();
-    ASSERT_GT(calls.size(), 1U) << scene.name << " makes no two calls";
+    ASSERT_GT(calls.size(), 1U) << scene.name << " makes fewer than two calls";
     const auto seed = static_cast<unsigned>(testing::UnitTest::GetInstance()->random_seed());
     Sampler sampler(scene, calls, seed);
     int met = 0;
@@ -75,9 +75,9 @@ void SweepPairs(const Scene& scene, int pairs)
         met += sampler.RunOne() ? 1 : 0;
     }
     EXPECT_TRUE(met == pairs || testing::Test::HasFailure())
-        << scene.name << ": only " << met << " of " << runs << " runs met a second failure";
+        << scene.name << ": only " << met << " of " << runs << " runs reached the second failure";
     CheckTable();
-    EXPECT_EQ(OutcomeOf(scene, {}), usual) << scene.name << ": the run after all of them";
+    EXPECT_EQ(OutcomeOf(scene, {}), usual) << scene.name << ": the run after all pairs";
     std::printf("%s: %d pairs of failures in %d runs; again: --gtest_random_seed=%u\n",
                 scene.name.c_str(), met, runs, seed);
 }

@@ -17,7 +17,7 @@ namespace kestraboot::tests
 namespace
 {
 
-constexpr const char* kTellsNothing = "a plugin loaded that tells nothing";
+constexpr const char* kReportsNothing = "a loaded plugin that reports nothing";
 constexpr const wchar_t* kPlugin = L".\\moxplugins\\nokiamanager.mox";
 
 int references = 0;
@@ -130,7 +130,7 @@ public:
         }
         if (::GetModuleHandleW(kPlugin) != nullptr) {
             Journal::Add(isRegistered ? L"LEFT BEHIND the plugin loaded"
-                                      : L"LEFT BEHIND a plugin loaded that tells nothing");
+                                      : L"LEFT BEHIND a loaded plugin that reports nothing");
         }
     }
 
@@ -171,11 +171,12 @@ protected:
                       {"", "blocks of memory 5", tracker},
                       {"GetName 2:", "blocks of memory 4", "the same, with a name that takes none"},
                       {"allocations work", "blocks of memory 10", "of two runs, each with its tracker"}};
-        scene.kept.push_back({"GetModuleHandleW 6:", kTellsNothing, "the library to free is not found"});
+        scene.kept.push_back(
+            {"GetModuleHandleW 6:", kReportsNothing, "the library to free is not found"});
         for (const char* const call : {"GetIdentifier 2:", "GetIdentifier 3:", "GetModuleHandleW 8:",
                                        "GetProcAddress 8:", "FxPluginMain 8:", "Query.13 3:"}) {
             scene.kept.push_back(
-                {call, kTellsNothing, "its tracker opens no source and ends without it"});
+                {call, kReportsNothing, "its tracker opens no source and ends without it"});
         }
         return scene;
     }
@@ -194,10 +195,10 @@ TEST_F(PluginFaults, OfAPhoneThatIsReady)
     SweepAllocations(scene);
 }
 
-TEST_F(PluginFaults, OfAPhoneThatIsReadyComeInPairs)
+TEST_F(PluginFaults, OfAPhoneThatIsReadyInPairs)
 {
     Scene scene = PhoneScene();
-    scene.kept.push_back({"", kTellsNothing, "see below, of either of the two"});
+    scene.kept.push_back({"", kReportsNothing, "see below, of either of the two"});
     scene.kept.push_back({"", "blocks of memory 4", "the tracker, with a name that takes none"});
     SweepPairs(scene, 100); // the most expensive scene
 }

@@ -102,7 +102,7 @@ TEST_F(RegistryFaults, OfTheUninstall)
     SweepAllocations(scene);
 }
 
-TEST_F(RegistryFaults, OfTheUninstallComeInPairs)
+TEST_F(RegistryFaults, OfTheUninstallInPairs)
 {
     Scene scene = UninstallScene(machine);
     for (const char* const call : {"K32EnumProcessModules", "TerminateProcess"}) {

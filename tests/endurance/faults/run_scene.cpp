@@ -102,7 +102,7 @@ void CheckTable()
 {
     for (const char* const function : UnknownFunctions()) {
         ADD_FAILURE() << "the product calls " << function
-                      << ", which the sweep does not know: add its failures to FailureTable() in "
+                      << ", which is not in the failure table: add its failures to FailureTable() in "
                          "failure_table.cpp, or its name to kCannotFail there";
     }
 }

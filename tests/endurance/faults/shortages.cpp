@@ -102,7 +102,7 @@ void SweepAllocations(const Scene& scene)
             ++failed;
         }
         EXPECT_TRUE(failed == expected || (failed > expected && FromTheArchive()))
-            << scene.name << " takes memory " << all << " times by its file; of each " << stride
+            << scene.name << " allocates " << all << " times according to its file; of every " << stride
             << "th from " << first << " on, " << failed << " failed instead of " << expected;
         swept += failed;
     }

@@ -52,7 +52,7 @@ void CheckKept(const Scene& scene, const std::string& usual)
 {
     for (const Kept& kept : scene.kept) {
         EXPECT_TRUE(!kept.call.empty() || usual.find(kept.what) != std::string::npos)
-            << scene.name << " does not leave behind: " << kept.what;
+            << scene.name << " no longer leaves behind: " << kept.what;
     }
 }
 

@@ -32,7 +32,7 @@ TEST(FailureTable, KnowsEveryFunctionThatTheLibraryImports)
     }
 }
 
-TEST(FailureTable, HasNothingThatNoSceneSweeps)
+TEST(FailureTable, ListsNoFunctionThatNoSceneSweeps)
 {
     for (const FunctionFailures& entry : FailureTable()) {
         EXPECT_NE(SomeSceneSweeps(entry.function),
@@ -41,7 +41,7 @@ TEST(FailureTable, HasNothingThatNoSceneSweeps)
     }
 }
 
-TEST(ExpectedOutcomes, AreOfScenesThatThereAre)
+TEST(ExpectedOutcomes, BelongToExistingScenes)
 {
     std::string tests;
     for (const auto& file : std::filesystem::directory_iterator(SourceFile("tests/endurance/faults"))) {

@@ -214,12 +214,12 @@ TEST_F(VolumeFaults, OfACardThatArrives)
     SweepAllocations(scene);
 }
 
-TEST_F(VolumeFaults, OfACardThatArrivesComeInPairs)
+TEST_F(VolumeFaults, OfACardThatArrivesInPairs)
 {
     SweepPairs(CardScene("volume"), 300);
 }
 
-TEST_F(VolumeFaults, OfADiskWithTheFileSystemOfTheMaker)
+TEST_F(VolumeFaults, OfADiskWithTheMakersFileSystem)
 {
     isMakersDisk = true;
     const Scene scene = CardScene("makers_disk");

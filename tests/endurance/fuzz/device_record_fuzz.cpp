@@ -83,7 +83,7 @@ TEST(DeviceRecordFuzz, IsReportedOrNotAsTheModelSays)
 
 int thrown = 0;
 
-TEST(DeviceRecordFuzz, IsTakenFromAnyHostThatThrows)
+TEST(DeviceRecordFuzz, IsAcceptedFromAnyPluginIfTheHostThrows)
 {
     const tests::RecordedEvents dispatch; // makes the dispatch's lock, and leaves no callback behind
     RegisterDeviceConnectCallback([](std::wstring&, std::wstring& id) {

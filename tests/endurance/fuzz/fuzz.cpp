@@ -31,7 +31,7 @@ bool Passes(std::uint64_t seed, const Case& oneCase)
     try {
         oneCase(random);
     } catch (const std::exception& unexpected) {
-        ADD_FAILURE() << "the case ended by an exception: " << unexpected.what();
+        ADD_FAILURE() << "the case threw an exception: " << unexpected.what();
     }
     return !testing::Test::HasFailure();
 }
@@ -50,7 +50,7 @@ void Fuzz(Cases cases, const Case& oneCase)
         const std::uint64_t seed = first + static_cast<std::uint64_t>(i);
         if (!Passes(seed, oneCase)) {
             ADD_FAILURE() << "case " << i << " of seed " << first
-                          << "; it alone: KESTRABOOT_FUZZ_SEED=" << seed
+                          << "; to repeat it: KESTRABOOT_FUZZ_SEED=" << seed
                           << " KESTRABOOT_FUZZ_CASES=1 with this test as --gtest_filter";
             return;
         }

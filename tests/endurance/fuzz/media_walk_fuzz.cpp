@@ -23,7 +23,7 @@ ExtensionSet SetOf(const std::vector<std::wstring>& extensions)
     return ExtensionSet(formats);
 }
 
-TEST(MediaWalkFuzz, LooksAtMadeUpFoldersAsTheModelDoes)
+TEST(MediaWalkFuzz, WalksGeneratedFoldersLikeTheModel)
 {
     SteeredFolders folders;
     tests::TraceRecorder trace;
@@ -84,7 +84,7 @@ void GrowReally(Random& random, const std::filesystem::path& folder, int depth)
     }
 }
 
-TEST(MediaWalkFuzz, LooksAtRealFoldersAsTheModelDoes)
+TEST(MediaWalkFuzz, WalksRealFoldersLikeTheModel)
 {
     const tests::TempFolder temp;
     tests::TraceRecorder trace;

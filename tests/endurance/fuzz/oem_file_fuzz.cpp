@@ -81,7 +81,7 @@ std::string Encoded(Random& random, const std::wstring& text)
     return (utf8 ? "\xEF\xBB\xBF" : "") + bytes;
 }
 
-TEST(OemFileFuzz, ARealFileStopsTheInstallWhereTheModelSays)
+TEST(OemFileFuzz, ARealFileStopsTheInstallIfTheModelExpectsIt)
 {
     const std::filesystem::path before = std::filesystem::current_path();
     const tests::TempFolder temp;

@@ -162,7 +162,7 @@ void ExpectSourceAnswers(const PluginHost& host, const PluginModel& model, std::
     }
 }
 
-TEST(PluginFuzz, EveryOperationAnswersAsTheModelDoesAndNothingStaysBehind)
+TEST(PluginFuzz, EveryOperationAnswersLikeTheModelAndNothingLeaks)
 {
     FakePlugins folder;
     Fuzz({.usual = 5'000}, [&](Random& random) {

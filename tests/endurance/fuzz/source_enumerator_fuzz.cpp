@@ -26,7 +26,7 @@ bool Same(const mox::SourceInfo& left, const mox::SourceInfo& right)
     return std::memcmp(&left, &right, sizeof left) == 0;
 }
 
-TEST(SourceEnumeratorFuzz, GivesTheListToProperRecordsAlone)
+TEST(SourceEnumeratorFuzz, FillsValidRecordsAlone)
 {
     Fuzz({.usual = 3'000}, [](Random& random) {
         std::list<mox::PluginDescriptor> plugins(random.Below(5));

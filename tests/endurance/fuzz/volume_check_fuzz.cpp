@@ -76,7 +76,7 @@ Walked ModelOfCheck(World& world, const std::wstring& root, const Volume& volume
     return all;
 }
 
-TEST(VolumeCheckFuzz, ReportsAVolumeWhereTheModelDoes)
+TEST(VolumeCheckFuzz, ReportsAVolumeIfTheModelDoes)
 {
     SteeredWorld steered(Keys::InMemory);
     SteeredFolders folders;

@@ -101,12 +101,12 @@ TEST(DispatchInterleavings, OfAHostThatThrowsKeepNoLock)
     GoesWellInEverySchedule<ThrowingHost>();
 }
 
-TEST(DispatchInterleavings, OfAnExchangeSendEachReportToOneCallback)
+TEST(DispatchInterleavings, OfAReplacedCallbackSendEachReportToOneCallback)
 {
     GoesWellInEverySchedule<ExchangeByTheHost>();
 }
 
-TEST(DispatchInterleavings, OfAnExchangeInTheCallbackSendEachReportToOneCallback)
+TEST(DispatchInterleavings, OfACallbackThatReplacesItselfSendEachReportToOneCallback)
 {
     GoesWellInEverySchedule<ExchangeInTheCallback>();
 }

@@ -17,7 +17,7 @@ void GoesWellInEverySchedule(int preemptions = PreemptionsAskedFor())
     Scheduler scheduler(preemptions);
     const Outcome outcome = scheduler.Explore<SceneType>();
     EXPECT_EQ(outcome.failure, "") << "schedule " << outcome.schedules << ":\n" << outcome.schedule;
-    EXPECT_GT(outcome.schedules, 1) << "the threads of the scene have nothing in common";
+    EXPECT_GT(outcome.schedules, 1) << "the threads of the scene share nothing";
     std::printf("    %ld schedules with at most %d preemptions\n", outcome.schedules, preemptions);
 }
 

@@ -30,7 +30,7 @@ void HostInScene::A(std::wstring&, std::wstring& deviceId)
 {
     current->Told('A', deviceId);
     if (current->aDoes == Does::Throws) {
-        throw std::runtime_error("the host's own trouble");
+        throw std::runtime_error("an exception of the host");
     }
     if (current->aDoes == Does::RegistersB) {
         current->RegisterB();
@@ -51,10 +51,10 @@ void HostInScene::RegisterB()
 void HostInScene::Told(char callback, const std::wstring& device)
 {
     if (inCallback) {
-        Scheduler::Running()->Fail("the host is told of two devices at once");
+        Scheduler::Running()->Fail("the host gets two reports at once");
     }
     inCallback = true;
-    Scheduler::Running()->Point(std::string("tells ") + callback + " of " + Narrow(device));
+    Scheduler::Running()->Point(std::string("reports ") + Narrow(device) + " to " + callback);
     inCallback = false;
     told.emplace_back(callback, device);
 }
@@ -77,10 +77,11 @@ std::string HostInScene::Check(const std::vector<std::wstring>& reported) const
             return one.second == device;
         });
         if (times != 1) {
-            return "the host is told of " + Narrow(device) + " " + std::to_string(times) + " times";
+            return "the host gets " + std::to_string(times) + " reports of " + Narrow(device);
         }
     }
-    return told.size() == reported.size() ? "" : "the host is told of a device that nobody reported";
+    return told.size() == reported.size() ? ""
+                                          : "the host gets a report of a device that nobody reported";
 }
 
 } // namespace kestraboot::interleavings

@@ -82,7 +82,7 @@ void Machine::Give(const void* address)
     Lock& lock = Of(address);
     InScene().Point("gives back lock " + std::to_string(lock.number));
     if (lock.owner != InScene().Self()) {
-        InScene().Fail("a thread gives back a lock that it does not have");
+        InScene().Fail("a thread releases a lock that it does not hold");
     }
     if (--lock.count == 0) {
         lock.owner = -1;
@@ -99,7 +99,7 @@ void Machine::Deleted(const void* address)
     Lock& lock = Of(address);
     InScene().Point("deletes lock " + std::to_string(lock.number));
     if (lock.owner != -1 || lock.deleted) {
-        InScene().Fail("a lock is deleted that is taken, or was deleted before");
+        InScene().Fail("a lock is deleted that is held, or was deleted before");
     }
     lock.deleted = true;
 }

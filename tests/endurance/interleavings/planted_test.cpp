@@ -125,7 +125,7 @@ private:
             Scheduler::Running()->Fail("two reports at once");
         }
         inCallback = how == Dispatch::WithoutLock;
-        Scheduler::Running()->Point("is told");
+        Scheduler::Running()->Point("gets a report");
         inCallback = false;
         static_cast<void>(device);
     }
@@ -221,7 +221,7 @@ TEST(PlantedFaults, OfTheOldErrorModeNeedTwoPreemptions)
     EXPECT_EQ(FindFailure<OldWalk>(1).failure, "");
 }
 
-TEST(PlantedFaults, AreNotInTheErrorModeOfToday)
+TEST(PlantedFaults, AreNotInThePresentErrorMode)
 {
     GoesWellInEverySchedule<NewWalk>(4);
     GoesWellInEverySchedule<NewWalkLookedAt>(4);
@@ -237,7 +237,7 @@ TEST(PlantedFaults, OfADispatchWithoutALockAreFound)
     ExpectFound(FindFailure<BadDispatch<Dispatch::WithoutLock>>(1), "two reports at once");
 }
 
-TEST(PlantedFaults, OfACallbackThatIsLookedAtTwiceAreFound)
+TEST(PlantedFaults, OfACallbackThatIsReadTwiceAreFound)
 {
     ExpectFound(FindFailure<BadDispatch<Dispatch::LooksTwice>>(1), "no callback is called");
 }

@@ -261,12 +261,12 @@ TEST(PluginInterleavings, OfAScanBesideALoadKeepTheErrorMode)
     GoesWellInEverySchedule<ScanBesideLoad>();
 }
 
-TEST(PluginInterleavings, OfAReportWhileTheSourceIsUnregisteredCallNothingThatIsFreed)
+TEST(PluginInterleavings, OfAReportWhileTheSourceIsUnregisteredUseNothingThatIsFreed)
 {
     GoesWellInEverySchedule<Unregistering>();
 }
 
-TEST(PluginInterleavings, OfAThreadThatIsNotWaitedForCallNothingThatIsFreed)
+TEST(PluginInterleavings, OfAThreadThatIsNotWaitedForUseNothingThatIsFreed)
 {
     GoesWellInEverySchedule<UnregisteringWithoutWaiting>();
 }

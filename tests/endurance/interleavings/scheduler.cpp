@@ -35,7 +35,7 @@ Scheduler::Scheduler(int most)
     : preemptions(most), realThread(::GetCurrentThreadId()), home(::ConvertThreadToFiber(nullptr))
 {
     if (home == nullptr || current != nullptr) {
-        throw std::runtime_error("no scheduler can be made");
+        throw std::runtime_error("the scheduler cannot be created");
     }
     current = this;
 }
@@ -105,7 +105,7 @@ int Scheduler::Start(const std::string& name, std::function<void()> body)
         idleFibers.pop_back();
     }
     if (thread->fiber == nullptr) {
-        throw std::runtime_error("no fiber can be made");
+        throw std::runtime_error("a fiber cannot be created");
     }
     threads.push_back(std::move(thread));
     return static_cast<int>(threads.size()) - 1;

@@ -33,7 +33,7 @@ void Report(std::wstring& kind, std::wstring& deviceId)
 {
     reported.push_back(kind + L' ' + deviceId);
     if (reported.size() % 16 == 0) {
-        throw std::runtime_error("the host's own trouble");
+        throw std::runtime_error("an exception of the host");
     }
 }
 
@@ -134,7 +134,8 @@ TEST(CardStorm, ReportsEachArrivalAsOftenAsTheRulesSay)
     }
     ASSERT_TRUE(clock.LookAgain());
     const int handlesAfter = OpenHandlesOf(::GetCurrentProcess());
-    EXPECT_LT(handlesAfter - handlesBefore, 10) << "one a card would be a hundred and more";
+    EXPECT_LT(handlesAfter - handlesBefore, 10)
+        << "a leak of one handle a card would make a hundred or more";
     std::cout << inserted << " cards, " << handlesBefore << " -> " << handlesAfter << " handles\n";
 }
 

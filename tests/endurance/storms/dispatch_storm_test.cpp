@@ -51,7 +51,7 @@ void Throwing(std::wstring&, std::wstring& deviceId)
 {
     Take(deviceId);
     if (seen.calls % 64 == 0) {
-        throw std::runtime_error("the host's own trouble");
+        throw std::runtime_error("an exception of the host");
     }
 }
 
@@ -62,7 +62,7 @@ void Replacing(std::wstring& kind, std::wstring& deviceId)
     RegisterDeviceConnectCallback(Quiet);
 }
 
-TEST(DispatchStorm, LosesNoneRunsOneAtATimeAndKeepsEachThreadsOrder)
+TEST(DispatchStorm, LosesNoReportRunsOneAtATimeAndKeepsEachThreadsOrder)
 {
     constexpr int reports = 1'000'000 / kThreads;
     InitializeDispatch();

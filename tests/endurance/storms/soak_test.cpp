@@ -85,7 +85,7 @@ double Mean(const std::vector<ResourceUse>& samples, std::size_t from, std::size
     return sum / static_cast<double>(to - from);
 }
 
-TEST_F(Soak, OfAllDevicesAtOnceLeavesTheBootProgramAsItWas)
+TEST_F(Soak, OfAllDevicesAtOnceLeaksNothing)
 {
     ChildProcess boot(app.Proxy());
     const HWND volumes = AwaitWindow(boot.Id(), kVolumeWindow);
@@ -131,10 +131,11 @@ TEST_F(Soak, OfAllDevicesAtOnceLeavesTheBootProgramAsItWas)
                Mean(samples, 0, quarter, member);
     };
     const double roundsBetween = 0.75 * static_cast<double>(samples.size());
-    EXPECT_LT(growth(&ResourceUse::handles), 0.5 * roundsBetween) << "less than one in two rounds";
+    EXPECT_LT(growth(&ResourceUse::handles), 0.5 * roundsBetween) << "one handle or more in two rounds";
     EXPECT_LT(growth(&ResourceUse::threads), 0.5 * roundsBetween);
     EXPECT_LT(growth(&ResourceUse::windows), 1);
-    EXPECT_LT(growth(&ResourceUse::privateBytes), 7'000'000) << "stacks of COM's threads are 3 MB each";
+    EXPECT_LT(growth(&ResourceUse::privateBytes), 7'000'000)
+        << "the stack of a thread of COM takes 3 MB";
     Quit(boot);
 }
 

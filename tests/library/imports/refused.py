@@ -34,18 +34,18 @@ def main() -> int:
                        + "kernel32.dll SetProcessWorkingSetSize XP-x64 page\n")
 
     young = (f"{planted.name} imports GetSystemTimePreciseAsFileTime of kernel32.dll, "
-             "which Windows has from 8 on")
+             "which Windows has since 8")
     unlisted = f"{planted.name} imports SetProcessWorkingSetSize of kernel32.dll, which is not in imports.txt"
     expected = {
         "too young and not listed": (run(check, table, planted), 1, {young, unlisted}),
         "the same, allowed": (run(check, str(lenient), planted), 0, set()),
-        "subsystem": (run(check, str(lenient), too_late), 1, {"asks_for_7.dll asks for subsystem 6.1"}),
+        "subsystem": (run(check, str(lenient), too_late), 1, {"asks_for_7.dll requires subsystem 6.1"}),
     }
     wrong = 0
     for what, ((status, lines), wanted_status, wanted) in expected.items():
         said = set(lines[lines.index(next(line for line in lines if line.startswith("imports:"))) + 1:]) - {""}
         if (status, said) != (wanted_status, wanted):
-            print(f"{what}: ended with {status}, said {sorted(said)}")
+            print(f"{what}: exit code {status}, printed {sorted(said)}")
             wrong += 1
     print(f"refused imports: {len(expected)} cases, {wrong} wrong")
     return 1 if wrong else 0

@@ -20,7 +20,7 @@ TEST(Planted, IsSkippedByItself)
 
 TEST(Planted, IsSkippedByTheList)
 {
-    FAIL() << "it was run";
+    FAIL() << "this test must not run";
 }
 
 TEST(Planted, Crashes)
@@ -39,6 +39,6 @@ TEST(Planted, HangsUnderTheWatchdog)
     ::Sleep(INFINITE);
 }
 
-TEST(Planted, PassesBehindAll) {}
+TEST(Planted, PassesAfterAll) {}
 
 } // namespace

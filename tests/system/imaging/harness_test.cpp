@@ -24,7 +24,7 @@ TEST(AHost, ThatHangsFailsTheTest)
     EXPECT_NONFATAL_FAILURE(host.reset(), "the host hangs");
 }
 
-TEST(AHost, ThatEndsBadlyFailsTheTest)
+TEST(AHost, ThatExitsWithAnErrorFailsTheTest)
 {
     auto host = std::make_unique<HostProcess>(L"imaging_host_6_1.exe");
     ::TerminateProcess(host->Handle(), 3);
@@ -44,7 +44,7 @@ std::string Leaks(const std::function<void()>& lookUp)
         .message();
 }
 
-TEST(ALeak, IsNotSeenWhereThereIsNone)
+TEST(ALeak, IsNotReportedIfThereIsNone)
 {
     EXPECT_EQ(Leaks([] {}), "");
 }
@@ -57,7 +57,7 @@ TEST(ALeak, OfOneHandleInTenLookUpsIsNamed)
                       static_cast<void>(::CreateEventW(nullptr, FALSE, FALSE, nullptr));
                   }
               }),
-              "they leave behind each time: handles");
+              "they leak each time: handles");
 }
 
 TEST(ALeak, OfTenKilobytesALookUpIsNamed)
@@ -66,7 +66,7 @@ TEST(ALeak, OfTenKilobytesALookUpIsNamed)
     EXPECT_EQ(Leaks([&] {
                   kept.emplace_back(10'240, 'x');
               }),
-              "they leave behind each time: memory");
+              "they leak each time: memory");
 }
 
 TEST(ALeak, OfAWindowIsNamed)

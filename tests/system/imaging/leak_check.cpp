@@ -47,7 +47,7 @@ testing::AssertionResult LeavesNothingBehind(HANDLE process, const std::string& 
         }
         before = after;
     }
-    return testing::AssertionFailure() << what << " leave behind each time: " << grown;
+    return testing::AssertionFailure() << what << " leak each time: " << grown;
 }
 
 } // namespace kestraboot::tests

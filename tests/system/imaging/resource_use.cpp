@@ -22,7 +22,7 @@ long long CountPrivateBytes(HANDLE process)
         }
     }
     if (bytes == 0) {
-        throw std::runtime_error("the system does not tell the memory of a process");
+        throw std::runtime_error("the memory of a process cannot be read");
     }
     return bytes;
 }
@@ -52,7 +52,7 @@ long CountThreads(DWORD processId)
     }
     ::CloseHandle(snapshot);
     if (count == 0) {
-        throw std::runtime_error("the system does not tell the threads of a process");
+        throw std::runtime_error("the threads of a process cannot be counted");
     }
     return count;
 }

@@ -93,7 +93,7 @@ TEST_F(StillImageSystem, ReportsOneOfTwoDevicesOfAChangeAndNoneThatWasThere)
                 ElementsAre("event camera|\"Fine Scan\"", "event scanner|\"Ger\u00E4t\""));
 }
 
-TEST_F(StillImageSystem, TellsNothingOfSourcesThatAreNotListedOrComeFromWia)
+TEST_F(StillImageSystem, ReportsNoSourceThatIsNotListedOrComesFromWia)
 {
     const std::string bridge = "camera " + Device("0001", L"WIA-Bridge");
     const std::string missing = "camera " + Device("0002", L"Not Installed");
@@ -128,7 +128,7 @@ TEST_F(StillImageSystem, ReportsTheFirstDeviceAfterAListThatFailed)
     EXPECT_TRUE(host.WaitFor("event scanner|\"Fine Scan\""));
 }
 
-TEST_F(StillImageSystem, WithoutStillImagingSaysSoAndStaysQuiet)
+TEST_F(StillImageSystem, WithoutStillImagingWritesItsLineAndReportsNothing)
 {
     Plug({"refuse-create"});
     HostProcess host(L"imaging_host_6_0.exe");
@@ -150,7 +150,7 @@ class WindowsVersions : public StillImageSystem, public testing::WithParamInterf
 };
 
 // Without a WIA service of ours: the threads that start, and the use of Wine's own service.
-TEST_P(WindowsVersions, StartsTheTrackersThatSuit)
+TEST_P(WindowsVersions, DecideWhichTrackersStart)
 {
     const OfWindows& expected = GetParam();
     const std::string scanner = "scanner " + Device("0001", L"Fine Scan");

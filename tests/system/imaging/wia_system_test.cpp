@@ -64,7 +64,7 @@ TEST_F(WiaSystem, ReportsACameraAndAScannerThatConnect)
                             "trace <***DeviceConnect***><WiaTracker><WIA DEVICE><S|S-2>."));
 }
 
-TEST_F(WiaSystem, TellsInOneLineWhatItCannotPlace)
+TEST_F(WiaSystem, WritesOneLineForADeviceOfUnknownType)
 {
     HostProcess host(L"imaging_host_6_0.exe");
     ASSERT_TRUE(host.WaitFor(kDetected));
@@ -78,7 +78,7 @@ TEST_F(WiaSystem, TellsInOneLineWhatItCannotPlace)
     EXPECT_THAT(host.Lines("event"), ElementsAre("event scanner|last"));
 }
 
-TEST_F(WiaSystem, SaysWhenTheServiceRefusesAndStaysAlive)
+TEST_F(WiaSystem, WritesALineWhenTheServiceRefusesAndStaysAlive)
 {
     List({"refuse-registration"});
     HostProcess host(L"imaging_host_6_0.exe");
@@ -87,7 +87,7 @@ TEST_F(WiaSystem, SaysWhenTheServiceRefusesAndStaysAlive)
     EXPECT_THAT(host.Lines("event"), IsEmpty());
 }
 
-TEST_F(WiaSystem, CannotPlaceADeviceWhileTheServiceListsNone)
+TEST_F(WiaSystem, RefusesADeviceWhileTheServiceListsNone)
 {
     HostProcess host(L"imaging_host_6_0.exe");
     ASSERT_TRUE(host.WaitFor(kDetected));
@@ -118,7 +118,7 @@ TEST_F(WiaSystem, OnXpADeviceIsReportedByBothTrackersAndTwainComesFirst)
     EXPECT_TRUE(host.WaitForCount("event camera|WIA-TEST", 2));
 }
 
-TEST_F(WiaSystem, OnXpTheStillImageTrackerTellsWhatWiaDoesNotKnow)
+TEST_F(WiaSystem, OnXpTheStillImageTrackerWritesALineForADeviceThatWiaDoesNotList)
 {
     HostProcess host(L"imaging_host_5_1.exe");
     ASSERT_TRUE(host.WaitFor(kStiDetected));
@@ -152,7 +152,7 @@ TEST_F(WiaSystem, OnOtherSystemsThanXpTheStillImageTrackerDoesNotAskWia)
     }
 }
 
-TEST_F(WiaSystem, On2000AWiaDeviceThatConnectsIsNotHeardOf)
+TEST_F(WiaSystem, On2000AWiaDeviceThatConnectsIsNotReported)
 {
     HostProcess vista(L"imaging_host_6_0.exe");
     ASSERT_TRUE(vista.WaitFor(kDetected));
@@ -169,7 +169,7 @@ TEST_F(WiaSystem, On2000AWiaDeviceThatConnectsIsNotHeardOf)
     EXPECT_THAT(windows2000.Lines("event"), IsEmpty());
 }
 
-TEST_F(WiaSystem, IsLeftByAHostThatEnds)
+TEST_F(WiaSystem, ServesAHostAfterAnotherOneHasExited)
 {
     {
         HostProcess host(L"imaging_host_6_0.exe");

@@ -71,7 +71,7 @@ TEST_F(Callback, ReportsAMobileDeviceOnlyWhenItIsReady)
     EXPECT_EQ(reports.All(), (std::vector<DeviceReport>{{L"mobile", L"phone"}}));
 }
 
-TEST_F(Callback, ReportsADeviceAgainEachTimeItIsToldOf)
+TEST_F(Callback, ReportsADeviceAgainEachTimeItIsReported)
 {
     for (int told = 0; told < 3; ++told) {
         EXPECT_EQ(Notify(Record(1, 0, L"camera")), mox::kSuccess);
@@ -95,7 +95,7 @@ TEST_F(Callback, IgnoresOtherSizesAndOtherEvents)
     EXPECT_EQ(callback->Notify(0, nullptr), mox::kBadArgument);
 }
 
-TEST_F(Callback, LooksAtNothingElseOfTheRecord)
+TEST_F(Callback, ReadsNothingElseOfTheRecord)
 {
     mox::DeviceRecord record = Record(7);
     record.reserved4 = record.reserved12 = record.value3628 = record.reserved3652 = 0xFFFFFFFF;
@@ -119,7 +119,7 @@ TEST_F(Callback, CutsAnIdentifierThatIsNotTerminatedAt259Characters)
                                                         {L"camera", L""}}));
 }
 
-TEST_F(Callback, TakesEightThreadsAtOnceLosesNothingAndKeepsTheOrderOfEach)
+TEST_F(Callback, AcceptsEightThreadsAtOnceLosesNothingAndKeepsTheOrderOfEach)
 {
     constexpr int kThreads = 8;
     constexpr int kEach = 250;
@@ -171,7 +171,7 @@ TEST_F(Callback, HoldsASecondNotificationBackUntilTheFirstIsDone)
     const FAKE_IMPORT(EnterCriticalSection) enter([&](CRITICAL_SECTION* section) {
         if (!::TryEnterCriticalSection(section)) {
             EXPECT_EQ(entered.size(), 2U) << "the object's own section and that of the dispatch";
-            EXPECT_EQ(section, entered[0]) << "the second came as far as the dispatch";
+            EXPECT_EQ(section, entered[0]) << "the second report reached the dispatch";
             letItGo.Set();
             while (!::TryEnterCriticalSection(section)) {
                 ::SwitchToThread();
@@ -200,7 +200,7 @@ TEST_F(Callback, MayBeCalledFromInsideANotification)
     EXPECT_EQ(reports.All(), (std::vector<DeviceReport>{{L"camera", L"outer"}, {L"camera", L"inner"}}));
 }
 
-TEST_F(Callback, LetsNothingOutAndGoesOn)
+TEST_F(Callback, LetsNoExceptionOutAndContinues)
 {
     reports.during = [](const DeviceReport&) {
         throw 42;
@@ -214,7 +214,7 @@ TEST_F(Callback, LetsNothingOutAndGoesOn)
     EXPECT_EQ(reports.All().size(), 2U);
 }
 
-TEST_F(Callback, HasNoOtherInterfaceAndLeavesTheOutputAsItWas)
+TEST_F(Callback, HasNoOtherInterfaceAndLeavesTheOutputUnchanged)
 {
     for (const mox::InterfaceNumber number : {0U, 1U, 8U, 9U, 13U}) {
         void* object = this;

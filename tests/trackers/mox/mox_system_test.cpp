@@ -103,7 +103,7 @@ TEST_F(PluginsInAHost, ReportAPhoneOnceItIsReady)
     EXPECT_EQ(host.Read(), "device mobile Phone of Bob");
 }
 
-TEST_F(PluginsInAHost, GoOnAfterACallbackThatThrows)
+TEST_F(PluginsInAHost, ContinueAfterACallbackThatThrows)
 {
     InstallPhoneManager();
     HostProcess host(home.Path());
@@ -130,7 +130,7 @@ TEST_F(PluginsInAHost, AreBuiltFromTheSample)
     ::CloseHandle(camera);
 }
 
-TEST_F(PluginsInAHost, AreTrackedThoughOthersAreBroken)
+TEST_F(PluginsInAHost, AreTrackedEvenIfOthersAreBroken)
 {
     InstallPhoneManager();
     InstallPlugin("good");
@@ -166,12 +166,12 @@ TEST_F(PluginsInAHost, MayBeTwoHundred)
         EXPECT_TRUE(detecting.insert(line).second) << line << " came twice";
     }
     EXPECT_EQ(detecting, expected);
-    EXPECT_EQ(tests::RunProgram(L"phone.exe ready among many"), 2U) << "one word too many";
+    EXPECT_EQ(tests::RunProgram(L"phone.exe ready among many"), 2U) << "one argument too many";
     EXPECT_EQ(tests::RunProgram(L"phone.exe ready \"among many\""), 0U);
     host.Await("device mobile among many");
 }
 
-TEST_F(PluginsInAHost, MayTellFromEightThreadsAtOnce)
+TEST_F(PluginsInAHost, MayReportFromEightThreadsAtOnce)
 {
     InstallPhoneManager();
     InstallPlugin("storm-1");

@@ -103,7 +103,7 @@ TEST_F(FolderOfPlugins, OfTwoHundredIsLoadedAndUnloaded)
     }
 }
 
-TEST_F(FolderOfPlugins, LeavesOutAFileWhosePathDoesNotFit)
+TEST_F(FolderOfPlugins, SkipsAFileWhosePathDoesNotFit)
 {
     // ".\moxplugins\" has 13 characters, so a name of 246 makes a path of 259, the longest that fits.
     const std::wstring longest = std::wstring(242, L'l') + L".mox";

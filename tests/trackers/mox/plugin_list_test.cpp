@@ -61,7 +61,7 @@ TEST_F(PluginLoading, ListsThePluginAndLeavesItLoaded)
     EXPECT_NE(entry.identifier.data1, 0U);
 }
 
-TEST_F(PluginLoading, HandsThePluginItsOwnEntryWhichKeepsItsPlace)
+TEST_F(PluginLoading, PassesThePluginItsOwnEntryWhichIsNeverMoved)
 {
     ASSERT_EQ(plugins.LoadPlugin(folder.Add(L"alpha")), mox::kSuccess);
     const mox::PluginDescriptor* const entry = &plugins.Entries().front();
@@ -75,7 +75,7 @@ TEST_F(PluginLoading, HandsThePluginItsOwnEntryWhichKeepsItsPlace)
     EXPECT_STREQ(folder.EntryOf(L"gamma")->name, L"gamma");
 }
 
-TEST_F(PluginLoading, OfALibraryThatIsInTheProcessSucceedsWithoutDoingMore)
+TEST_F(PluginLoading, OfALibraryThatIsInTheProcessSucceedsWithoutFurtherCalls)
 {
     const auto alpha = folder.Add(L"alpha");
     ASSERT_EQ(plugins.LoadPlugin(alpha), mox::kSuccess);
@@ -90,7 +90,7 @@ TEST_F(PluginLoading, OfALibraryThatIsInTheProcessSucceedsWithoutDoingMore)
     EXPECT_FALSE(folder.IsLoaded(L"alpha")) << "the second load added a reference to the library";
 }
 
-TEST_F(PluginLoading, OfWhatIsNoLibraryFails)
+TEST_F(PluginLoading, OfAFileThatIsNoLibraryFails)
 {
     const auto write = [&](const char* name, std::string_view contents) {
         std::ofstream(folder.Path() / name, std::ios::binary) << contents;
@@ -160,7 +160,7 @@ TEST_P(ThrowingWhileLoading, BecomesAStatusAndThePluginIsUnloaded)
     EXPECT_FALSE(folder.IsLoaded(L"alpha"));
     EXPECT_EQ(folder.References(L"alpha"), 0);
     EXPECT_TRUE(plugins.Entries().empty());
-    EXPECT_EQ(plugins.LoadPlugin(folder.Add(L"beta")), mox::kSuccess) << "the host did not carry on";
+    EXPECT_EQ(plugins.LoadPlugin(folder.Add(L"beta")), mox::kSuccess) << "the host did not continue";
     EXPECT_EQ(std::uncaught_exceptions(), 0);
 }
 
@@ -170,7 +170,7 @@ INSTANTIATE_TEST_SUITE_P(EachOperation, ThrowingWhileLoading,
                                          Operation::GetName, Operation::SetListEntry,
                                          Operation::ReleaseDescriptor));
 
-TEST_F(PluginLoading, LeavesWhatThePluginDoesNotTellAtZero)
+TEST_F(PluginLoading, LeavesFieldsThatThePluginDoesNotSetAtZero)
 {
     EXPECT_EQ(plugins.LoadPlugin(folder.Add(L"name", Failing(Operation::GetName))), mox::kSuccess);
     EXPECT_STREQ(plugins.Entries().back().name, L"");
@@ -183,7 +183,7 @@ TEST_F(PluginLoading, LeavesWhatThePluginDoesNotTellAtZero)
     EXPECT_EQ(plugins.Entries().size(), 4U);
 }
 
-TEST_F(PluginLoading, LeavesWhatASuccessfulAnswerDoesNotWriteAtZero)
+TEST_F(PluginLoading, LeavesFieldsThatASuccessfulAnswerDoesNotWriteAtZero)
 {
     EXPECT_EQ(plugins.LoadPlugin(folder.Add(L"name", {.silent = Operation::GetName})), mox::kSuccess);
     EXPECT_STREQ(plugins.Entries().back().name, L"");
@@ -195,7 +195,7 @@ TEST_F(PluginLoading, LeavesWhatASuccessfulAnswerDoesNotWriteAtZero)
     EXPECT_EQ(std::memcmp(&plugins.Entries().back().identifier, &kZero, sizeof kZero), 0);
 }
 
-TEST_F(PluginLoading, TakesAnInterfaceThatIsPromisedAndNotGivenForNone)
+TEST_F(PluginLoading, TreatsAnInterfaceThatIsPromisedAndNotReturnedAsNone)
 {
     EXPECT_EQ(plugins.LoadPlugin(folder.Add(L"alpha", {.silent = Operation::QueryDescriptor})),
               mox::kFailure);
@@ -203,7 +203,7 @@ TEST_F(PluginLoading, TakesAnInterfaceThatIsPromisedAndNotGivenForNone)
     EXPECT_EQ(folder.References(L"alpha"), 0);
 }
 
-TEST_F(PluginLoading, KeepsNamesOf259CharactersWholeAndEndsLongerOnes)
+TEST_F(PluginLoading, KeepsNamesOf259CharactersWholeAndCutsLongerOnes)
 {
     const auto nameOf = [&](const wchar_t* plugin, std::size_t length, bool terminated) {
         Behaviour behaviour;
@@ -259,7 +259,7 @@ TEST_F(PluginLoading, TriesTheFileAsDataFirstWithoutErrorBoxes)
     ::SetErrorMode(0);
 }
 
-TEST_F(PluginLoading, OnManyThreadsLeavesTheErrorModeAsItWas)
+TEST_F(PluginLoading, OnManyThreadsLeavesTheErrorModeUnchanged)
 {
     std::atomic<int> wrongMode = 0;
     const auto load = [&](const wchar_t*) -> HMODULE {
@@ -323,7 +323,7 @@ TEST_F(PluginUnloading, FindsTheEntryByTheExactSpellingOfItsPath)
     EXPECT_EQ(plugins.Entries().size(), 1U);
 }
 
-TEST_F(PluginUnloading, FreesAPluginThatThrowsOrGivesNothingAllTheSame)
+TEST_F(PluginUnloading, FreesAPluginThatThrowsOrReturnsNothing)
 {
     for (const auto& [operation, status] : {std::pair(Operation::Main, mox::kException),
                                             std::pair(Operation::QueryDescriptor, mox::kException),
@@ -351,7 +351,7 @@ TEST_F(PluginUnloading, FreesAPluginThatThrowsOrGivesNothingAllTheSame)
     EXPECT_FALSE(folder.IsLoaded(L"refusing"));
 }
 
-TEST_F(PluginUnloading, OfAllTellsHowMany)
+TEST_F(PluginUnloading, OfAllReturnsTheirNumber)
 {
     EXPECT_EQ(plugins.UnloadAllPlugins(), 0U);
     for (const wchar_t* name : {L"alpha", L"beta", L"gamma"}) {
@@ -365,7 +365,7 @@ TEST_F(PluginUnloading, OfAllTellsHowMany)
     }
 }
 
-TEST_F(PluginUnloading, OfAllEndsThoughSomebodyElseFreedALibrary)
+TEST_F(PluginUnloading, OfAllEndsEvenIfSomebodyElseFreedALibrary)
 {
     ASSERT_EQ(plugins.LoadPlugin(folder.Add(L"alpha")), mox::kSuccess);
     ASSERT_EQ(plugins.LoadPlugin(folder.Add(L"beta")), mox::kSuccess);
@@ -386,7 +386,7 @@ TEST_F(PluginLoading, FindsAPluginByItsIdentifier)
     mox::Identifier other = plugins.Entries().back().identifier;
     other.data4[7] = static_cast<std::uint8_t>(other.data4[7] + 1);
     EXPECT_EQ(plugins.FindPluginById(other, &found), 0x40000001U);
-    EXPECT_EQ(found, &plugins.Entries().back()) << "the output was touched";
+    EXPECT_EQ(found, &plugins.Entries().back()) << "the output was changed";
 }
 
 } // namespace

@@ -54,7 +54,7 @@ TEST_F(SourceEnumerator, NeedsAnOutputThatPointsAtNothing)
     EXPECT_EQ(sources, before);
 }
 
-TEST_F(SourceEnumerator, GivesTheSourcesInOrderAndThenTheEnd)
+TEST_F(SourceEnumerator, ReturnsTheSourcesInOrderAndThenTheEnd)
 {
     Make({Described(L"alpha", 1), Described(L"beta", 2)});
     EXPECT_EQ(sources->Next(&info), 0U);
@@ -65,7 +65,7 @@ TEST_F(SourceEnumerator, GivesTheSourcesInOrderAndThenTheEnd)
     EXPECT_STREQ(info.name, L"beta");
     for (int again = 0; again < 3; ++again) {
         EXPECT_EQ(sources->Next(&info), 0xD0000001U);
-        EXPECT_STREQ(info.name, L"beta") << "the record was touched";
+        EXPECT_STREQ(info.name, L"beta") << "the record was changed";
     }
     EXPECT_EQ(sources->Reset(), 0U);
     EXPECT_EQ(sources->Next(&info), 0U);
@@ -79,7 +79,7 @@ TEST_F(SourceEnumerator, OfNoPluginsIsAtItsEnd)
     EXPECT_EQ(sources->Next(nullptr), 0xD0000001U);
 }
 
-TEST_F(SourceEnumerator, RefusesARecordOfAnotherSizeOrVersionAndStaysWhereItIs)
+TEST_F(SourceEnumerator, RefusesARecordOfAnotherSizeOrVersionAndKeepsItsPosition)
 {
     Make({Described(L"alpha", 1)});
     for (const auto& [version, size] :
@@ -115,7 +115,7 @@ TEST_F(SourceEnumerator, CarriesANameOf259Characters)
     EXPECT_EQ(info.name, name);
 }
 
-TEST_F(SourceEnumerator, Counts)
+TEST_F(SourceEnumerator, ReturnsTheCount)
 {
     Make({Described(L"alpha", 1), Described(L"beta", 2)});
     std::uint32_t count = 99;

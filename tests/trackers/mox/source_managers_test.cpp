@@ -68,7 +68,7 @@ TEST_F(OpenSources, LeaveOutAPluginWithoutOne)
     Behaviour without;
     without.fails = Operation::QuerySource;
     const mox::Identifier alpha = Load(L"alpha", without);
-    EXPECT_EQ(host.managers.OpenSourceManagers(), mox::kFailure) << "none has one";
+    EXPECT_EQ(host.managers.OpenSourceManagers(), mox::kFailure) << "no plugin has a source manager";
     const mox::Identifier beta = Load(L"beta");
     EXPECT_EQ(host.managers.OpenSourceManagers(), mox::kSuccess);
     std::uint32_t category = 99;
@@ -100,7 +100,7 @@ TEST_F(OpenSources, AreNotMadeWhenThePluginThrows)
     }
 }
 
-TEST_F(OpenSources, AreClosedThoughAReleaseThrows)
+TEST_F(OpenSources, AreClosedEvenIfAReleaseThrows)
 {
     bool now = false;
     Behaviour behaviour;
@@ -119,7 +119,7 @@ TEST_F(OpenSources, AreClosedThoughAReleaseThrows)
     now = false;
 }
 
-TEST_F(OpenSources, TellTheirCategory)
+TEST_F(OpenSources, ReturnTheirCategory)
 {
     Behaviour other;
     other.category = 5;
@@ -137,7 +137,7 @@ TEST_F(OpenSources, TellTheirCategory)
     EXPECT_EQ(folder.References(L"alpha"), 1);
 }
 
-TEST_F(OpenSources, AreToldFromUnknownAndFromClosedOnes)
+TEST_F(OpenSources, AreDistinguishedFromUnknownAndFromClosedOnes)
 {
     const mox::Identifier alpha = Load(L"alpha");
     constexpr mox::Identifier kUnknown = {9, 9, 9, {9}};
@@ -153,12 +153,12 @@ TEST_F(OpenSources, AreToldFromUnknownAndFromClosedOnes)
     EXPECT_EQ(host.managers.GetSourceCategory(alpha, nullptr), 0xC000000AU);
     EXPECT_EQ(host.managers.RegisterSourceCallback(alpha, nullptr), 0xC000000AU);
     EXPECT_EQ(host.managers.UnregisterSourceCallback(alpha, nullptr), 0xC000000AU);
-    EXPECT_EQ(category, 99U) << "the output was touched";
+    EXPECT_EQ(category, 99U) << "the output was changed";
     host.managers.CloseSourceManagers();
     EXPECT_EQ(host.managers.GetSourceCategory(alpha, &category), 0xC000000CU);
 }
 
-TEST_F(OpenSources, WhoseCategoryFailsOrThrowsLeaveTheOutputAlone)
+TEST_F(OpenSources, WhoseCategoryFailsOrThrowsLeaveTheOutputUnchanged)
 {
     const std::pair<Behaviour, mox::Status> cases[] = {
         {{.fails = Operation::GetCategory}, mox::kFailure},
@@ -188,7 +188,7 @@ TEST_F(OpenSources, ThatSucceedAndWriteNoCategoryAreOfNone)
     EXPECT_EQ(category, 0U);
 }
 
-TEST_F(OpenSources, ThatArePromisedAndNotGivenAreNone)
+TEST_F(OpenSources, ThatArePromisedAndNotReturnedAreNone)
 {
     const mox::Identifier alpha = Load(L"alpha", {.silent = Operation::QueryCategory});
     ASSERT_EQ(host.managers.OpenSourceManagers(), mox::kSuccess);
@@ -197,10 +197,10 @@ TEST_F(OpenSources, ThatArePromisedAndNotGivenAreNone)
     Load(L"beta", {.silent = Operation::QuerySource});
     host.managers.CloseSourceManagers();
     host.plugins.UnloadPlugin(PluginFolder::Named(L"alpha"));
-    EXPECT_EQ(host.managers.OpenSourceManagers(), mox::kFailure) << "none has one";
+    EXPECT_EQ(host.managers.OpenSourceManagers(), mox::kFailure) << "no plugin has a source manager";
 }
 
-TEST_F(OpenSources, TakeACallbackAndGiveItBack)
+TEST_F(OpenSources, AcceptACallbackAndReturnIt)
 {
     const mox::Identifier alpha = Load(L"alpha");
     ASSERT_EQ(host.managers.OpenSourceManagers(), mox::kSuccess);
@@ -212,7 +212,7 @@ TEST_F(OpenSources, TakeACallbackAndGiveItBack)
     callback->Release();
 }
 
-TEST_F(OpenSources, PassOnWhatThePluginAnswersToACallback)
+TEST_F(OpenSources, ReturnTheStatusOfThePluginForACallback)
 {
     const mox::Identifier refuses = Load(L"refuses", {.fails = Operation::Register});
     const mox::Identifier throws = Load(L"throws", {.throws = Operation::Register});
@@ -227,7 +227,7 @@ TEST_F(OpenSources, PassOnWhatThePluginAnswersToACallback)
     EXPECT_EQ(host.managers.UnregisterSourceCallback(grumbles, callback), mox::kFailure);
 }
 
-TEST_F(OpenSources, NeverHaveAnOperationCalledThatIsNotTheirs)
+TEST_F(OpenSources, HaveNoOtherOperationCalled)
 {
     const mox::Identifier alpha = Load(L"alpha");
     ASSERT_EQ(host.managers.OpenSourceManagers(), mox::kSuccess);

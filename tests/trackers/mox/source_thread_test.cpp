@@ -96,7 +96,7 @@ protected:
     tests::PluginFolder folder;
 };
 
-TEST_F(SourceThread, AnswersWhatIsSentToAPluginsWindowAndLeavesWhatIsPosted)
+TEST_F(SourceThread, AnswersMessagesThatAreSentToAPluginsWindowAndLeavesPostedOnes)
 {
     const tests::Signal servedOwnWindow;
     const FAKE_IMPORT(DispatchMessageW) dispatch([&](const MSG* message) {
@@ -126,7 +126,7 @@ TEST_F(SourceThread, AnswersWhatIsSentToAPluginsWindowAndLeavesWhatIsPosted)
     EXPECT_EQ(window.Came(), (std::vector<UINT>{kSent, WM_DEVICECHANGE}));
 }
 
-TEST_F(SourceThread, OfAReportIsTheOneThatThePluginToldFrom)
+TEST_F(SourceThread, OfAReportIsTheOneOnWhichThePluginReported)
 {
     mox::ICallbackInterface* callback = nullptr;
     Behaviour behaviour;

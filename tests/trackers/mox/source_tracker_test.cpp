@@ -114,7 +114,7 @@ TEST_F(Tracker, MakesItsWindowHiddenAndPlain)
     EXPECT_TRUE(folder.IsLoaded(L"alpha"));
 }
 
-TEST_F(Tracker, ReportsWhatThePluginTellsFromAnyThread)
+TEST_F(Tracker, ForwardsReportsOfThePluginFromAnyThread)
 {
     mox::ICallbackInterface* callback = nullptr;
     Behaviour behaviour;
@@ -133,7 +133,7 @@ TEST_F(Tracker, ReportsWhatThePluginTellsFromAnyThread)
                                                         {L"camera", L"from a thread"}}));
 }
 
-TEST_F(Tracker, GivesEverythingBackButTheLibraryWhenItsLoopEnds)
+TEST_F(Tracker, ReleasesEverythingExceptForTheLibraryWhenItsLoopEnds)
 {
     mox::ICallbackInterface* callback = nullptr;
     Behaviour behaviour;
@@ -172,7 +172,7 @@ TEST_F(Tracker, AnswersMessagesThatAreSentToItsWindow)
     EXPECT_NE(::SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_BLOCK, 20000, &answer), 0);
 }
 
-TEST_F(Tracker, TriesAgainWhenNoMessageCanBeHad)
+TEST_F(Tracker, TriesAgainWhenNoMessageCanBeRead)
 {
     int calls = 0;
     int pauses = 0;
@@ -191,7 +191,7 @@ TEST_F(Tracker, TriesAgainWhenNoMessageCanBeHad)
     });
     RunToItsEnd(Source(L"alpha"));
     EXPECT_EQ(calls, 4);
-    EXPECT_EQ(pauses, 3) << "a window that is gone keeps a processor busy";
+    EXPECT_EQ(pauses, 3) << "a destroyed window keeps a processor busy";
     EXPECT_NE(filtered, nullptr);
     EXPECT_EQ(first, 537U);
     EXPECT_EQ(last, 537U);
@@ -233,7 +233,7 @@ class FailingTracker : public Tracker, public testing::WithParamInterface<std::p
 {
 };
 
-TEST_P(FailingTracker, EndsQuietlyWithNothingLeftBehind)
+TEST_P(FailingTracker, EndsQuietlyAndLeaksNothing)
 {
     const auto [operation, throws] = GetParam();
     const DeviceSource source = Source(L"alpha");
@@ -242,12 +242,12 @@ TEST_P(FailingTracker, EndsQuietlyWithNothingLeftBehind)
     (throws ? behaviour.throws : behaviour.fails) = operation;
     folder.Replace(L"alpha", behaviour);
     RunToItsEnd(source);
-    EXPECT_LE(folder.Count(L"alpha", Operation::Register), 1) << "it was asked again";
+    EXPECT_LE(folder.Count(L"alpha", Operation::Register), 1) << "the callback was registered again";
     EXPECT_TRUE(trace.Lines().empty());
     EXPECT_EQ(folder.References(L"alpha"), 0);
     EXPECT_EQ(tests::CountTrackerWindows(), 0);
     StartSourceTracker(Source(L"beta"));
-    EXPECT_TRUE(trace.Await(Detecting(L"beta"))) << "the host did not carry on";
+    EXPECT_TRUE(trace.Await(Detecting(L"beta"))) << "the host did not continue";
 }
 
 INSTANTIATE_TEST_SUITE_P(

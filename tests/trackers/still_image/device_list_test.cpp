@@ -65,7 +65,7 @@ TEST(StiDeviceList, KeepsItsRecordsWhereTheyAreWhenSwapped)
     EXPECT_EQ(other.Find(L"A"), record);
 }
 
-TEST(StiDeviceList, RaisesRatherThanGrowPastItsMaximum)
+TEST(StiDeviceList, RaisesAnExceptionInsteadOfGrowingPastItsMaximum)
 {
     StiDeviceList list;
     for (std::size_t i = 0; i < StiDeviceList::kMostRecords; ++i) {
@@ -73,7 +73,7 @@ TEST(StiDeviceList, RaisesRatherThanGrowPastItsMaximum)
     }
     try {
         list.Append(Device(L"one too many"));
-        ADD_FAILURE() << "it grew";
+        ADD_FAILURE() << "the list grew";
     } catch (const std::length_error& error) {
         EXPECT_STREQ(error.what(), "list<T> too long");
     }
@@ -101,7 +101,7 @@ TEST(StiDeviceList, FreesEveryRecordOnce)
     EXPECT_EQ(freed, 3);
 }
 
-TEST(StiDeviceList, SaysWhenFreeingRaisesAndStopsThere)
+TEST(StiDeviceList, WritesALineWhenFreeingRaisesAndStopsThere)
 {
     const TraceRecorder trace;
     int freed = 0;

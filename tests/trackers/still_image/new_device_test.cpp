@@ -45,14 +45,14 @@ protected:
     StiDevices devices;
 };
 
-TEST_F(NewStiDevice, IsNoneThatWasThereAtTheStart)
+TEST_F(NewStiDevice, IsNoneThatWasPresentAtTheStart)
 {
     Plug({"camera A", "scanner B"});
     ASSERT_TRUE(devices.OpenSti());
     EXPECT_EQ(NextNew(), std::nullopt);
 }
 
-TEST_F(NewStiDevice, OpensStillImagingAsItIsDocumented)
+TEST_F(NewStiDevice, OpensStillImagingAsDocumented)
 {
     Plug({"camera A"});
     standIns.StartLog("sti_calls.txt");
@@ -113,7 +113,7 @@ TEST_F(NewStiDevice, IsTheFirstOfAllOnceAListFailed)
     }
 }
 
-TEST_F(NewStiDevice, IsLookedForWhereNothingIsListedYet)
+TEST_F(NewStiDevice, IsSearchedForIfNothingIsListedYet)
 {
     for (const char* nothing : {"# none", "no-buffer 0"}) {
         StiDevices other;
@@ -169,16 +169,16 @@ TEST_F(NewStiDevice, LeavesNoRecordOfDevicesThatAreGone)
     ASSERT_TRUE(devices.OpenSti());
     Plug({"camera C"});
     EXPECT_THAT(NextNew(), Optional(std::wstring(L"C")));
-    EXPECT_EQ(records, 1) << "only what is known now";
+    EXPECT_EQ(records, 1) << "the records of the present devices alone";
     noMemory = true;
     Plug({"camera C", "camera D"});
     EXPECT_THROW(static_cast<void>(devices.FindNewDevice()), std::bad_alloc);
-    EXPECT_EQ(records, 2) << "what is known, and the list that was not finished";
+    EXPECT_EQ(records, 2) << "the known device, and one of the unfinished list";
     devices.Clear();
     EXPECT_EQ(records, 0);
 }
 
-TEST_F(NewStiDevice, IsNeverFoundWhereStillImagingDoesNotOpen)
+TEST_F(NewStiDevice, IsNeverFoundIfStillImagingCannotBeOpened)
 {
     for (const char* refusal : {"refuse-create", "refuse-initialize"}) {
         StiDevices other;
@@ -273,7 +273,7 @@ TEST_F(NewStiDevice, WithoutAListedTwainSourceHasNoTag)
     EXPECT_EQ(NextTag(), L"");
 }
 
-TEST_F(NewStiDevice, MoreThanAListHoldsRaisesAndWhatIsKnownStays)
+TEST_F(NewStiDevice, MoreThanAListHoldsRaisesAndKeepsTheKnownDevices)
 {
     Plug({"camera A"});
     ASSERT_TRUE(devices.OpenSti());
@@ -288,7 +288,7 @@ TEST_F(NewStiDevice, MoreThanAListHoldsRaisesAndWhatIsKnownStays)
     EXPECT_EQ(NextNew(), std::nullopt);
 }
 
-TEST_F(NewStiDevice, IsLostWithoutMemoryAndWhatIsKnownStays)
+TEST_F(NewStiDevice, IsLostWithoutMemoryAndTheKnownDevicesStay)
 {
     standIns.Write("twain_sources.txt", {"source Fine Scan"});
     GiveTwainSource(L"B", L"Fine Scan");
@@ -300,7 +300,7 @@ TEST_F(NewStiDevice, IsLostWithoutMemoryAndWhatIsKnownStays)
     Plug({"camera A", "camera B"});
     EXPECT_THROW(static_cast<void>(devices.FindNewDevice()), std::bad_alloc);
     Plug({});
-    EXPECT_EQ(NextNew(), std::nullopt) << "nothing to make a record of";
+    EXPECT_EQ(NextNew(), std::nullopt) << "no device to make a record of";
 }
 
 } // namespace

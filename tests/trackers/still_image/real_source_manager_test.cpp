@@ -53,7 +53,7 @@ TEST_F(RealSourceManager, ListsTheInstalledSource)
     EXPECT_FALSE(TwainSourceListed(L"Corvane Stand-In"));
 }
 
-TEST_F(RealSourceManager, IsLeftAsItWasBy200LookUps)
+TEST_F(RealSourceManager, IsUnchangedAfter200LookUps)
 {
     int listed = 0;
     EXPECT_TRUE(LeavesNothingBehind(::GetCurrentProcess(), "200 look-ups", [&] {

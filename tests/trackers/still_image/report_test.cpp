@@ -56,7 +56,7 @@ protected:
     RecordedEvents events;
 };
 
-TEST_F(StiReport, OnXpTellsTheTwainSourceFirstAndThenTheWiaDevice)
+TEST_F(StiReport, OnXpReportsTheTwainSourceFirstAndThenTheWiaDevice)
 {
     service.devices = {WiaDevice(L"{6BDD1FC6}\\0001", 2)};
     Report(L"{6BDD1FC6}\\0001", L"C|\"Fine Scan\"");
@@ -68,7 +68,7 @@ TEST_F(StiReport, OnXpTellsTheTwainSourceFirstAndThenTheWiaDevice)
     EXPECT_THAT(service.released, ElementsAre("storage", "enumerator", "manager", "apartment"));
 }
 
-TEST_F(StiReport, TracesEachEventBeforeTheHostHearsOfIt)
+TEST_F(StiReport, TracesEachEventBeforeTheHostIsCalled)
 {
     static std::vector<std::size_t> linesBefore;
     static const TraceRecorder* recorder = nullptr;
@@ -82,7 +82,7 @@ TEST_F(StiReport, TracesEachEventBeforeTheHostHearsOfIt)
     EXPECT_THAT(linesBefore, ElementsAre(1U, 2U));
 }
 
-TEST_F(StiReport, OnXpTellsAWiaScannerWithoutATwainSource)
+TEST_F(StiReport, OnXpReportsAWiaScannerWithoutATwainSource)
 {
     service.devices = {WiaDevice(L"{6BDD1FC6}\\0002", 1)};
     Report(L"{6BDD1FC6}\\0002", L"");
@@ -91,7 +91,7 @@ TEST_F(StiReport, OnXpTellsAWiaScannerWithoutATwainSource)
     EXPECT_THAT(events.All(), ElementsAre(Pair(L"scanner", L"{6BDD1FC6}\\0002")));
 }
 
-TEST_F(StiReport, OnXpSaysInATaggedLineThatWiaDoesNotKnowTheDevice)
+TEST_F(StiReport, OnXpWritesATaggedLineForADeviceThatWiaDoesNotList)
 {
     service.devices = {WiaDevice(L"video", 3), WiaDevice(L"CAMERA", 2)};
     Report(L"video", L"");
@@ -102,7 +102,7 @@ TEST_F(StiReport, OnXpSaysInATaggedLineThatWiaDoesNotKnowTheDevice)
     EXPECT_THAT(events.All(), IsEmpty());
 }
 
-TEST_F(StiReport, OnXpWithoutWiaTellsTheTwainSourceAlone)
+TEST_F(StiReport, OnXpWithoutWiaReportsTheTwainSourceAlone)
 {
     service.create = REGDB_E_CLASSNOTREG;
     Report(L"{6BDD1FC6}\\0001", L"S|\"Fine Scan\"");
@@ -112,7 +112,7 @@ TEST_F(StiReport, OnXpWithoutWiaTellsTheTwainSourceAlone)
     EXPECT_THAT(service.released, ElementsAre("apartment"));
 }
 
-TEST_F(StiReport, OnEveryOtherWindowsWiaIsNotAsked)
+TEST_F(StiReport, OnEveryOtherWindowsDoesNotAskWia)
 {
     service.devices = {WiaDevice(L"{6BDD1FC6}\\0001", 2)};
     const struct {

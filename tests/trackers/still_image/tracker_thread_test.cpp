@@ -115,14 +115,14 @@ TEST_F(StiTrackerThreadTest, OpensStillImagingAndItsWindow)
     EXPECT_EQ(title, L"STITrackerWindow");
     EXPECT_STREQ(windowClass.c_str(), L"Static");
     EXPECT_EQ(style & (WS_POPUP | WS_VISIBLE), static_cast<DWORD>(WS_POPUP));
-    EXPECT_TRUE(isTopLevel) << "no other window is told of a change of devices";
+    EXPECT_TRUE(isTopLevel) << "only a top-level window gets the message about a change of devices";
     EXPECT_EQ(place.left, 20);
     EXPECT_EQ(place.top, 20);
     EXPECT_EQ(place.right, 220);
     EXPECT_EQ(place.bottom, 220);
 }
 
-TEST_F(StiTrackerThreadTest, ReportsADeviceThatIsAddedAndGoesOn)
+TEST_F(StiTrackerThreadTest, ReportsADeviceThatIsAddedAndContinues)
 {
     Change({"camera A"});
     Change({"camera A"});
@@ -133,10 +133,11 @@ TEST_F(StiTrackerThreadTest, ReportsADeviceThatIsAddedAndGoesOn)
                 ElementsAre(kDetected, L"<***DeviceConnect***><StiTracker><TWAIN DEVICE><C|\"Fine\">",
                             L"<***DeviceConnect***><StiTracker><TWAIN DEVICE><S|\"Fine\">"));
     EXPECT_EQ(dispatched.size(), 3U);
-    EXPECT_THAT(eventsBefore, ElementsAre(1U, 1U, 2U)) << "the report comes before the message goes on";
+    EXPECT_THAT(eventsBefore, ElementsAre(1U, 1U, 2U))
+        << "the report comes before the message is dispatched";
 }
 
-TEST_F(StiTrackerThreadTest, LooksForDevicesOnAChangeOfTheDeviceTreeAlone)
+TEST_F(StiTrackerThreadTest, ChecksTheDevicesOnAChangeOfTheDeviceTreeAlone)
 {
     Change({"camera A"}, DBT_DEVICEARRIVAL);
     Change({"camera A"}, DBT_DEVICEREMOVECOMPLETE);
@@ -145,7 +146,7 @@ TEST_F(StiTrackerThreadTest, LooksForDevicesOnAChangeOfTheDeviceTreeAlone)
     EXPECT_THAT(dispatched, ElementsAre(DBT_DEVICEARRIVAL, DBT_DEVICEREMOVECOMPLETE));
 }
 
-TEST_F(StiTrackerThreadTest, GoesOnAfterAMessageThatCouldNotBeHad)
+TEST_F(StiTrackerThreadTest, ContinuesAfterAMessageThatCouldNotBeRead)
 {
     steps.emplace_back([](MSG& message) {
         message.wParam = DBT_DEVNODES_CHANGED;
@@ -158,10 +159,10 @@ TEST_F(StiTrackerThreadTest, GoesOnAfterAMessageThatCouldNotBeHad)
     EXPECT_EQ(StiTrackerThread(nullptr), 0U);
     EXPECT_THAT(events.All(), ElementsAre(Pair(L"camera", L"\"Fine\"")));
     EXPECT_EQ(dispatched.size(), 1U);
-    EXPECT_EQ(pauses.Calls(), 1) << "a failure that lasts does not take a whole processor";
+    EXPECT_EQ(pauses.Calls(), 1) << "a lasting failure must not use a whole processor";
 }
 
-TEST_F(StiTrackerThreadTest, WithoutStillImagingSaysSoAndFindsNothing)
+TEST_F(StiTrackerThreadTest, WithoutStillImagingWritesALineAndFindsNothing)
 {
     standIns.Write("sti_devices.txt", {"refuse-create"});
     Change({"camera A"});
@@ -171,7 +172,7 @@ TEST_F(StiTrackerThreadTest, WithoutStillImagingSaysSoAndFindsNothing)
     EXPECT_EQ(title, L"STITrackerWindow");
 }
 
-TEST_F(StiTrackerThreadTest, WithoutMemoryForTheDevicesPresentSaysSo)
+TEST_F(StiTrackerThreadTest, WithoutMemoryForTheDevicesPresentWritesALine)
 {
     const FAKE_IMPORT(HeapAlloc) noRecord([](HANDLE, DWORD, SIZE_T) -> void* {
         return nullptr;
@@ -181,7 +182,7 @@ TEST_F(StiTrackerThreadTest, WithoutMemoryForTheDevicesPresentSaysSo)
     EXPECT_THAT(trace.Lines(), ElementsAre(kNotDetected));
 }
 
-TEST_F(StiTrackerThreadTest, LosesAChangeForWhichMemoryRunsOutAndGoesOn)
+TEST_F(StiTrackerThreadTest, LosesAChangeForWhichMemoryRunsOutAndContinues)
 {
     bool noMemory = false;
     const FAKE_IMPORT(HeapAlloc) records([&](HANDLE heap, DWORD flags, SIZE_T size) {

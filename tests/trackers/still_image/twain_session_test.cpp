@@ -54,7 +54,7 @@ TEST_F(TwainSessionTest, OpensAsksForAllSourcesAndCloses)
                                      StartsWith("770 of=1,4 destination=0 result=0")));
 }
 
-TEST_F(TwainSessionTest, IsRefusedNothingByAStrictSourceManager)
+TEST_F(TwainSessionTest, IsAcceptedInEveryCallByAStrictSourceManager)
 {
     for (const wchar_t* const name : {L"First", L"Second", L"Third"}) {
         static_cast<void>(TwainSourceListed(name));
@@ -81,7 +81,7 @@ std::string Field(const std::string& text)
     return hex + std::string(2 * (34 - text.size()), '0');
 }
 
-TEST_F(TwainSessionTest, SaysWhoAsksInTheStandardsLayout)
+TEST_F(TwainSessionTest, IdentifiesItselfInTheStandardsLayout)
 {
     EXPECT_TRUE(TwainSourceListed(L"First"));
     const std::string identity = "0100bf020d000100" + // 1.703, TWLG_USA, TWCY_USA
@@ -106,7 +106,7 @@ TEST_F(TwainSessionTest, HandsOverAPointerToTheHandleOfItsWindow)
     EXPECT_THAT(Calls().back(), HasSubstr(kWindow));
 }
 
-TEST_F(TwainSessionTest, LetsTheSourceManagerGoLastOfAll)
+TEST_F(TwainSessionTest, FreesTheSourceManagerLast)
 {
     const FAKE_IMPORT(FreeLibrary) frees([&](HMODULE library) {
         EXPECT_EQ(::FindWindowW(L"STATIC", L"TWAINTrackerWindow"), nullptr);

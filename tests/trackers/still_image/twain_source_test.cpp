@@ -31,7 +31,7 @@ TEST_F(DeviceTwainSource, IsReadFromTheDevicesClassKey)
     EXPECT_STREQ(name, L"Fine Scan 3");
 }
 
-TEST_F(DeviceTwainSource, IsReadWithNoMoreThanTheRightToRead)
+TEST_F(DeviceTwainSource, IsReadWithReadAccessAlone)
 {
     PutText(HKEY_LOCAL_MACHINE, kDeviceData, L"TwainDS", L"Fine Scan 3");
     const FAKE_IMPORT(RegOpenKeyExW)

@@ -43,7 +43,7 @@ TEST_F(ReadableDrives, AreAllThatExistButRemovableOnesWithoutMedium)
                       {L'N', {DRIVE_REMOTE, false}},
                       {L'Z', {DRIVE_RAMDISK, false}}};
     EXPECT_EQ(ScanReadableDrives().readable, Bit(L'C') | Bit(L'D') | Bit(L'F') | Bit(L'N') | Bit(L'Z'));
-    EXPECT_THAT(machine.probed, ElementsAre(L'E', L'F')) << "no other drive is touched";
+    EXPECT_THAT(machine.probed, ElementsAre(L'E', L'F')) << "no other drive is accessed";
 }
 
 TEST_F(ReadableDrives, IncludeTheWholeAlphabet)
@@ -76,7 +76,7 @@ TEST_F(ReadableDrives, KeepDiskettesUnprobed)
     EXPECT_THAT(machine.probed, IsEmpty());
 }
 
-TEST_F(ReadableDrives, TellOfARemovableDriveWithAndWithoutMedium)
+TEST_F(ReadableDrives, ReportARemovableDriveWithAndWithoutMedium)
 {
     machine.drives = {{L'C', {}}};
     EXPECT_FALSE(ScanReadableDrives().removablePresent);
@@ -86,7 +86,7 @@ TEST_F(ReadableDrives, TellOfARemovableDriveWithAndWithoutMedium)
     EXPECT_TRUE(ScanReadableDrives().removablePresent);
 }
 
-TEST_F(ReadableDrives, ShowNoErrorBoxAndRestoreTheModeBefore)
+TEST_F(ReadableDrives, ShowNoErrorBoxAndRestoreThePreviousMode)
 {
     machine.drives = {{L'E', {DRIVE_REMOVABLE, false}}};
     ::SetErrorMode(SEM_NOGPFAULTERRORBOX);
@@ -95,7 +95,7 @@ TEST_F(ReadableDrives, ShowNoErrorBoxAndRestoreTheModeBefore)
     EXPECT_THAT(machine.modesAtWork, Each(static_cast<UINT>(SEM_FAILCRITICALERRORS)));
 }
 
-TEST_F(DriveChange, DrivesThatAreThereAtTheStartAreKnown)
+TEST_F(DriveChange, DrivesThatArePresentAtTheStartAreKnown)
 {
     machine.drives = {{L'C', {}}, {L'E', {DRIVE_REMOVABLE}}};
     DriveWatch watch;
@@ -104,7 +104,7 @@ TEST_F(DriveChange, DrivesThatAreThereAtTheStartAreKnown)
     EXPECT_EQ(Chosen(watch), L"");
 }
 
-TEST_F(DriveChange, ACardPutIntoAReaderIsNewOnce)
+TEST_F(DriveChange, ACardInsertedIntoAReaderIsNewOnce)
 {
     machine.drives = {{L'C', {}}, {L'E', {DRIVE_REMOVABLE, false}}};
     DriveWatch watch;
@@ -114,7 +114,7 @@ TEST_F(DriveChange, ACardPutIntoAReaderIsNewOnce)
     EXPECT_FALSE(watch.DetectChange());
 }
 
-TEST_F(DriveChange, ACardTakenOutAndPutInAgainIsNewAgain)
+TEST_F(DriveChange, ACardRemovedAndInsertedAgainIsNewAgain)
 {
     machine.drives = {{L'C', {}}, {L'E', {DRIVE_REMOVABLE}}};
     DriveWatch watch;
@@ -132,10 +132,10 @@ TEST_F(DriveChange, AScanThatSeesNoDriveAtAllForgetsNothing)
     EXPECT_FALSE(watch.DetectChange());
     EXPECT_TRUE(watch.RemovablePresent());
     machine.drives[L'E'].holdsMedium = true;
-    EXPECT_FALSE(watch.DetectChange()) << "still known from before";
+    EXPECT_FALSE(watch.DetectChange()) << "the drive is still known";
 }
 
-TEST_F(DriveChange, AScanThatSeesNoDriveAtAllStillTellsThatTheReaderIsGone)
+TEST_F(DriveChange, AScanThatSeesNoDriveAtAllStillReportsThatTheReaderIsGone)
 {
     machine.drives = {{L'E', {DRIVE_REMOVABLE}}};
     DriveWatch watch;
@@ -156,7 +156,7 @@ TEST_F(DriveChoice, IsTheLowestLetterAndTheOthersAreAbsorbed)
     EXPECT_FALSE(watch.DetectChange());
 }
 
-TEST_F(DriveChoice, PassesOverWhatCannotHoldCameraMedia)
+TEST_F(DriveChoice, SkipsADriveThatCannotHoldCameraMedia)
 {
     machine.drives = {{L'C', {}}};
     DriveWatch watch;
@@ -170,7 +170,7 @@ TEST_F(DriveChoice, PassesOverWhatCannotHoldCameraMedia)
     EXPECT_EQ(Chosen(watch), L"H:");
 }
 
-TEST_F(DriveChoice, TakesAnyOtherDriveWithTheMakersFileSystem)
+TEST_F(DriveChoice, AcceptsAnyOtherDriveWithTheMakersFileSystem)
 {
     for (const int type : {DRIVE_FIXED, DRIVE_CDROM, DRIVE_REMOTE}) {
         machine.drives = {{L'C', {}}};
@@ -181,7 +181,7 @@ TEST_F(DriveChoice, TakesAnyOtherDriveWithTheMakersFileSystem)
     }
 }
 
-TEST_F(DriveChoice, PassesOverADriveThatCannotBeReadAnyMore)
+TEST_F(DriveChoice, SkipsADriveThatCannotBeReadAnyMore)
 {
     machine.drives = {{L'C', {}}};
     DriveWatch watch;
@@ -216,7 +216,7 @@ TEST_F(DriveChoice, CanBeAnyLetterAfterTheDiskettes)
     }
 }
 
-TEST_F(DriveChoice, ShowsNoErrorBoxAndRestoresTheModeBefore)
+TEST_F(DriveChoice, ShowsNoErrorBoxAndRestoresThePreviousMode)
 {
     machine.drives = {{L'C', {}}};
     DriveWatch watch;

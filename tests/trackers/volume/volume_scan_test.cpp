@@ -99,7 +99,7 @@ TEST_F(VolumeScanning, AnEmptyReaderAloneStartsPolling)
     scan.Trigger();
     EXPECT_THAT(NewLines(), ElementsAre(kEnteringPolling));
     scan.Scan();
-    EXPECT_THAT(NewLines(), IsEmpty()) << "the mode is told when it changes";
+    EXPECT_THAT(NewLines(), IsEmpty()) << "a line is written only when the mode changes";
 }
 
 TEST_F(VolumeScanning, PollingEndsWithTheLastRemovableDrive)
@@ -150,7 +150,7 @@ TEST_F(VolumeScanning, TheNextScanIsDueHalfASecondAfterTheLast)
     EXPECT_EQ(scan.MillisecondsToNextScan(), 500U);
 }
 
-TEST_F(VolumeScanning, TheHalfSecondBeginsWhenTheScanBeforeEnded)
+TEST_F(VolumeScanning, TheHalfSecondBeginsAtTheEndOfThePreviousScan)
 {
     ULONGLONG now = 10'000;
     const FAKE_IMPORT(GetTickCount64) clock([&] {
@@ -188,7 +188,7 @@ TEST_F(VolumeScanning, ATriggerFromInsideAReportIsAnsweredByOneMoreScanNotByANes
     EXPECT_EQ(scene.Events(), (Events{{L"volume", L"K:"}, {L"volume", L"L:"}}));
 }
 
-TEST_F(VolumeScanning, ATriggerFromInsideAReportIsLeftToTheNextScanWherePollingBegan)
+TEST_F(VolumeScanning, ATriggerFromInsideAReportIsLeftToTheNextScanIfPollingBegan)
 {
     scene.whileReporting = [&] {
         scene.InsertCard(L'F');

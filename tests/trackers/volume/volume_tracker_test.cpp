@@ -164,13 +164,14 @@ protected:
     }};
 };
 
-TEST_F(VolumeTracker, SaysThatItRunsAndMakesAHiddenWindow)
+TEST_F(VolumeTracker, WritesThatItRunsAndCreatesAHiddenWindow)
 {
     Start();
     EXPECT_EQ(scene.trace.Lines().front(), kDetected);
     EXPECT_FALSE(::IsWindowVisible(window));
     EXPECT_EQ(::GetParent(window), nullptr);
-    EXPECT_EQ(::GetAncestor(window, GA_PARENT), ::GetDesktopWindow()) << "no broadcast reaches it";
+    EXPECT_EQ(::GetAncestor(window, GA_PARENT), ::GetDesktopWindow())
+        << "a broadcast reaches top-level windows alone";
     EXPECT_EQ(static_cast<DWORD>(::GetWindowLongW(window, GWL_STYLE)) & WS_POPUP, WS_POPUP);
     EXPECT_EQ(::GetWindowLongW(window, GWL_EXSTYLE), 0);
     EXPECT_EQ(reinterpret_cast<HINSTANCE>(::GetWindowLongPtrW(window, GWLP_HINSTANCE)),
@@ -199,7 +200,7 @@ TEST_F(VolumeTracker, ScansOnceBeforeItsWindowExists)
     EXPECT_EQ(scene.trace.Lines(), linesBefore);
 }
 
-TEST_F(VolumeTracker, LooksAgainFromTheFirstMessagesOfItsWindowOn)
+TEST_F(VolumeTracker, ScansAgainFromTheFirstMessagesOfItsWindowOn)
 {
     const FAKE_IMPORT(CreateWindowExW) create(
         [&](DWORD extended, const wchar_t* windowClass, const wchar_t* name, DWORD style, int x, int y,
@@ -213,7 +214,7 @@ TEST_F(VolumeTracker, LooksAgainFromTheFirstMessagesOfItsWindowOn)
     EXPECT_EQ(scene.Events(), (Events{{L"volume", L"E:"}}));
 }
 
-TEST_F(VolumeTracker, AnArrivalMakesItLook)
+TEST_F(VolumeTracker, AnArrivalStartsAScan)
 {
     Start();
     scene.trace.Clear();
@@ -232,7 +233,7 @@ TEST_F(VolumeTracker, ARemovalIsTraced)
     EXPECT_THAT(scene.trace.Lines(), ElementsAre(kRemoved));
 }
 
-TEST_F(VolumeTracker, AnyMessageMakesItLook)
+TEST_F(VolumeTracker, AnyMessageStartsAScan)
 {
     Start();
     for (const UINT message :
@@ -258,7 +259,7 @@ TEST_F(VolumeTracker, ArrivalCodesInOtherMessagesAreNoArrivals)
     EXPECT_THAT(scene.trace.Lines(), IsEmpty());
 }
 
-TEST_F(VolumeTracker, APostedNotificationMakesItLookToo)
+TEST_F(VolumeTracker, APostedNotificationStartsAScanToo)
 {
     Start();
     scene.InsertCard(L'E');
@@ -333,7 +334,7 @@ TEST_F(VolumeTrackerByTheTestsClock, WhilePollingAScanThatIsDueComesBeforeMoreMe
     UntilReported();
 }
 
-TEST_F(VolumeTrackerByTheTestsClock, WhilePollingPostedMessagesWithoutEndPutNoScanOff)
+TEST_F(VolumeTrackerByTheTestsClock, WhilePollingPostedMessagesWithoutEndDelayNoScan)
 {
     scene.TakeCardOut(L'E');
     Start();
@@ -369,7 +370,7 @@ TEST_F(VolumeTracker, EndsWithZeroWhenAskedToQuit)
     EXPECT_EQ(result, 0U);
 }
 
-TEST_F(VolumeTracker, GoesOnAfterAFailedMessage)
+TEST_F(VolumeTracker, ContinuesAfterAFailedMessage)
 {
     int failures = 1;
     const FAKE_IMPORT(GetMessageW) get([&](MSG* message, HWND handle, UINT first, UINT last) -> BOOL {
@@ -406,7 +407,7 @@ TEST_F(VolumeTracker, AWaitThatFailsIsTriedAgainAfterAPause)
     EXPECT_THAT(scene.Sleeps(), ElementsAre(50, 50, 50));
 }
 
-TEST_F(VolumeTracker, WithoutAWindowItGoesOnPolling)
+TEST_F(VolumeTracker, WithoutAWindowItContinuesToPoll)
 {
     const FAKE_IMPORT(CreateWindowExW) create([](DWORD, const wchar_t*, const wchar_t*, DWORD, int, int,
                                                  int, int, HWND, HMENU, HINSTANCE, void*) -> HWND {
@@ -477,7 +478,7 @@ protected:
     }};
 };
 
-TEST_F(VolumeTrackerWithoutClass, FallsBackOnAStaticWindowAndLooksOnDeviceNodeChanges)
+TEST_F(VolumeTrackerWithoutClass, FallsBackToAStaticWindowAndScansOnDeviceNodeChanges)
 {
     std::size_t reportedBefore = 0;
     const FAKE_IMPORT(DispatchMessageW) dispatch([&](const MSG* message) {
@@ -500,7 +501,7 @@ TEST_F(VolumeTrackerWithoutClass, FallsBackOnAStaticWindowAndLooksOnDeviceNodeCh
     UntilReported();
     EXPECT_EQ(scene.trace.Count(kArrived), 0);
     EndThroughQueue();
-    EXPECT_EQ(reportedBefore, 1U) << "it looks first, then dispatches";
+    EXPECT_EQ(reportedBefore, 1U) << "the tracker scans first, then dispatches";
     EXPECT_EQ(result, 0U);
 }
 

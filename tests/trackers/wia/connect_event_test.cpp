@@ -63,7 +63,7 @@ TEST_F(WiaConnectEvent, OfAScannerIsReported)
     EXPECT_THAT(events.All(), ElementsAre(Pair(L"scanner", L"WIA-0002")));
 }
 
-TEST_F(WiaConnectEvent, OfAnotherKindOfDeviceIsToldInAnUntaggedLine)
+TEST_F(WiaConnectEvent, OfAnotherKindOfDeviceWritesAnUntaggedLine)
 {
     service.devices = {WiaDevice(L"video", 3)};
     EXPECT_EQ(Fire(L"video"), S_OK);
@@ -85,7 +85,7 @@ TEST_F(WiaConnectEvent, WithoutAnIdentifierIsNotThatOfANamelessDevice)
     EXPECT_THAT(events.All(), ElementsAre(Pair(L"camera", L"")));
 }
 
-TEST_F(WiaConnectEvent, IsTracedBeforeTheHostHearsOfIt)
+TEST_F(WiaConnectEvent, IsTracedBeforeTheHostIsCalled)
 {
     static std::size_t linesBefore = 0;
     static const TraceRecorder* recorder = nullptr;
@@ -117,7 +117,7 @@ TEST_F(WiaConnectEvent, WithALongIdentifierIsReportedWhole)
               (L"<***DeviceConnect***><WiaTracker><WIA DEVICE><C|" + id).substr(0, 259));
 }
 
-TEST_F(WiaConnectEvent, WithoutMemoryForItsTextAnswersOutOfMemory)
+TEST_F(WiaConnectEvent, WithoutMemoryForItsTextReturnsOutOfMemory)
 {
     const std::wstring id(100, L'x');
     service.devices = {WiaDevice(id.c_str(), 2)};
@@ -132,14 +132,14 @@ TEST_F(WiaConnectEvent, WithoutMemoryForItsTextAnswersOutOfMemory)
     EXPECT_EQ(result, E_OUTOFMEMORY);
     EXPECT_THAT(trace.Lines(), IsEmpty());
     EXPECT_THAT(events.All(), IsEmpty());
-    EXPECT_EQ(Fire(id.c_str()), S_OK) << "the tracker goes on";
+    EXPECT_EQ(Fire(id.c_str()), S_OK) << "the tracker continues";
     EXPECT_EQ(events.All().size(), 1U);
 }
 
-TEST_F(WiaConnectEvent, IsAnsweredWellWhenTheHostThrows)
+TEST_F(WiaConnectEvent, ReturnsSuccessWhenTheHostThrows)
 {
     RegisterDeviceConnectCallback([](std::wstring&, std::wstring&) {
-        throw std::runtime_error("the host's affair");
+        throw std::runtime_error("an exception of the host");
     });
     service.devices = {WiaDevice(L"camera", 2)};
     EXPECT_EQ(Fire(L"camera"), S_OK);

@@ -115,7 +115,7 @@ TEST(WiaDeviceTracker, RegistersTheConnectEventOfAllDevices)
     EXPECT_EQ(service.registeredCallback, self);
 }
 
-TEST(WiaDeviceTracker, SaysWhenTheRegistrationIsRefused)
+TEST(WiaDeviceTracker, WritesALineWhenTheRegistrationIsRefused)
 {
     FakeWiaService service;
     service.registers = E_ACCESSDENIED;
@@ -125,7 +125,7 @@ TEST(WiaDeviceTracker, SaysWhenTheRegistrationIsRefused)
     EXPECT_FALSE(tracker.ReleaseRegistration());
 }
 
-TEST(WiaDeviceTracker, TakesEverySuccessForARegistration)
+TEST(WiaDeviceTracker, TreatsEverySuccessAsARegistration)
 {
     FakeWiaService service;
     service.registers = S_FALSE;
@@ -145,7 +145,7 @@ TEST(WiaDeviceTracker, ReleasesItsRegistrationOnce)
     EXPECT_THAT(service.released, ElementsAre("registration"));
 }
 
-TEST(WiaDeviceTracker, GivesUpManagerThenRegistrationThenApartment)
+TEST(WiaDeviceTracker, ReleasesManagerThenRegistrationThenApartment)
 {
     FakeWiaService service;
     {

@@ -74,7 +74,7 @@ TEST_F(WiaDeviceType, OfAnIdentifierInOtherLetterCaseIsNotFound)
     EXPECT_EQ(LookUp(L"{6bdd1fc6-810f}\\0001"), ImagingType::Camera);
 }
 
-TEST_F(WiaDeviceType, OfANullIdentifierIsNotAskedFor)
+TEST_F(WiaDeviceType, OfANullIdentifierIsNotSearchedFor)
 {
     service.devices = {WiaDevice(L"camera", 2)};
     EXPECT_EQ(LookUp(nullptr), ImagingType::Other);
@@ -89,7 +89,7 @@ TEST_F(WiaDeviceType, IsUnknownWhenTheServiceListsNothing)
         service.enumerate = answer;
         EXPECT_EQ(LookUp(L"camera"), ImagingType::Other);
     }
-    EXPECT_EQ(service.nexts, 1) << "of the empty list; S_FALSE is not asked for devices";
+    EXPECT_EQ(service.nexts, 1) << "one call for the empty list; none after S_FALSE";
 }
 
 TEST_F(WiaDeviceType, IsFoundWhateverElseThanFalseASuccessIs)
@@ -105,7 +105,7 @@ TEST_F(WiaDeviceType, IsUnknownWhenTheListBreaksOff)
 {
     service.devices = {WiaDevice(L"scanner", 1)};
     EXPECT_EQ(LookUp(L"camera"), ImagingType::Other);
-    EXPECT_EQ(service.nexts, 2) << "the end is believed";
+    EXPECT_EQ(service.nexts, 2) << "the search stops at the end of the list";
     service.end = RPC_E_SERVERFAULT;
     EXPECT_EQ(LookUp(L"camera"), ImagingType::Other);
     EXPECT_EQ(service.nexts, 2 + 2);

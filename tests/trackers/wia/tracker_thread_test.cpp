@@ -32,7 +32,7 @@ protected:
     TraceRecorder trace;
 };
 
-TEST_F(WiaTrackerThreadTest, RegistersAndSaysSo)
+TEST_F(WiaTrackerThreadTest, RegistersAndWritesALine)
 {
     const FAKE_IMPORT(GetMessageW) loop([&](MSG*, HWND window, UINT first, UINT last) {
         EXPECT_NE(service.registeredCallback, nullptr) << "registered as long as the loop runs";
@@ -46,7 +46,7 @@ TEST_F(WiaTrackerThreadTest, RegistersAndSaysSo)
     EXPECT_THAT(service.released, ElementsAre("manager", "registration", "apartment"));
 }
 
-TEST_F(WiaTrackerThreadTest, WithoutTheServiceSaysSoAndGoesOn)
+TEST_F(WiaTrackerThreadTest, WithoutTheServiceWritesALineAndContinues)
 {
     service.create = CO_E_SERVER_EXEC_FAILURE;
     EXPECT_EQ(RunUntilQuit(), 0U);
@@ -54,7 +54,7 @@ TEST_F(WiaTrackerThreadTest, WithoutTheServiceSaysSoAndGoesOn)
     EXPECT_THAT(service.released, ElementsAre("apartment"));
 }
 
-TEST_F(WiaTrackerThreadTest, WhoseRegistrationIsRefusedSaysSoAndGoesOn)
+TEST_F(WiaTrackerThreadTest, WhoseRegistrationIsRefusedWritesALineAndContinues)
 {
     service.registers = E_ACCESSDENIED;
     EXPECT_EQ(RunUntilQuit(), 0U);
@@ -62,7 +62,7 @@ TEST_F(WiaTrackerThreadTest, WhoseRegistrationIsRefusedSaysSoAndGoesOn)
     EXPECT_THAT(service.released, ElementsAre("manager", "apartment"));
 }
 
-TEST_F(WiaTrackerThreadTest, DispatchesEveryMessageAndGoesOnAfterAFailedOne)
+TEST_F(WiaTrackerThreadTest, DispatchesEveryMessageAndContinuesAfterAFailedOne)
 {
     std::vector<BOOL> results = {TRUE, -1, TRUE, FALSE};
     std::vector<UINT> dispatched;
@@ -89,7 +89,7 @@ TEST_F(WiaTrackerThreadTest, DispatchesEveryMessageAndGoesOnAfterAFailedOne)
     EXPECT_EQ(WiaTrackerThread(nullptr), 0U);
     EXPECT_THAT(dispatched, ElementsAre(WM_APP, WM_APP + 2));
     EXPECT_EQ(translated, dispatched);
-    EXPECT_EQ(pauses.Calls(), 1) << "a failure that lasts does not take a whole processor";
+    EXPECT_EQ(pauses.Calls(), 1) << "a lasting failure must not use a whole processor";
 }
 
 } // namespace

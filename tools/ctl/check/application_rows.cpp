@@ -113,7 +113,7 @@ Rows ApplicationRows(const Facts& facts)
         if (!IsRegistered(report, key)) { // an installer may write both
             rows.push_back(Broken(kApplication, NameOf(key.name.value_or(L""), key.path),
                                   L"is registered in the 32-bit view of the registry (" + key.path +
-                                      L"), where the library does not look",
+                                      L"), where the library does not search",
                                   L"its installer must write to the 64-bit view (KEY_WOW64_64KEY)"));
         }
     }

@@ -21,8 +21,8 @@ Row ProcessRow(const Facts& facts, const BootProcess& process)
     const std::wstring who = L"process " + std::to_wstring(process.id);
     if (!process.path || !process.account) {
         return Suspicious(kControl, who,
-                          L"has control, and may not be looked at: it runs as another account, or with "
-                          L"more rights than this program",
+                          L"has control, and cannot be inspected: it runs as another account, or with "
+                          L"more privileges than this program",
                           L"run kestractl as administrator to see which it is; log off and on again to "
                           L"have it started by the auto-run entry");
     }
@@ -113,7 +113,7 @@ Row AutoRunRow(const Facts& facts)
     const std::wstring program = AutoRunProgram(*report.autoRun);
     if (!report.autoRunExists) {
         return Broken(kAutoRun, program, L"the auto-run entry names this file, which does not exist",
-                      L"start the boot program of an application: it writes the entry anew, if it may "
+                      L"start the boot program of an application: it writes the entry again, if it may "
                       L"write to HKEY_LOCAL_MACHINE");
     }
     if (facts.autoRunSwitchedOff) {

@@ -22,15 +22,15 @@ Row WiaRow(const ImagingParts& imaging, bool watched)
         return Fine(kWia, {}, std::wstring(service) + L" " + kNotAsked);
     }
     if (!imaging.serviceKnown) {
-        return Suspicious(kWia, {}, std::wstring(L"Windows does not tell of ") + service,
+        return Suspicious(kWia, {}, std::wstring(L"Windows does not report the state of ") + service,
                           L"run this program as administrator");
     }
     if (!imaging.serviceExists) {
-        return Broken(kWia, {}, std::wstring(service) + L" is not installed: no WIA device is noticed",
+        return Broken(kWia, {}, std::wstring(service) + L" is not installed: no WIA device is detected",
                       L"add it to Windows (on servers: the feature Desktop Experience)");
     }
     if (imaging.serviceDisabled) {
-        return Broken(kWia, {}, std::wstring(service) + L" is disabled: no WIA device is noticed",
+        return Broken(kWia, {}, std::wstring(service) + L" is disabled: no WIA device is detected",
                       L"let it start, then log on again: it is asked once");
     }
     return Fine(kWia, {},
@@ -70,7 +70,7 @@ Row StillImageRow(const SystemPart& part, bool watched)
     }
     if (!library.fault.empty()) {
         return Broken(
-            kStillImage, {}, library.fault + L": no still-image device is noticed",
+            kStillImage, {}, library.fault + L": no still-image device is detected",
             L"repair Windows; a file of that name beside the boot program does not belong there");
     }
     return Fine(kStillImage, library.path, L"can be loaded; " + VersionText(part.version));
@@ -94,14 +94,14 @@ Row TwainRow(const ImagingParts& imaging, bool watched)
     if (!manager.fault.empty()) {
         return Suspicious(kTwain, {},
                           L"there is no 64-bit source manager: " + manager.fault +
-                              L". A device with a TWAIN source alone is not noticed",
+                              L". A device with a TWAIN source alone is not detected",
                           L"install a 64-bit TWAIN source manager under the name twain_32.dll, and "
                           L"64-bit sources");
     }
     if (imaging.sources == 0) {
         return Suspicious(kTwain, manager.path,
                           L"is a 64-bit source manager, but there is no 64-bit source: a device with a "
-                          L"TWAIN source alone is not noticed",
+                          L"TWAIN source alone is not detected",
                           L"install the 64-bit TWAIN driver of the device");
     }
     return Fine(kTwain, manager.path, L"is a 64-bit source manager, with " + sources);

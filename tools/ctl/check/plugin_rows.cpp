@@ -45,7 +45,7 @@ std::wstring AdviceFor(const PluginFile& plugin)
     if (plugin.missing.empty()) {
         return L"get the 64-bit plugin from its maker again, or take the file away";
     }
-    return L"put what is missing beside the boot program: Windows looks there, not in moxplugins";
+    return L"copy the missing files beside the boot program: Windows searches there, not in moxplugins";
 }
 
 /// An earlier file of the folder that is the same plugin, as far as that shows without running
@@ -106,7 +106,7 @@ Rows PluginRows(const PluginFolder& folder)
         return SameIgnoringCase(plugin.name, kPhoneManager);
     });
     if (hasPhoneManager) {
-        rows.push_back(Fine(kPlugins, {}, L"nokiamanager.mox is there: the host looks for the others"));
+        rows.push_back(Fine(kPlugins, {}, L"nokiamanager.mox exists: the host searches for the others"));
     } else {
         rows.push_back(Broken(kPlugins, {},
                               L"there is no nokiamanager.mox: the host loads no other plugin before it",

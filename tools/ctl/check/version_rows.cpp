@@ -26,7 +26,7 @@ Row BootRow(const Facts& facts, const BootFolder& boot)
     const std::wstring program = L"the boot program, " + VersionText(boot.programVersion);
     if (!boot.libraryExists) {
         return Suspicious(kVersion, boot.program, program + L"; there is no kestraboot.dll beside it",
-                          L"install its application again, unless its library lies on the PATH");
+                          L"install its application again, unless its library is on the PATH");
     }
     const std::wstring reason =
         program + L"; the kestraboot.dll beside it, " + VersionText(boot.libraryVersion);

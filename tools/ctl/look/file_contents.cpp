@@ -8,7 +8,7 @@ namespace
 {
 
 constexpr const wchar_t* kCannotBeRead = L"cannot be read";
-constexpr const wchar_t* kTooLarge = L"is larger than 64 MB, and was not looked at";
+constexpr const wchar_t* kTooLarge = L"is larger than 64 MB, and was not checked";
 constexpr DWORD kAtOnce = 1 << 20;
 
 } // namespace

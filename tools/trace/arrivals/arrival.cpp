@@ -53,7 +53,7 @@ std::string Find(const Words (&words)[Count], std::string_view rule)
 std::string WhyText(const Arrival& arrival)
 {
     if (std::string_view(arrival.rule) == kSupportedFile) {
-        return arrival.file.empty() ? "a file of a supported format lies on it"
+        return arrival.file.empty() ? "it contains a file of a supported format"
                                     : arrival.file + " is of a supported format";
     }
     return Find(kWhy, arrival.rule);
