@@ -23,15 +23,19 @@ int Asked()
 class SheetSize : public SheetWindows
 {
 protected:
-    /// One file under many names.
+    /// One file under many names, 1,000 in a folder as cameras do: Wine reads the folder for each new
+    /// name.
     void AddPictures() const
     {
-        const bool isLarge = count > kUsual;
-        const auto first =
-            card.AddFile("DCIM/100TEST/IMG_10000.JPG", isLarge ? MakeJpeg(1600, 1200) : jpeg);
+        constexpr int kInFolder = 1'000;
+        const auto first = card.AddFile("IMG_10000.JPG", count > kUsual ? MakeJpeg(1600, 1200) : jpeg);
         for (int i = 1; i < count; ++i) {
-            std::filesystem::create_hard_link(first, first.parent_path() /
-                                                         ("IMG_" + std::to_string(10'000 + i) + ".JPG"));
+            const auto folder = card.Path() / "DCIM" / (std::to_string(100 + i / kInFolder) + "TEST");
+            if (i == 1 || i % kInFolder == 0) {
+                std::filesystem::create_directories(folder);
+            }
+            std::filesystem::create_hard_link(first,
+                                              folder / ("IMG_" + std::to_string(10'000 + i) + ".JPG"));
         }
     }
 
@@ -64,7 +68,9 @@ protected:
 
 TEST_F(SheetSize, ManyPicturesTakeBoundedMemory)
 {
+    start = ::GetTickCount64();
     AddPictures();
+    Tell("the card is made after");
     start = ::GetTickCount64();
     Show();
     Tell("the window is shown after");
