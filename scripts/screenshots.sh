@@ -34,6 +34,8 @@ wine_prefix_make "$prefix"
 wine_run "$prefix" 60 reg delete 'HKCU\Software\Wine\Drivers' /v Graphics /f >/dev/null
 wine_run "$prefix" 60 reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
 wine_prefix_end "$prefix"
+# The title bar's buttons are characters of this font, which Debian's Wine does not find by itself.
+cp /usr/share/wine/fonts/marlett.ttf "$prefix/drive_c/windows/Fonts/"
 
 # The card: landscapes, with dates as a camera writes them; one file is corrupt.
 scripts/screenshots/card.py "$work/card/DCIM/100TEST"

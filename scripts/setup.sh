@@ -39,7 +39,7 @@ case "$# ${1-}" in
 '0 ') packages=("${all[@]}") ;;
 '1 demo') packages=("${demo[@]}") ;;
 '1 curves') packages=(python3-matplotlib) ;;
-'1 screenshots') packages=("${demo[@]}" xvfb imagemagick) ;;
+'1 screenshots') packages=("${demo[@]}" xvfb imagemagick fonts-wine) ;; # with the font of the title bar's buttons
 '1 ucrt') packages=("${suite[@]}" g++-mingw-w64-ucrt64) ;;
 *) wrong_usage "no such group of packages: $*" ;;
 esac

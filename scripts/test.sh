@@ -36,6 +36,9 @@ scripts/checks/prose.py
 stage "Include directions"
 scripts/checks/include_directions.py
 
+stage "Size of the samples"
+scripts/checks/sample_size.py
+
 stage "Index of the tests"
 scripts/test_index.py --check
 

@@ -4,16 +4,15 @@
 // named event "KestrabootSampleDevice" for one: each time somebody sets it, a camera has arrived.
 //
 // Three things make a plugin: an object that describes it (SampleDescriptor), a source manager that
-// reports devices (SampleSource), and FxPluginMain, which hands out the first.
+// reports devices (SampleSource, in sample_source.h), and FxPluginMain, which hands out the first.
 //
 // None of them is a static object, because of the thread: at the end of the process nobody unregisters
 // the callback or calls ShutDown. If the host exits by ExitProcess, Windows stops the thread where it
 // is, and then destroys static objects, under the loader's lock. A static std::thread would call
 // std::terminate there. The thread here belongs to the source manager, and the host never gives back its
 // last reference to that at the end: no destructor runs.
-#include "kestraboot/mox_plugin.h"
+#include "sample_source.h"
 
-#include <windows.h>
 #include <cwchar>
 #include <new>
 
@@ -25,122 +24,6 @@ namespace
 // Make one of your own for each plugin: the host refuses a second plugin with the same one.
 constexpr mox::Identifier kSampleIdentifier = {
     0x6F1B0E52, 0x9A37, 0x4C0D, {0x8E, 0x21, 0x53, 0xB4, 0x07, 0xD9, 0x6A, 0xC8}};
-
-// The source manager: interface 13.
-class SampleSource final : public mox::ISourceManager
-{
-public:
-    // The host asks the manager for interface 13 once more before it reads the category.
-    bool Query(mox::InterfaceNumber number, void** object) override
-    {
-        *object = nullptr;
-        if (number != mox::kSourceManagerNumber) {
-            return false;
-        }
-        AddReference(); // every object that is handed out comes with a reference
-        *object = static_cast<mox::ISourceManager*>(this);
-        return true;
-    }
-
-    std::uint32_t AddReference() override
-    {
-        return static_cast<std::uint32_t>(::InterlockedIncrement(&references));
-    }
-
-    std::uint32_t Release() override
-    {
-        const LONG remaining = ::InterlockedDecrement(&references);
-        if (remaining == 0) {
-            delete this;
-        }
-        return static_cast<std::uint32_t>(remaining);
-    }
-
-    // A source with any other category is not tracked.
-    mox::Status GetCategory(std::uint32_t* category) override
-    {
-        *category = mox::kDeviceSourceCategory;
-        return mox::kSuccess;
-    }
-
-    // From here on the plugin reports devices, from a thread of its own: it must not keep the host
-    // waiting.
-    mox::Status RegisterCallback(mox::ICallbackInterface* given) override
-    {
-        if (given == nullptr || thread != nullptr) {
-            return mox::kBadArgument;
-        }
-        given->AddReference(); // it is only lent for this call: the reference is what keeps it alive
-        callback = given;
-        deviceArrived = ::CreateEventW(nullptr, FALSE, FALSE, L"KestrabootSampleDevice");
-        ending = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
-        if (deviceArrived != nullptr && ending != nullptr) {
-            thread = ::CreateThread(nullptr, 0, WatchThread, this, 0, nullptr);
-        }
-        if (thread == nullptr) {
-            StopWatching();
-            return mox::kFailure;
-        }
-        return mox::kSuccess;
-    }
-
-    mox::Status UnregisterCallback(mox::ICallbackInterface* given) override
-    {
-        if (given == nullptr || given != callback) {
-            return mox::kBadArgument;
-        }
-        StopWatching(); // no call of the callback begins after this; then its reference is given back
-        return mox::kSuccess;
-    }
-
-private:
-    ~SampleSource() { StopWatching(); }
-
-    static DWORD WINAPI WatchThread(LPVOID self)
-    {
-        static_cast<SampleSource*>(self)->Watch();
-        return 0;
-    }
-
-    void Watch()
-    {
-        const HANDLE awaited[] = {ending, deviceArrived};
-        while (::WaitForMultipleObjects(2, awaited, FALSE, INFINITE) == WAIT_OBJECT_0 + 1) {
-            mox::DeviceRecord device = {}; // cleared: what is not filled must be zero
-            device.eventCode = mox::kDeviceArrived;
-            device.size = mox::kDeviceRecordSize;
-            device.deviceKind = mox::kKindCamera;
-            std::wcscpy(device.deviceId, L"Sample camera");
-            // Returns when the application was started. Nothing can be done about a failure here.
-            static_cast<void>(callback->Notify(0, &device));
-        }
-    }
-
-    void StopWatching()
-    {
-        if (thread != nullptr) {
-            ::SetEvent(ending);
-            ::WaitForSingleObject(thread, INFINITE);
-        }
-        HANDLE* const handles[] = {&thread, &ending, &deviceArrived};
-        for (HANDLE* const handle : handles) {
-            if (*handle != nullptr) {
-                ::CloseHandle(*handle);
-                *handle = nullptr;
-            }
-        }
-        if (callback != nullptr) {
-            callback->Release();
-            callback = nullptr;
-        }
-    }
-
-    volatile LONG references = 1; // its creator's
-    mox::ICallbackInterface* callback = nullptr;
-    HANDLE deviceArrived = nullptr;
-    HANDLE ending = nullptr;
-    HANDLE thread = nullptr;
-};
 
 // The plugin's description: interface 1. It also makes the source manager when it is asked for
 // interface 13.

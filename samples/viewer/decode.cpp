@@ -1,6 +1,7 @@
 #include "decode.h"
 
 #include "exif.h"
+#include "jpeg_header.h"
 
 #include <algorithm>
 #include <cmath>
@@ -19,13 +20,8 @@ struct ClosePicture {
 /// More than any camera takes, and less than memory holds.
 constexpr std::uint64_t kMostPixels = 400'000'000;
 
-struct Size {
-    unsigned width = 0;
-    unsigned height = 0;
-};
-
 /// The largest that fits into the space and is not larger than it was.
-Size Fit(Size picture, Size space)
+PictureSize Fit(PictureSize picture, PictureSize space)
 {
     const double ratio =
         std::min({1.0, double(space.width) / picture.width, double(space.height) / picture.height});
@@ -36,11 +32,11 @@ Size Fit(Size picture, Size space)
 }
 
 /// Cameras put a small picture into the file. It serves where it is large enough and of the same shape.
-ComPtr<IWICBitmapSource> SmallestSource(const ComPtr<IWICBitmapFrameDecode>& frame, Size whole,
-                                        Size wanted)
+ComPtr<IWICBitmapSource> SmallestSource(const ComPtr<IWICBitmapFrameDecode>& frame, PictureSize whole,
+                                        PictureSize wanted)
 {
     ComPtr<IWICBitmapSource> embedded;
-    Size small;
+    PictureSize small;
     if (SUCCEEDED(frame->GetThumbnail(&embedded)) &&
         SUCCEEDED(embedded->GetSize(&small.width, &small.height)) && small.width >= wanted.width &&
         small.height >= wanted.height && small.height > 0) {
@@ -52,7 +48,7 @@ ComPtr<IWICBitmapSource> SmallestSource(const ComPtr<IWICBitmapFrameDecode>& fra
     return frame;
 }
 
-bool Scale(IWICImagingFactory& factory, const ComPtr<IWICBitmapSource>& source, Size wanted,
+bool Scale(IWICImagingFactory& factory, const ComPtr<IWICBitmapSource>& source, PictureSize wanted,
            Pixels& pixels)
 {
     ComPtr<IWICBitmapScaler> scaler;
@@ -72,13 +68,32 @@ bool Scale(IWICImagingFactory& factory, const ComPtr<IWICBitmapSource>& source, 
                                            reinterpret_cast<BYTE*>(pixels.values.data())));
 }
 
-Exif ReadFacts(HANDLE file)
+std::vector<std::uint8_t> ReadBeginning(HANDLE file)
 {
     std::vector<std::uint8_t> beginning(65'536);
     DWORD read = 0;
     ::ReadFile(file, beginning.data(), static_cast<DWORD>(beginning.size()), &read, nullptr);
     ::SetFilePointer(file, 0, nullptr, FILE_BEGIN);
-    return ReadExif(std::span(beginning).first(read));
+    beginning.resize(read);
+    return beginning;
+}
+
+/// The first picture of a file; null if it has none.
+ComPtr<IWICBitmapFrameDecode> OpenFrame(IWICImagingFactory& factory, HANDLE file)
+{
+    ComPtr<IWICBitmapDecoder> decoder;
+    ComPtr<IWICBitmapFrameDecode> frame;
+    if (FAILED(factory.CreateDecoderFromFileHandle(reinterpret_cast<ULONG_PTR>(file), nullptr,
+                                                   WICDecodeMetadataCacheOnDemand, &decoder)) ||
+        FAILED(decoder->GetFrame(0, &frame))) {
+        return nullptr;
+    }
+    return frame;
+}
+
+bool IsPossible(PictureSize size)
+{
+    return size.width != 0 && size.height != 0 && std::uint64_t{size.width} * size.height <= kMostPixels;
 }
 
 } // namespace
@@ -94,25 +109,32 @@ DecodedPicture Decode(IWICImagingFactory& factory, const std::filesystem::path& 
         return picture;
     }
     const std::unique_ptr<void, ClosePicture> file(opened);
-    const Exif exif = ReadFacts(file.get());
-    ComPtr<IWICBitmapDecoder> decoder;
+    const std::vector<std::uint8_t> beginning = ReadBeginning(file.get());
+    const Exif exif = ReadExif(beginning);
     ComPtr<IWICBitmapFrameDecode> frame;
-    Size size;
-    if (FAILED(factory.CreateDecoderFromFileHandle(reinterpret_cast<ULONG_PTR>(file.get()), nullptr,
-                                                   WICDecodeMetadataCacheOnDemand, &decoder)) ||
-        FAILED(decoder->GetFrame(0, &frame)) || FAILED(frame->GetSize(&size.width, &size.height)) ||
-        size.width == 0 || size.height == 0 || std::uint64_t{size.width} * size.height > kMostPixels) {
+    // The header alone, where it serves, because a decoder may decode the whole picture to learn its
+    // size.
+    std::optional<PictureSize> size = style == nullptr ? ReadJpegSize(beginning) : std::nullopt;
+    if (!size) {
+        frame = OpenFrame(factory, file.get());
+        size.emplace();
+        if (!frame || FAILED(frame->GetSize(&size->width, &size->height))) {
+            return picture;
+        }
+    }
+    if (!IsPossible(*size)) {
         return picture;
     }
     const bool swaps = exif.orientation >= 5;
-    picture.width = swaps ? size.height : size.width;
-    picture.height = swaps ? size.width : size.height;
+    picture.width = swaps ? size->height : size->width;
+    picture.height = swaps ? size->width : size->height;
     picture.taken = exif.taken;
     if (style != nullptr) {
-        const Size space = {swaps ? style->height : style->width, swaps ? style->width : style->height};
-        const Size wanted = Fit(size, space);
+        const PictureSize space = {swaps ? style->height : style->width,
+                                   swaps ? style->width : style->height};
+        const PictureSize wanted = Fit(*size, space);
         Pixels pixels;
-        if (!Scale(factory, SmallestSource(frame, size, wanted), wanted, pixels)) {
+        if (!Scale(factory, SmallestSource(frame, *size, wanted), wanted, pixels)) {
             return picture;
         }
         picture.thumbnail =

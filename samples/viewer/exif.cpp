@@ -1,7 +1,10 @@
 #include "exif.h"
 
+#include "jpeg_header.h"
+
 #include <algorithm>
 #include <optional>
+#include <string_view>
 
 namespace
 {
@@ -56,23 +59,20 @@ private:
     bool littleEndian;
 };
 
-/// The TIFF structure in a JPEG's segments (FF E1, length, "Exif", 0, 0), or a file that is one itself.
+/// The TIFF structure in a JPEG's segment ("Exif", 0, 0, TIFF), or a file that is one itself.
 std::span<const std::uint8_t> FindTiff(std::span<const std::uint8_t> file)
 {
+    constexpr std::uint8_t kApplication = 0xE1;
+    constexpr std::size_t kMark = 6;
     if (file.size() > 4 && (file[0] == 'I' || file[0] == 'M') && file[0] == file[1]) {
         return file;
     }
-    std::size_t at = 2;
-    while (file.size() > at + 10 && file[at] == 0xFF && file[at + 1] != 0xDA) {
-        const std::size_t length = std::size_t{file[at + 2]} << 8 | file[at + 3];
-        if (file[at + 1] == 0xE1 &&
-            std::ranges::equal(file.subspan(at + 4, 4), std::string_view("Exif"))) {
-            const std::size_t begin = at + 10;
-            return file.subspan(begin, std::min(length < 8 ? 0 : length - 8, file.size() - begin));
-        }
-        at += 2 + length;
-    }
-    return {};
+    const auto segment =
+        FindSegment(file, [](std::uint8_t kind, std::span<const std::uint8_t> contents) {
+            return kind == kApplication && contents.size() >= kMark &&
+                   std::ranges::equal(contents.first(4), std::string_view("Exif"));
+        });
+    return segment.empty() ? segment : segment.subspan(kMark);
 }
 
 } // namespace

@@ -61,6 +61,10 @@ void Sheet::Changed()
     ShowReading(progress);
     ShowDetails();
     ShowCopying();
+    // Posted messages precede painting. While changes come without a pause, the list would not be drawn,
+    // and would not request the pictures that it shows.
+    ::UpdateWindow(Item(IDC_PICTURES));
+    AskForThumbnails();
 }
 
 /// In the order in which they are shown: the reader takes the newest request first.

@@ -35,8 +35,9 @@ RECORDS = [*("kestraboot::mox::" + name for name in (
     "kestraboot::twain::TW_VERSION", "kestraboot::twain::TW_IDENTITY",
     "formatInfo_tag", "appInfo_tag", "CKestraBootInformationHandler", "CKestraBootCommandHandler"]
 # The classes whose function tables others call: both sides of a plugin, and the WIA callback.
-IMPLEMENTERS = ["samples/mox_plugin/sample_plugin.cpp", "trackers/mox/callback_interface.cpp",
-                "trackers/mox/source_enumerator.cpp", "trackers/wia/wia_device_tracker.cpp"]
+IMPLEMENTERS = ["samples/mox_plugin/sample_plugin.cpp", "samples/mox_plugin/sample_source.cpp",
+                "trackers/mox/callback_interface.cpp", "trackers/mox/source_enumerator.cpp",
+                "trackers/wia/wia_device_tracker.cpp"]
 
 
 def output_of(*command: str) -> str:
@@ -98,7 +99,7 @@ class Compiler:
             said = self.dump("-S", "-emit-llvm", "-o", os.devnull, "-Xclang", "-fdump-vtable-layouts", source)
             for owner, slots in re.findall(r"^VF?[Tt]able indices for '([^'\n]*)' [^\n]*\n(.*?)\n\n", said,
                                            re.MULTILINE | re.DOTALL):
-                if owner.startswith(("kestraboot::", "(anonymous namespace)::")):
+                if owner.startswith(("kestraboot::", "(anonymous namespace)::", "Sample")):
                     found[owner] = [line for line in slots.splitlines() if " | " in line]
         return found
 

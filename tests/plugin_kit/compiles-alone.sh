@@ -10,7 +10,7 @@ compile() { # COMPILER... : every standard, every source
     local standard
     for standard in 11 14 17 20; do
         "$@" -std=c++$standard "${warnings[@]}" -I"$sources/include" -fsyntax-only \
-            "$sources/tests/plugin_kit/kit_alone.cpp" "$sources/samples/mox_plugin/sample_plugin.cpp"
+            "$sources/tests/plugin_kit/kit_alone.cpp" "$sources"/samples/mox_plugin/*.cpp
         echo "$1: C++$standard"
     done
 }

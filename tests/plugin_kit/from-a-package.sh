@@ -8,7 +8,7 @@ trap 'rm -rf "$work"' EXIT
 
 cmake --install "$build" --prefix "$work/package" >/dev/null
 cp -r "$sources/tests/plugin_kit/consumer" "$work/consumer"
-cp "$sources/samples/mox_plugin/sample_plugin.cpp" "$work/consumer"
+cp "$sources"/samples/mox_plugin/*.{cpp,h} "$work/consumer"
 cmake -S "$work/consumer" -B "$work/build" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$toolchain" \
     -DCMAKE_PREFIX_PATH="$work/package"
 cmake --build "$work/build"

@@ -11,6 +11,24 @@ namespace kestraboot::tests
 namespace
 {
 
+/// A folder that this process holds open, so that nobody else can list it.
+class Held
+{
+public:
+    explicit Held(const std::filesystem::path& folder)
+        : handle(::CreateFileW(folder.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+                               FILE_FLAG_BACKUP_SEMANTICS, nullptr))
+    {
+        EXPECT_NE(handle, INVALID_HANDLE_VALUE);
+    }
+    Held(const Held&) = delete;
+    Held& operator=(const Held&) = delete;
+    ~Held() { ::CloseHandle(handle); }
+
+private:
+    HANDLE handle;
+};
+
 class Sheet : public SheetWindows
 {
 protected:
@@ -54,6 +72,50 @@ TEST_F(Sheet, MarksABrokenPictureAndGoesOn)
         EXPECT_EQ(list->Image(row), kFirstPicture - 1);
     }
     EXPECT_TRUE(AwaitPicture(3));
+}
+
+TEST_F(Sheet, NamesAFolderThatItCannotReadAndGoesOn)
+{
+    card.AddFile(L"a/a.jpg", jpeg);
+    card.AddFile(L"locked/b.jpg", jpeg);
+    card.AddFile(L"locked too/c.jpg", jpeg);
+    card.AddFile(L"z/d.jpg", jpeg);
+    const Held held[] = {Held(card.Path() / L"locked"), Held(card.Path() / L"locked too")};
+    Show();
+    EXPECT_TRUE(
+        AwaitText(IDC_STATUS, L"Pictures: 2. Folders that cannot be read: 2, such as E:\\locked."));
+    EXPECT_TRUE(AwaitStarted(app, "picture: E:\\a\\a.jpg\npicture: E:\\z\\d.jpg\npictures: 2\n"));
+}
+
+TEST_F(Sheet, DecodesThePicturesInViewBeforeThoseAboveThem)
+{
+    constexpr int kCount = 300;
+    // Only a decoder can read these, which takes long enough for the list to be scrolled meanwhile.
+    const auto first = card.AddFile(
+        "IMG_1000.JPG", WithExif(WithLongHeader(MakeJpeg(1600, 1200)), "2026:11:21 13:26:59", 1));
+    for (int i = 1; i < kCount; ++i) {
+        std::filesystem::create_hard_link(first,
+                                          card.Path() / ("IMG_" + std::to_string(1000 + i) + ".JPG"));
+    }
+    Show();
+    ASSERT_TRUE(Within(30'000, [this] {
+        return list->Count() == kCount;
+    }));
+    for (int row = 0; row < kCount / 2; ++row) { // as a user does who scrolls through them
+        static_cast<void>(list->Image(row));
+    }
+    ::SendMessageW(Item(IDC_PICTURES), LVM_ENSUREVISIBLE, kCount - 1, FALSE);
+    const auto isRead = [this](int row) { // the date follows the size after two blanks
+        return list->Text(row).find(L"  ") != std::wstring::npos;
+    };
+    EXPECT_TRUE(Within(30'000, [&] {
+        return isRead(kCount - 1);
+    }));
+    int above = 0;
+    for (int row = 0; row < kCount / 2; ++row) {
+        above += isRead(row) ? 1 : 0;
+    }
+    EXPECT_LT(above, kCount / 2) << "so many were decoded before the last one";
 }
 
 TEST_F(Sheet, WithoutPicturesOffersNothingToCopy)

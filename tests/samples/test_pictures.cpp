@@ -40,6 +40,14 @@ std::string Entry(const std::string& tag, char type, char count, char value)
     return tag + type + '\0' + count + std::string(3, '\0') + value + std::string(3, '\0');
 }
 
+/// Adds a segment at the beginning.
+std::string WithSegment(const std::string& jpeg, char kind, const std::string& contents)
+{
+    const std::size_t length = contents.size() + 2;
+    return jpeg.substr(0, 2) + "\xFF" + kind + static_cast<char>(length >> 8) +
+           static_cast<char>(length) + contents + jpeg.substr(2);
+}
+
 } // namespace
 
 std::string MakeJpeg(unsigned width, unsigned height)
@@ -79,10 +87,12 @@ std::string WithExif(const std::string& jpeg, const std::string& taken, char ori
     std::string tiff = "II*\0\x08\0\0\0\x02\0"s + Entry("\x12\x01"s, 3, 1, orientation) +
                        Entry("\x69\x87"s, 4, 1, 38) + "\0\0\0\0"s;
     tiff += "\x01\0"s + Entry("\x03\x90"s, 2, 20, 56) + "\0\0\0\0"s + taken + '\0';
-    const std::string segment = "Exif\0\0"s + tiff;
-    const std::size_t length = segment.size() + 2;
-    return jpeg.substr(0, 2) + "\xFF\xE1" + static_cast<char>(length >> 8) + static_cast<char>(length) +
-           segment + jpeg.substr(2);
+    return WithSegment(jpeg, '\xE1', "Exif\0\0"s + tiff);
+}
+
+std::string WithLongHeader(const std::string& jpeg)
+{
+    return WithSegment(jpeg, '\xE4', std::string(65'533, 'x'));
 }
 
 void MakeSparseFile(const std::filesystem::path& file, long long bytes)

@@ -14,6 +14,9 @@ namespace kestraboot::tests
 /// orientation (1 to 8).
 [[nodiscard]] std::string WithExif(const std::string& jpeg, const std::string& taken, char orientation);
 
+/// The same with its size behind the first 64 KB, after a segment that a program may keep there.
+[[nodiscard]] std::string WithLongHeader(const std::string& jpeg);
+
 /// A file that needs no room on the disk but has that length when it is read.
 void MakeSparseFile(const std::filesystem::path& file, long long bytes);
 

@@ -3,19 +3,13 @@
 // marshals itself, and a small in-process handler (wia_device_list.dll) makes a copy on the other side.
 #pragma once
 
-#include <windows.h>
+#include "listed_device.h"
 
-#include <string>
 #include <vector>
 #include <wia.h>
 
 namespace kestraboot::simulators
 {
-
-struct ListedDevice {
-    std::wstring id; ///< WIA_DIP_DEV_ID
-    DWORD type;      ///< WIA_DIP_DEV_TYPE, the whole
-};
 
 /// The class of the handler.
 inline constexpr CLSID kDeviceListClass = {

@@ -3,12 +3,11 @@
 #include "../common/configuration.h"
 #include "counted.h"
 #include "device_list.h"
+#include "event_registrations.h"
 #include "trackers/wia/wia_identifiers.h"
 #include "wia_objects.h"
 
 #include <atomic>
-#include <list>
-#include <mutex>
 #include <vector>
 
 namespace kestraboot::simulators
@@ -17,9 +16,6 @@ namespace
 {
 
 std::atomic<long> managers = 0;
-
-std::mutex registrationsLock;
-std::list<IWiaEventCallback*> registrations; ///< one reference each
 
 std::vector<Entry> Configuration()
 {
@@ -53,39 +49,6 @@ std::vector<ListedDevice> Devices(const std::vector<Entry>& entries)
     return devices;
 }
 
-class PlainUnknown : protected IUnknown
-{
-protected:
-    virtual ~PlainUnknown() = default;
-};
-
-std::atomic<long> registrationObjects = 0;
-
-/// One registration, which ends with the last reference.
-class Registration final : public Counted<IUnknown, PlainUnknown>
-{
-public:
-    explicit Registration(IWiaEventCallback* registered)
-        : Counted(kIidUnknown, registrationObjects), callback(registered)
-    {
-        callback->AddRef();
-        const std::lock_guard guard(registrationsLock);
-        registrations.push_back(callback);
-    }
-
-private:
-    ~Registration() override
-    {
-        {
-            const std::lock_guard guard(registrationsLock);
-            registrations.remove(callback);
-        }
-        callback->Release();
-    }
-
-    IWiaEventCallback* callback;
-};
-
 class Manager final : public Counted<IWiaDevMgr, simulators::UnansweredDeviceManager>
 {
 public:
@@ -114,7 +77,7 @@ public:
             Says(Configuration(), "refuse-registration")) {
             return E_INVALIDARG;
         }
-        *registration = (new Registration(callback))->Reference();
+        *registration = RegisterForConnect(callback);
         return S_OK;
     }
 };
@@ -129,36 +92,9 @@ HRESULT MakeDeviceManager(REFIID interfaceId, void** object)
     return result;
 }
 
-void FireConnectEvent(const std::wstring& deviceId)
-{
-    std::vector<IWiaEventCallback*> called;
-    {
-        const std::lock_guard guard(registrationsLock);
-        called.assign(registrations.begin(), registrations.end());
-        for (IWiaEventCallback* const callback : called) {
-            callback->AddRef();
-        }
-    }
-    const BSTR id = ::SysAllocString(deviceId.c_str());
-    const BSTR description = ::SysAllocString(L"a device");
-    for (IWiaEventCallback* const callback : called) {
-        ULONG eventType = WIA_NOTIFICATION_EVENT;
-        callback->ImageEventCallback(&kWiaEventDeviceConnected, description, id, description, 0,
-                                     description, &eventType, 0);
-        callback->Release();
-    }
-    ::SysFreeString(description);
-    ::SysFreeString(id);
-}
-
 long LiveManagers() noexcept
 {
     return managers;
-}
-
-long LiveRegistrations() noexcept
-{
-    return registrationObjects;
 }
 
 } // namespace kestraboot::simulators

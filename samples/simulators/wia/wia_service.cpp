@@ -14,8 +14,10 @@
 // It exits with the prefix.
 #include "../common/version.h"
 #include "class_factory.h"
+#include "com_registration.h"
 #include "device_list.h"
 #include "device_manager.h"
+#include "event_registrations.h"
 #include "service_window.h"
 #include "trackers/wia/wia_identifiers.h"
 
@@ -33,7 +35,7 @@ namespace
 using namespace kestraboot;
 using namespace kestraboot::simulators;
 
-constexpr UINT kFireMessage = WM_APP + 2; ///< lParam: a std::wstring, owned by the receiver
+constexpr UINT kFireMessage = WM_APP + 2; ///< no parameters: fires the first of toFire
 
 long CountOf(ServiceObjects what)
 {
@@ -71,39 +73,6 @@ LRESULT CALLBACK ServiceProcedure(HWND window, UINT message, WPARAM wParam, LPAR
         return CountOf(static_cast<ServiceObjects>(wParam));
     }
     return ::DefWindowProcW(window, message, wParam, lParam);
-}
-
-bool IsOnWine()
-{
-    return ::GetProcAddress(::GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
-}
-
-std::wstring KeyOf(const CLSID& classId)
-{
-    wchar_t text[64] = {};
-    ::StringFromGUID2(classId, text, 64);
-    return std::wstring(L"Software\\Classes\\CLSID\\") + text;
-}
-
-bool SetDefault(const std::wstring& key, const wchar_t* name, const std::wstring& text)
-{
-    return ::RegSetKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), name, REG_SZ, text.c_str(),
-                             static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))) == ERROR_SUCCESS;
-}
-
-bool Register()
-{
-    wchar_t path[1024] = {};
-    ::GetModuleFileNameW(nullptr, path, 1023);
-    const std::wstring program = path;
-    const std::wstring folder = program.substr(0, program.find_last_of(L'\\') + 1);
-    const std::wstring manager = KeyOf(kClsidWiaDevMgr);
-    const std::wstring handler = KeyOf(kDeviceListClass) + L"\\InprocServer32";
-    // With an application identity COM would start the service that belongs to it.
-    ::RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, manager.c_str(), L"AppID");
-    return SetDefault(manager + L"\\LocalServer32", nullptr, program) &&
-           SetDefault(handler, nullptr, folder + L"wia_device_list.dll") &&
-           SetDefault(handler, L"ThreadingModel", L"Both");
 }
 
 /// Two clients that come at the same time each make Wine's COM start a service. One of them serves; the
@@ -156,7 +125,7 @@ int main(int argc, char** argv)
         return 1;
     }
     if (argument == "register") {
-        return Register() ? 0 : 1;
+        return RegisterForCom() ? 0 : 1;
     }
     if (argument == "-Embedding" || argument == "/Embedding") { // as COM starts it
         return Serve();
