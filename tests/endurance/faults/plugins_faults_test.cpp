@@ -182,7 +182,7 @@ protected:
 
     std::filesystem::path before;
     Machine machine;
-    ImportPatch get{"GetMessageW", reinterpret_cast<void*>(&TakeMessage)};
+    ImportPatch get{"GetMessageW", TakeMessage};
     Trackers trackers;
     CallGate gate{ModuleUnderTest(), LetCallGoOn};
 };
