@@ -73,7 +73,7 @@ void CountAllocations(const Request& request)
               NotifyDeviceConnect(kind, deviceId);
           })));
 
-    const tests::ImportPatch start("_wspawnlp", reinterpret_cast<void*>(&StartNothing));
+    const tests::ImportPatch start("_wspawnlp", StartNothing);
     CKestraBootCommandHandler handler;
     std::wstring path = L"C:\\Program Files\\Picture Organiser\\organiser.exe";
     std::wstring mode = L"direct";

@@ -40,9 +40,9 @@ void Compose(const std::wstring& path, const std::wstring& mode, const std::wstr
 
 void CompeteInComposing(const Request& request)
 {
-    const tests::ImportPatch start("_wspawnlp", reinterpret_cast<void*>(&StartNothing));
-    const tests::ImportPatch trace("OutputDebugStringW", reinterpret_cast<void*>(&DropLine));
-    const tests::ImportPatch version("GetVersionExW", reinterpret_cast<void*>(&TellNoVersion));
+    const tests::ImportPatch start("_wspawnlp", StartNothing);
+    const tests::ImportPatch trace("OutputDebugStringW", DropLine);
+    const tests::ImportPatch version("GetVersionExW", TellNoVersion);
 
     CKestraBootCommandHandler handler;
     std::wstring path = L"C:\\Program Files\\Picture Organiser\\organiser.exe";

@@ -93,7 +93,7 @@ void CompeteOnRoad(const Request& request)
 
 void CompeteOnRoadWithoutStart(const Request& request)
 {
-    const tests::ImportPatch start("_wspawnlp", reinterpret_cast<void*>(&StartNothing));
+    const tests::ImportPatch start("_wspawnlp", StartNothing);
     CompeteOnRoadUntil(request, [] {});
 }
 

@@ -69,7 +69,7 @@ void CompeteInQuietWalk(const Request& request)
     const Card card(L'E', request.card);
     const ExtensionSet extensions = MediaExtensions();
     const std::wstring root = card.Drive();
-    const tests::ImportPatch quiet("OutputDebugStringW", reinterpret_cast<void*>(&DropLine));
+    const tests::ImportPatch quiet("OutputDebugStringW", DropLine);
     Require(StandardWalk(root + L'\\') == BareWalk(root, kDepth));
     Compete(request.row, request.size, request.rounds,
             {{"library", 0,

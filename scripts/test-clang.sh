@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds the whole suite with the second compiler and its linker, and runs it; meanwhile runs clang-tidy over the
-# product. Installs missing packages.
+# product. If only some tests are chosen, only they and the product are built. Installs missing packages.
 #   --tests-regex REGEX      only the tests whose names match
 #   --exclude-regex REGEX    without the tests whose names match
 set -euo pipefail
@@ -18,7 +18,11 @@ cd "$(dirname "$0")/.."
 
 scripts/setup.sh
 cmake --preset clang >/dev/null
-nice -n 19 cmake --build --preset clang
+targets=all
+if [ ${#chosen[@]} -gt 0 ]; then
+    targets="product $(scripts/test_targets.py clang "${chosen[@]}")"
+fi
+nice -n 19 cmake --build --preset clang --target $targets
 
 log=build/lint.log
 nice -n 19 scripts/checks/lint.py build/clang >$log 2>&1 &

@@ -59,10 +59,12 @@ stage "Tests; meanwhile the second compiler's, and the linter"
 log=build/clang.log
 set -m # a process group of its own, so that finish() can terminate all of it
 # Without the tests of the shipped programs and of the package: they take as long as all others, and GCC's are shipped.
-# Nor those that count what a process leaves behind, which takes a machine of its own. It uses the time in which the
-# other tests wait: at the same priority it made them several times as long.
+# Nor those that count what a process leaves behind, which takes a machine of its own, and the longer ones that run
+# nothing of this build. It uses the time in which the other tests wait: at the same priority it made them several times
+# as long.
 nice -n 10 scripts/test-clang.sh --exclude-regex \
-    'system|guides|installer|package|real_windows.archive|faults|storms|drop_folder' >$log 2>&1 </dev/null &
+    'system|guides|installer|package|real_windows.archive|faults|storms|drop_folder|^scripts|compiles_alone' \
+    >$log 2>&1 </dev/null &
 clang=$!
 set +m
 finish() {

@@ -35,9 +35,7 @@ void CountLine(const wchar_t* line)
 }
 
 struct LauncherOutOfMemory : testing::Test {
-    LauncherOutOfMemory()
-        : spawn("_wspawnlp", reinterpret_cast<void*>(&CountStart)),
-          output("OutputDebugStringW", reinterpret_cast<void*>(&CountLine))
+    LauncherOutOfMemory() : spawn("_wspawnlp", CountStart), output("OutputDebugStringW", CountLine)
     {
         RegisterSample(folder.Path(), L"Viewer");
         own = RegisterOwnSample(folder.Path(), L"Xray");

@@ -16,9 +16,7 @@ namespace
 using namespace kestraboot::tests;
 
 struct OrganiserOutOfMemory : testing::Test {
-    OrganiserOutOfMemory()
-        : spawn("_wspawnlp", reinterpret_cast<void*>(&Refuse)),
-          output("OutputDebugStringW", reinterpret_cast<void*>(&Ignore))
+    OrganiserOutOfMemory() : spawn("_wspawnlp", Refuse), output("OutputDebugStringW", Ignore)
     {
         RegisterOrganiser(L"C:\\A folder with quite a long name");
     }

@@ -178,7 +178,7 @@ TEST_F(WholeLibrary, LeadsFromAReadableCardToTheApplicationsCommandLine)
     const FAKE_IMPORT(GetMessageW) quit([](MSG*, HWND, UINT, UINT) {
         return FALSE;
     });
-    const ImportPatch spawn("_wspawnlp", reinterpret_cast<void*>(&RecordSpawn));
+    const ImportPatch spawn("_wspawnlp", RecordSpawn);
 
     RegisterDeviceConnectCallback(Launch);
     StartDeviceConnectService();

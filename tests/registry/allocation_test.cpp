@@ -20,7 +20,7 @@ namespace
 using namespace kestraboot::tests;
 
 struct RegistryOutOfMemory : testing::Test {
-    RegistryOutOfMemory() : spawn("_wspawnlp", reinterpret_cast<void*>(&Refuse))
+    RegistryOutOfMemory() : spawn("_wspawnlp", Refuse)
     {
         MakeKey(HKEY_LOCAL_MACHINE, kRunKey);
         MakeKey(HKEY_CURRENT_USER, L"SOFTWARE\\Corvane");

@@ -1,8 +1,8 @@
 // The drop folder plugin's settings in the registry, and its report on a value that it refuses.
 #include "tests/samples/loaded_plugin.h"
-#include "tests/support/awaited_trace.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/temp_folder.h"
+#include "tests/support/trace_recorder.h"
 
 #include <gtest/gtest.h>
 
@@ -39,7 +39,7 @@ protected:
     const std::wstring path = folder.Path().wstring();
     KeptReports reports;
     LoadedPlugin plugin{L"drop_folder.mox"};
-    AwaitedTrace trace;
+    TraceRecorder trace;
     std::size_t refused = 0;
 };
 

@@ -1,9 +1,9 @@
 // The times at which the drop folder plugin reports its folder, and its leftovers.
 #include "tests/samples/loaded_plugin.h"
-#include "tests/support/awaited_trace.h"
 #include "tests/support/handle_count.h"
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/temp_folder.h"
+#include "tests/support/trace_recorder.h"
 
 #include <gtest/gtest.h>
 
@@ -66,7 +66,7 @@ protected:
     const std::wstring path = (above.Path() / L"Server" / L"Drop").make_preferred().wstring();
     KeptReports reports;
     std::optional<LoadedPlugin> plugin{std::in_place, L"drop_folder.mox"};
-    std::optional<AwaitedTrace> trace{std::in_place};
+    std::optional<TraceRecorder> trace{std::in_place};
 };
 
 TEST_F(DropFolderWatch, ReportsTheFolderAsAnArchive)

@@ -28,7 +28,7 @@ long AllocationsOf(const std::function<void()>& work)
 {
     const HMODULE before = ModuleUnderTest();
     SetModuleUnderTest(::GetModuleHandleW(L"libstdc++-6.dll"));
-    const ImportPatch counting("malloc", reinterpret_cast<void*>(&Allocate));
+    const ImportPatch counting("malloc", Allocate);
     SetModuleUnderTest(before);
     original = reinterpret_cast<void* (*)(std::size_t)>(counting.Original());
     taken = 0;

@@ -46,8 +46,8 @@ void Free(void* block)
 }
 
 struct RuntimePatches {
-    ImportPatch allocate{"malloc", reinterpret_cast<void*>(&Allocate)};
-    ImportPatch release{"free", reinterpret_cast<void*>(&Free)};
+    ImportPatch allocate{"malloc", Allocate};
+    ImportPatch release{"free", Free};
 };
 
 /// Patched once and never restored, because a patch itself needs memory.

@@ -105,7 +105,7 @@ LookupPatch::LookupPatch(const char* function, void* replacement)
     : original(reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), function)))
 {
     if (lookups.empty()) {
-        lookupPatch.emplace("GetProcAddress", reinterpret_cast<void*>(&FindReplaced));
+        lookupPatch.emplace("GetProcAddress", FindReplaced);
     }
     lookups.push_back({function, replacement});
 }

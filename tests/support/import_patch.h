@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -22,6 +23,11 @@ class ImportPatch
 {
 public:
     ImportPatch(const char* function, void* replacement);
+    template <typename Function>
+    requires std::is_function_v<Function> ImportPatch(const char* function, Function* instead)
+        : ImportPatch(function, reinterpret_cast<void*>(instead))
+    {
+    }
     ImportPatch(const ImportPatch&) = delete;
     ImportPatch& operator=(const ImportPatch&) = delete;
     ~ImportPatch();
@@ -40,6 +46,11 @@ class LookupPatch
 {
 public:
     LookupPatch(const char* function, void* replacement);
+    template <typename Function>
+    requires std::is_function_v<Function> LookupPatch(const char* function, Function* instead)
+        : LookupPatch(function, reinterpret_cast<void*>(instead))
+    {
+    }
     LookupPatch(const LookupPatch&) = delete;
     LookupPatch& operator=(const LookupPatch&) = delete;
     ~LookupPatch();

@@ -7,7 +7,7 @@
 namespace kestraboot::tests
 {
 
-SpawnRecorder::SpawnRecorder() : patch("_wspawnlp", reinterpret_cast<void*>(&Record))
+SpawnRecorder::SpawnRecorder() : patch("_wspawnlp", Record)
 {
     current = this;
 }

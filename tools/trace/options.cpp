@@ -2,7 +2,6 @@
 
 #include "tools/common/utf8.h"
 
-#define CLI11_HAS_FILESYSTEM 0 // this file opens no files
 #include <CLI/CLI.hpp>
 
 #include <windows.h>

@@ -97,26 +97,20 @@ void StartTheService()
     throw ProcessEnded{0}; // through frames that let it pass
 }
 
-template <typename Function>
-void* Address(Function* function)
-{
-    return reinterpret_cast<void*>(function);
-}
-
 /// While they are created, the module under test is the boot program's.
 struct BootPatches {
-    ImportPatch line{"GetCommandLineW", Address(CommandLine)};
-    ImportPatch path{"GetModuleFileNameW", Address(OwnPath)};
-    ImportPatch standard{"GetStdHandle", Address(StandardHandle)};
-    ImportPatch set{"SetStdHandle", Address(SetStandardHandle)};
-    ImportPatch type{"GetFileType", Address(TypeOfHandle)};
-    ImportPatch attach{"AttachConsole", Address(Attach)};
-    ImportPatch leave{"FreeConsole", Address(Leave)};
-    ImportPatch reopen{"freopen", Address(Reopen)};
-    ImportPatch print{"fputws", Address(Print)};
-    ImportPatch flush{"fflush", Address(Flush)};
-    ImportPatch search{"SetDllDirectoryW", Address(SearchFolder)};
-    ImportPatch start{"StartDeviceConnectService", Address(StartTheService)};
+    ImportPatch line{"GetCommandLineW", CommandLine};
+    ImportPatch path{"GetModuleFileNameW", OwnPath};
+    ImportPatch standard{"GetStdHandle", StandardHandle};
+    ImportPatch set{"SetStdHandle", SetStandardHandle};
+    ImportPatch type{"GetFileType", TypeOfHandle};
+    ImportPatch attach{"AttachConsole", Attach};
+    ImportPatch leave{"FreeConsole", Leave};
+    ImportPatch reopen{"freopen", Reopen};
+    ImportPatch print{"fputws", Print};
+    ImportPatch flush{"fflush", Flush};
+    ImportPatch search{"SetDllDirectoryW", SearchFolder};
+    ImportPatch start{"StartDeviceConnectService", StartTheService};
 };
 
 class BootAct final : public Act
@@ -204,7 +198,7 @@ protected:
 
     HMODULE module; // brings the library, which the machine steers
     Machine machine;
-    ImportPatch libraryLine{"GetCommandLineW", Address(CommandLine)}; // the library reads the same
+    ImportPatch libraryLine{"GetCommandLineW", CommandLine}; // the library reads the same
     std::unique_ptr<BootPatches> patches;
     std::unique_ptr<CallGate> gate;
 };

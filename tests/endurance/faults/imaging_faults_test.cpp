@@ -107,7 +107,7 @@ protected:
     Machine machine;
     WiaCamera wia;
     StillImaging stillImaging;
-    ImportPatch get{"GetMessageW", reinterpret_cast<void*>(&TakeMessage)};
+    ImportPatch get{"GetMessageW", TakeMessage};
     Trackers trackers;
     CallGate gate{ModuleUnderTest(), LetCallGoOn};
 };

@@ -134,15 +134,15 @@ void ShowNumber(const wchar_t* what, HKEY root, const wchar_t* key, const wchar_
 } // namespace
 
 struct Machine::Patches {
-    ImportPatch line{"OutputDebugStringW", reinterpret_cast<void*>(&WriteLine)};
-    ImportPatch start{"_wspawnlp", reinterpret_cast<void*>(&Start)};
-    ImportPatch end{"ExitProcess", reinterpret_cast<void*>(&EndProcess)};
-    ImportPatch wait{"Sleep", reinterpret_cast<void*>(&Wait)};
-    ImportPatch mutex{"CreateMutexW", reinterpret_cast<void*>(&MakeMutex)};
-    ImportPatch close{"CloseHandle", reinterpret_cast<void*>(&Close)};
-    ImportPatch print{kPrint, reinterpret_cast<void*>(&Print)};
-    ImportPatch commandLine{"GetCommandLineW", reinterpret_cast<void*>(&CommandLine)};
-    ImportPatch version{"GetVersionExW", reinterpret_cast<void*>(&AnswerVersion)};
+    ImportPatch line{"OutputDebugStringW", WriteLine};
+    ImportPatch start{"_wspawnlp", Start};
+    ImportPatch end{"ExitProcess", EndProcess};
+    ImportPatch wait{"Sleep", Wait};
+    ImportPatch mutex{"CreateMutexW", MakeMutex};
+    ImportPatch close{"CloseHandle", Close};
+    ImportPatch print{kPrint, Print};
+    ImportPatch commandLine{"GetCommandLineW", CommandLine};
+    ImportPatch version{"GetVersionExW", AnswerVersion};
     ProcessPatches processes;
 };
 

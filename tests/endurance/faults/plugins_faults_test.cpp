@@ -5,7 +5,7 @@
 #include "tests/endurance/faults/machine.h"
 #include "tests/endurance/faults/sweep.h"
 #include "tests/endurance/faults/trackers.h"
-#include "tests/trackers/mox/program_folder.h"
+#include "tests/support/program_folder.h"
 #include "tests/trackers/mox/test_plugin/plugin_stage.h"
 
 #include <gtest/gtest.h>
@@ -183,7 +183,7 @@ protected:
 
     std::filesystem::path before;
     Machine machine;
-    ImportPatch get{"GetMessageW", reinterpret_cast<void*>(&TakeMessage)};
+    ImportPatch get{"GetMessageW", TakeMessage};
     Trackers trackers;
     CallGate gate{ModuleUnderTest(), LetCallGoOn};
 };

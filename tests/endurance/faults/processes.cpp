@@ -115,12 +115,6 @@ LRESULT Send(HWND window, UINT message, WPARAM, LPARAM) noexcept
     return 0;
 }
 
-template <typename Function>
-void* Address(Function* function)
-{
-    return reinterpret_cast<void*>(function);
-}
-
 } // namespace
 
 void SetRunningProgram(const std::wstring& path)
@@ -143,14 +137,12 @@ HANDLE OpenSomeProcess() noexcept
 }
 
 ProcessPatches::ProcessPatches()
-    : open("OpenProcess", Address(Open)), modules("K32EnumProcessModules", Address(ListModules)),
-      olderModules("EnumProcessModules", Address(ListModules)),
-      path("K32GetModuleFileNameExW", Address(ReadPath)),
-      olderPath("GetModuleFileNameExW", Address(ReadPath)),
-      snapshot("CreateToolhelp32Snapshot", Address(TakeSnapshot)),
-      first("Process32FirstW", Address(FirstProcess)), next("Process32NextW", Address(NextProcess)),
-      end("TerminateProcess", Address(Terminate)), windows("EnumWindows", Address(ListWindows)),
-      title("GetWindowTextW", Address(ReadTitle)), send("SendMessageW", Address(Send))
+    : open("OpenProcess", Open), modules("K32EnumProcessModules", ListModules),
+      olderModules("EnumProcessModules", ListModules), path("K32GetModuleFileNameExW", ReadPath),
+      olderPath("GetModuleFileNameExW", ReadPath), snapshot("CreateToolhelp32Snapshot", TakeSnapshot),
+      first("Process32FirstW", FirstProcess), next("Process32NextW", NextProcess),
+      end("TerminateProcess", Terminate), windows("EnumWindows", ListWindows),
+      title("GetWindowTextW", ReadTitle), send("SendMessageW", Send)
 {
 }
 

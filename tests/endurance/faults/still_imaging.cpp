@@ -106,19 +106,13 @@ HMODULE WINAPI Load(const wchar_t* name)
     return ::LoadLibraryW(name);
 }
 
-template <typename Function>
-void* Address(Function* function)
-{
-    return reinterpret_cast<void*>(function);
-}
-
 FARPROC WINAPI Find(HMODULE module, const char* name)
 {
     if (module == kSti) {
-        return reinterpret_cast<FARPROC>(Address(CreateStillImage));
+        return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(CreateStillImage));
     }
     if (module == kTwain) {
-        return reinterpret_cast<FARPROC>(Address(AskTwain));
+        return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(AskTwain));
     }
     return ::GetProcAddress(module, name);
 }
@@ -141,8 +135,8 @@ HLOCAL WINAPI FreeLocal(HLOCAL memory) noexcept
 } // namespace
 
 StillImaging::StillImaging()
-    : load("LoadLibraryW", Address(Load)), find("GetProcAddress", Address(Find)),
-      free("FreeLibrary", Address(Free)), freeLocal("LocalFree", Address(FreeLocal))
+    : load("LoadLibraryW", Load), find("GetProcAddress", Find), free("FreeLibrary", Free),
+      freeLocal("LocalFree", FreeLocal)
 {
     twainLoads = deviceLists = 0;
 }

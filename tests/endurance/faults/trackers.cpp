@@ -34,7 +34,7 @@ void Report(std::wstring& kind, std::wstring& deviceId)
 
 } // namespace
 
-Trackers::Trackers() : create("CreateThread", reinterpret_cast<void*>(&Create))
+Trackers::Trackers() : create("CreateThread", Create)
 {
     started = 0;
     StartService();

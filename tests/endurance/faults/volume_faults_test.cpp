@@ -104,23 +104,17 @@ BOOL TakeMessage(MSG*, HWND, UINT, UINT) noexcept
     return FALSE; // the end
 }
 
-template <typename Function>
-void* Address(Function* function)
-{
-    return reinterpret_cast<void*>(function);
-}
-
 struct DrivePatches {
-    ImportPatch drives{"GetLogicalDrives", Address(ListDrives)};
-    ImportPatch kind{"GetDriveTypeW", Address(DriveKind)};
-    ImportPatch volume{"GetVolumeInformationW", Address(ReadVolume)};
-    ImportPatch first{"FindFirstFileW", Address(ListFirst)};
-    ImportPatch next{"FindNextFileW", Address(ListNext)};
-    ImportPatch close{"FindClose", Address(EndListing)};
-    ImportPatch time{"GetTickCount64", Address(Time)};
-    ImportPatch peek{"PeekMessageW", Address(LookForMessage)};
-    ImportPatch wait{"MsgWaitForMultipleObjectsEx", Address(AwaitAnything)};
-    ImportPatch get{"GetMessageW", Address(TakeMessage)};
+    ImportPatch drives{"GetLogicalDrives", ListDrives};
+    ImportPatch kind{"GetDriveTypeW", DriveKind};
+    ImportPatch volume{"GetVolumeInformationW", ReadVolume};
+    ImportPatch first{"FindFirstFileW", ListFirst};
+    ImportPatch next{"FindNextFileW", ListNext};
+    ImportPatch close{"FindClose", EndListing};
+    ImportPatch time{"GetTickCount64", Time};
+    ImportPatch peek{"PeekMessageW", LookForMessage};
+    ImportPatch wait{"MsgWaitForMultipleObjectsEx", AwaitAnything};
+    ImportPatch get{"GetMessageW", TakeMessage};
 };
 
 class CardAct final : public Act

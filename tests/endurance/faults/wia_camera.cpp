@@ -171,8 +171,7 @@ HRESULT WINAPI FreeValues(ULONG count, PROPVARIANT values[])
 } // namespace
 
 WiaCamera::WiaCamera()
-    : create("CoCreateInstance", reinterpret_cast<void*>(&CreateManager)),
-      freeValues("FreePropVariantArray", reinterpret_cast<void*>(&FreeValues))
+    : create("CoCreateInstance", CreateManager), freeValues("FreePropVariantArray", FreeValues)
 {
     references = texts = 0;
 }

@@ -1,48 +1,30 @@
 // A small device plugin of a maker. It reports one camera as soon as it has the callback.
 #include <kestraboot/mox_plugin.h>
 
-#include <windows.h>
-
 #include <cwchar>
-#include <new>
 
 namespace mox = kestraboot::mox;
 
 namespace
 {
 
+/// There as long as the DLL, so nothing counts the references to it.
 template <class Interface>
-class Counted : public Interface
+class Lasting : public Interface
 {
 public:
-    std::uint32_t AddReference() override
-    {
-        return static_cast<std::uint32_t>(::InterlockedIncrement(&references));
-    }
-    std::uint32_t Release() override
-    {
-        const LONG left = ::InterlockedDecrement(&references);
-        if (left == 0) {
-            delete this;
-        }
-        return static_cast<std::uint32_t>(left);
-    }
-
-protected:
-    virtual ~Counted() = default;
-
-private:
-    volatile LONG references = 1;
+    std::uint32_t AddReference() override { return 1; }
+    std::uint32_t Release() override { return 1; }
 };
 
-class Source final : public Counted<mox::ISourceManager>
+class Source final : public Lasting<mox::ISourceManager>
 {
 public:
     bool Query(mox::InterfaceNumber number, void** object) override
     {
-        const bool known = number == mox::kSourceManagerNumber;
-        *object = known ? static_cast<mox::ISourceManager*>(this) : nullptr;
-        return known && AddReference() != 0;
+        *object =
+            number == mox::kSourceManagerNumber ? static_cast<mox::ISourceManager*>(this) : nullptr;
+        return *object != nullptr;
     }
     mox::Status GetCategory(std::uint32_t* category) override
     {
@@ -61,24 +43,20 @@ public:
     mox::Status UnregisterCallback(mox::ICallbackInterface*) override { return mox::kSuccess; }
 };
 
-class Descriptor final : public Counted<mox::IPluginDescriptor>
+class Descriptor final : public Lasting<mox::IPluginDescriptor>
 {
 public:
     bool Query(mox::InterfaceNumber number, void** object) override
     {
-        *object = nullptr;
         if (number == mox::kPluginDescriptorNumber) {
             *object = static_cast<mox::IPluginDescriptor*>(this);
-            AddReference();
-        } else if (number == mox::kSourceManagerNumber) {
-            *object = static_cast<mox::ISourceManager*>(new (std::nothrow) Source);
+            return true;
         }
-        return *object != nullptr;
+        return source.Query(number, object);
     }
-    mox::Status GetName(wchar_t* name, std::uint32_t capacity) override
+    mox::Status GetIdentifier(mox::Identifier* identifier) override
     {
-        std::wcsncpy(name, L"The maker's cameras", capacity - 1);
-        name[capacity - 1] = L'\0';
+        *identifier = {0x1B6F520E, 0x379A, 0x0D4C, {0x21, 0x8E, 0xB4, 0x53, 0xD9, 0x07, 0xC8, 0x6A}};
         return mox::kSuccess;
     }
     mox::Status GetValue(std::uint32_t* value) override
@@ -86,19 +64,24 @@ public:
         *value = 7;
         return mox::kSuccess;
     }
-    mox::Status GetIdentifier(mox::Identifier* identifier) override
+    mox::Status GetName(wchar_t* name, std::uint32_t /*capacity: at least 260*/) override
     {
-        *identifier = {0x1B6F520E, 0x379A, 0x0D4C, {0x21, 0x8E, 0xB4, 0x53, 0xD9, 0x07, 0xC8, 0x6A}};
+        std::wcscpy(name, L"The maker's cameras");
         return mox::kSuccess;
     }
-    mox::Status SetListEntry(const mox::PluginDescriptor*) override { return mox::kSuccess; }
     mox::Status ShutDown() override { return mox::kSuccess; }
+    mox::Status SetListEntry(const mox::PluginDescriptor*) override { return mox::kSuccess; }
+
+private:
+    Source source;
 };
+
+Descriptor descriptor;
 
 } // namespace
 
 mox::Status FxPluginMain(mox::IFxBase** object)
 {
-    *object = new (std::nothrow) Descriptor;
-    return *object != nullptr ? mox::kSuccess : mox::kOutOfMemory;
+    *object = &descriptor;
+    return mox::kSuccess;
 }

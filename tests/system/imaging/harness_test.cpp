@@ -1,11 +1,12 @@
 // The checks themselves: each must detect a fault that the test plants.
-#include "tests/system/imaging/host_process.h"
+#include "tests/system/imaging/imaging_host_process.h"
 #include "tests/system/imaging/leak_check.h"
 
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <stdexcept>
 
 namespace kestraboot::tests
 {
@@ -16,7 +17,7 @@ using SuspendProcess = LONG(WINAPI*)(HANDLE);
 
 TEST(AHost, ThatHangsFailsTheTest)
 {
-    auto host = std::make_unique<HostProcess>(L"imaging_host_6_1.exe");
+    auto host = std::make_unique<ImagingHostProcess>(L"imaging_host_6_1.exe");
     const auto suspend = reinterpret_cast<SuspendProcess>(
         reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"ntdll.dll"), "NtSuspendProcess")));
     ASSERT_EQ(suspend(host->Handle()), 0);
@@ -26,8 +27,18 @@ TEST(AHost, ThatHangsFailsTheTest)
 
 TEST(AHost, ThatExitsWithAnErrorFailsTheTest)
 {
-    auto host = std::make_unique<HostProcess>(L"imaging_host_6_1.exe");
+    auto host = std::make_unique<ImagingHostProcess>(L"imaging_host_6_1.exe");
     ::TerminateProcess(host->Handle(), 3);
+    EXPECT_NONFATAL_FAILURE(host.reset(), "the host ended by itself, or badly: code 3");
+}
+
+TEST(AHost, ThatIsGoneHasNoFurtherLineAndTakesNoCommand)
+{
+    auto host = std::make_unique<ImagingHostProcess>(L"imaging_host_6_1.exe");
+    ::TerminateProcess(host->Handle(), 3);
+    EXPECT_FALSE(host->WaitFor("never"));
+    EXPECT_THROW(host->ReadUntil("never"), std::runtime_error);
+    EXPECT_THROW(host->Send("here 1"), std::runtime_error);
     EXPECT_NONFATAL_FAILURE(host.reset(), "the host ended by itself, or badly: code 3");
 }
 

@@ -1,9 +1,8 @@
 // Makes wia_service.exe the WIA service of this prefix, before the first test.
 #include "tests/system/imaging/own_wia_service.h"
 
-#include "tests/system/imaging/host_process.h"
-
-#include <windows.h>
+#include "tests/support/program_folder.h"
+#include "tests/system/child_process.h"
 
 #include <gtest/gtest.h>
 
@@ -25,18 +24,8 @@ public:
             return; // a repetition: the service runs and uses that folder
         }
         folder = std::make_unique<StandInFolder>();
-        std::wstring command = L'"' + OwnFolder() + L"..\\wia_service.exe\" register";
-        STARTUPINFOW startup = {};
-        startup.cb = sizeof startup;
-        PROCESS_INFORMATION process = {};
-        ASSERT_TRUE(::CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                                     nullptr, &startup, &process));
-        ::WaitForSingleObject(process.hProcess, INFINITE);
-        DWORD result = 1;
-        ::GetExitCodeProcess(process.hProcess, &result);
-        ::CloseHandle(process.hThread);
-        ::CloseHandle(process.hProcess);
-        ASSERT_EQ(result, 0U);
+        ChildProcess service(ProgramFolder().parent_path() / L"wia_service.exe", L"register");
+        ASSERT_EQ(service.ExitCode(), 0U);
     }
 };
 

@@ -1,7 +1,7 @@
 // The shipped library in a real host process, with a replaced still imaging and TWAIN source manager.
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/stand_in_folder.h"
-#include "tests/system/imaging/host_process.h"
+#include "tests/system/imaging/imaging_host_process.h"
 
 #include <gmock/gmock.h>
 
@@ -62,7 +62,7 @@ protected:
 TEST_F(StillImageSystem, ReportsATwainScannerThatIsPluggedIn)
 {
     const std::string scanner = "scanner " + Device("0001", L"Fine Scan");
-    HostProcess host(L"imaging_host_6_0.exe");
+    ImagingHostProcess host(L"imaging_host_6_0.exe");
     ASSERT_TRUE(host.WaitFor(kDetected));
     Plug({scanner});
     ASSERT_TRUE(host.NotifyDeviceChange());
@@ -79,7 +79,7 @@ TEST_F(StillImageSystem, ReportsOneOfTwoDevicesOfAChangeAndNoneThatWasThere)
     const std::string second = "scanner " + Device("0002", L"Fine Scan");
     const std::string last = "scanner " + Device("0003", L"Ger\u00E4t");
     Plug({old});
-    HostProcess host(L"imaging_host_6_0.exe");
+    ImagingHostProcess host(L"imaging_host_6_0.exe");
     ASSERT_TRUE(host.WaitFor(kDetected));
     ASSERT_TRUE(host.NotifyDeviceChange());
     Plug({old, first, second});
@@ -99,7 +99,7 @@ TEST_F(StillImageSystem, ReportsNoSourceThatIsNotListedOrComesFromWia)
     const std::string missing = "camera " + Device("0002", L"Not Installed");
     const std::string plain = "camera " + Device("0003");
     const std::string good = "camera " + Device("0004", L"FINE SCAN");
-    HostProcess host(L"imaging_host_6_0.exe");
+    ImagingHostProcess host(L"imaging_host_6_0.exe");
     ASSERT_TRUE(host.WaitFor(kDetected));
     std::vector<std::string> plugged;
     for (const std::string& device : {bridge, missing, plain, good}) {
@@ -117,7 +117,7 @@ TEST_F(StillImageSystem, ReportsTheFirstDeviceAfterAListThatFailed)
 {
     const std::string scanner = "scanner " + Device("0001", L"Fine Scan");
     Plug({scanner});
-    HostProcess host(L"imaging_host_6_0.exe");
+    ImagingHostProcess host(L"imaging_host_6_0.exe");
     ASSERT_TRUE(host.WaitFor(kDetected));
     standIns.StartLog("sti_calls.txt");
     Plug({"fail"});
@@ -131,7 +131,7 @@ TEST_F(StillImageSystem, ReportsTheFirstDeviceAfterAListThatFailed)
 TEST_F(StillImageSystem, WithoutStillImagingWritesItsLineAndReportsNothing)
 {
     Plug({"refuse-create"});
-    HostProcess host(L"imaging_host_6_0.exe");
+    ImagingHostProcess host(L"imaging_host_6_0.exe");
     EXPECT_TRUE(host.WaitFor(kNotDetected));
     Plug({"scanner " + Device("0001", L"Fine Scan")});
     EXPECT_TRUE(host.ServeDeviceChange());
@@ -154,7 +154,7 @@ TEST_P(WindowsVersions, DecideWhichTrackersStart)
 {
     const OfWindows& expected = GetParam();
     const std::string scanner = "scanner " + Device("0001", L"Fine Scan");
-    HostProcess host(expected.program);
+    ImagingHostProcess host(expected.program);
     if (expected.stillImage) {
         EXPECT_TRUE(host.WaitFor(kDetected));
         Plug({scanner});

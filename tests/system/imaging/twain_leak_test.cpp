@@ -3,7 +3,7 @@
 #include "tests/support/registry_sandbox.h"
 #include "tests/support/stand_in_folder.h"
 #include "tests/support/storm_size.h"
-#include "tests/system/imaging/host_process.h"
+#include "tests/system/imaging/imaging_host_process.h"
 #include "tests/system/imaging/leak_check.h"
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ TEST(TwainLookUps, LeaveNothingBehind)
                               std::to_wstring(::GetCurrentProcessId()) + L"}";
     PutText(HKEY_LOCAL_MACHINE, home + L"\\1\\DeviceData", L"TwainDS", L"Fine Scan");
     standIns.Write("twain_sources.txt", {"source Other", "source Fine Scan"});
-    HostProcess host(L"imaging_host_6_0.exe");
+    ImagingHostProcess host(L"imaging_host_6_0.exe");
     ASSERT_TRUE(host.WaitFor("trace <***DeviceConnect***><StiTracker><STI Devices will be detected.>"));
     // Every second look-up finds the device, so that it arrives and leaves all the time.
     standIns.Write("sti_devices.txt",

@@ -2,7 +2,7 @@
 // service before and after.
 #include "samples/simulators/wia/service_window.h"
 #include "tests/support/storm_size.h"
-#include "tests/system/imaging/host_process.h"
+#include "tests/system/imaging/imaging_host_process.h"
 #include "tests/system/imaging/leak_check.h"
 #include "tests/system/imaging/own_wia_service.h"
 
@@ -18,7 +18,7 @@ namespace
 using simulators::AskServiceForCount;
 using simulators::ServiceObjects;
 
-testing::AssertionResult LeaveNothingBehind(const HostProcess& host, const std::string& what,
+testing::AssertionResult LeaveNothingBehind(const ImagingHostProcess& host, const std::string& what,
                                             const std::function<void()>& operation)
 {
     const auto serviceUse = [] {
@@ -44,7 +44,7 @@ TEST(WiaLookUps, OfConnectEventsLeaveNothingBehind)
     const StandInFolder& standIns = WiaStandIns();
     standIns.Write("wia_devices.txt", {"scanner S", "camera " + std::string(1000, 'c')});
     const std::wstring camera(1000, L'c');
-    HostProcess host(L"imaging_host_6_0.exe");
+    ImagingHostProcess host(L"imaging_host_6_0.exe");
     ASSERT_TRUE(host.WaitFor("trace <***DeviceConnect***><WiaTracker><WIA devices will be detected>."));
     const int atOnce = StormSize(10, 1'000);
     EXPECT_TRUE(LeaveNothingBehind(host, std::to_string(10 * atOnce) + " WIA connect events", [&] {
@@ -63,7 +63,7 @@ TEST(WiaLookUps, OfTheStillImageTrackerOnXpLeaveNothingBehind)
     const StandInFolder& standIns = WiaStandIns();
     standIns.Write("wia_devices.txt", {"scanner S", "camera C"});
     standIns.Write("sti_devices.txt", {});
-    HostProcess host(L"imaging_host_5_1.exe");
+    ImagingHostProcess host(L"imaging_host_5_1.exe");
     ASSERT_TRUE(host.WaitFor("trace <***DeviceConnect***><StiTracker><STI Devices will be detected.>"));
     standIns.Write("sti_devices.txt", {"every-second", "camera C"});
     // Each look-up enters and leaves an apartment and connects to the service again. In this, Wine's COM

@@ -2,7 +2,7 @@
 // service of the whole prefix, so it runs in a prefix of its own.
 #include "samples/simulators/wia/service_window.h"
 #include "tests/support/registry_sandbox.h"
-#include "tests/system/imaging/host_process.h"
+#include "tests/system/imaging/imaging_host_process.h"
 #include "tests/system/imaging/own_wia_service.h"
 
 #include <gmock/gmock.h>
@@ -50,7 +50,7 @@ protected:
 
 TEST_F(WiaSystem, ReportsACameraAndAScannerThatConnect)
 {
-    HostProcess host(L"imaging_host_6_0.exe");
+    ImagingHostProcess host(L"imaging_host_6_0.exe");
     ASSERT_TRUE(host.WaitFor(kDetected));
     List({"video V", "camera {6BDD1FC6-810F-11D0-BEC7-08002BE2092F}\\0001", "scanner S-2"});
     ASSERT_TRUE(TellServiceToFire(kCamera));
@@ -66,7 +66,7 @@ TEST_F(WiaSystem, ReportsACameraAndAScannerThatConnect)
 
 TEST_F(WiaSystem, WritesOneLineForADeviceOfUnknownType)
 {
-    HostProcess host(L"imaging_host_6_0.exe");
+    ImagingHostProcess host(L"imaging_host_6_0.exe");
     ASSERT_TRUE(host.WaitFor(kDetected));
     List({"video V", "camera c-1", "scanner last"});
     for (const wchar_t* id : {L"V", L"C-1", L"gone", L""}) {
@@ -81,7 +81,7 @@ TEST_F(WiaSystem, WritesOneLineForADeviceOfUnknownType)
 TEST_F(WiaSystem, WritesALineWhenTheServiceRefusesAndStaysAlive)
 {
     List({"refuse-registration"});
-    HostProcess host(L"imaging_host_6_0.exe");
+    ImagingHostProcess host(L"imaging_host_6_0.exe");
     EXPECT_TRUE(host.WaitFor(kNotDetected));
     ASSERT_TRUE(host.CatchUp());
     EXPECT_THAT(host.Lines("event"), IsEmpty());
@@ -89,7 +89,7 @@ TEST_F(WiaSystem, WritesALineWhenTheServiceRefusesAndStaysAlive)
 
 TEST_F(WiaSystem, RefusesADeviceWhileTheServiceListsNone)
 {
-    HostProcess host(L"imaging_host_6_0.exe");
+    ImagingHostProcess host(L"imaging_host_6_0.exe");
     ASSERT_TRUE(host.WaitFor(kDetected));
     List({"no-list", "camera C"});
     ASSERT_TRUE(TellServiceToFire(L"C"));
@@ -102,7 +102,7 @@ TEST_F(WiaSystem, RefusesADeviceWhileTheServiceListsNone)
 TEST_F(WiaSystem, OnXpADeviceIsReportedByBothTrackersAndTwainComesFirst)
 {
     GiveTwainSource(L"WIA-TEST");
-    HostProcess host(L"imaging_host_5_1.exe");
+    ImagingHostProcess host(L"imaging_host_5_1.exe");
     ASSERT_TRUE(host.WaitFor(kDetected));
     ASSERT_TRUE(host.WaitFor(kStiDetected));
     List({"camera WIA-TEST"});
@@ -120,7 +120,7 @@ TEST_F(WiaSystem, OnXpADeviceIsReportedByBothTrackersAndTwainComesFirst)
 
 TEST_F(WiaSystem, OnXpTheStillImageTrackerWritesALineForADeviceThatWiaDoesNotList)
 {
-    HostProcess host(L"imaging_host_5_1.exe");
+    ImagingHostProcess host(L"imaging_host_5_1.exe");
     ASSERT_TRUE(host.WaitFor(kStiDetected));
     List({"camera known", "scanner S"});
     WiaStandIns().Write("sti_devices.txt", {"camera KNOWN"});
@@ -138,7 +138,7 @@ TEST_F(WiaSystem, OnOtherSystemsThanXpTheStillImageTrackerDoesNotAskWia)
     GiveTwainSource(L"WIA-LAST");
     for (const wchar_t* program : {L"imaging_host_5_0.exe", L"imaging_host_6_0.exe"}) {
         WiaStandIns().Write("sti_devices.txt", {});
-        HostProcess host(program);
+        ImagingHostProcess host(program);
         ASSERT_TRUE(host.WaitFor(kStiDetected));
         List({"camera WIA-TEST", "scanner WIA-LAST"});
         WiaStandIns().Write("sti_devices.txt", {"camera WIA-TEST"});
@@ -154,11 +154,11 @@ TEST_F(WiaSystem, OnOtherSystemsThanXpTheStillImageTrackerDoesNotAskWia)
 
 TEST_F(WiaSystem, On2000AWiaDeviceThatConnectsIsNotReported)
 {
-    HostProcess vista(L"imaging_host_6_0.exe");
+    ImagingHostProcess vista(L"imaging_host_6_0.exe");
     ASSERT_TRUE(vista.WaitFor(kDetected));
     // Some ended hosts still count, because nothing notifies the service of the end of a process.
     const long registrations = AskServiceForCount(simulators::ServiceObjects::Registrations);
-    HostProcess windows2000(L"imaging_host_5_0.exe");
+    ImagingHostProcess windows2000(L"imaging_host_5_0.exe");
     ASSERT_TRUE(windows2000.WaitFor(kStiDetected));
     List({"camera C"});
     ASSERT_TRUE(TellServiceToFire(L"C"));
@@ -172,11 +172,11 @@ TEST_F(WiaSystem, On2000AWiaDeviceThatConnectsIsNotReported)
 TEST_F(WiaSystem, ServesAHostAfterAnotherOneHasExited)
 {
     {
-        HostProcess host(L"imaging_host_6_0.exe");
+        ImagingHostProcess host(L"imaging_host_6_0.exe");
         ASSERT_TRUE(host.WaitFor(kDetected));
     }
     // A later host is served as if there had been no earlier one.
-    HostProcess host(L"imaging_host_6_0.exe");
+    ImagingHostProcess host(L"imaging_host_6_0.exe");
     ASSERT_TRUE(host.WaitFor(kDetected));
     List({"camera C"});
     ASSERT_TRUE(TellServiceToFire(L"C"));

@@ -1,7 +1,7 @@
 #include "trackers/mox/mox_host.h"
 
-#include "tests/support/awaited_trace.h"
 #include "tests/support/import_patch.h"
+#include "tests/support/trace_recorder.h"
 #include "tests/trackers/mox/plugin_folder.h"
 #include "trackers/mox/plugin_host.h"
 #include "trackers/mox/source_scan.h"
@@ -36,7 +36,7 @@ protected:
     /// Runs the host's thread until it returns.
     static void Run() { EXPECT_EQ(MoxHostThread(nullptr), 0U); }
 
-    tests::AwaitedTrace trace;
+    tests::TraceRecorder trace;
     PluginFolder folder;
 };
 

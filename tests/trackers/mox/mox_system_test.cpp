@@ -1,7 +1,8 @@
 // The shipped library in a host process of its own, with real plugin files.
+#include "tests/support/host_process.h"
+#include "tests/support/program_folder.h"
 #include "tests/support/temp_folder.h"
-#include "tests/trackers/mox/host_process.h"
-#include "tests/trackers/mox/program_folder.h"
+#include "tests/system/child_process.h"
 
 #include <gtest/gtest.h>
 
@@ -26,6 +27,18 @@ std::string Detecting(const std::string& name)
     return "trace <***DeviceConnect***><" + name + "><Devices will be detected.>";
 }
 
+bool IsLoaded(HostProcess& host, const std::string& plugin)
+{
+    host.Send("loaded .\\moxplugins\\" + plugin + ".mox");
+    return host.ReadUntil("loaded ") == "loaded yes";
+}
+
+/// Runs phone.exe and returns its exit code.
+DWORD Phone(const std::wstring& arguments)
+{
+    return tests::ChildProcess(ProgramFolder() / L"phone.exe", arguments).ExitCode();
+}
+
 class PluginsInAHost : public testing::Test
 {
 protected:
@@ -44,11 +57,11 @@ protected:
 TEST_F(PluginsInAHost, AreLeftAloneWhileThePhoneManagerIsMissing)
 {
     InstallPlugin("other");
-    HostProcess host(home.Path());
+    HostProcess host(L"mox_test_host.exe", home.Path());
     for (int minute = 0; minute < 3; ++minute) {
         EXPECT_EQ(host.Read(), kNotDetected);
         EXPECT_EQ(host.Read(), "sleep 60000");
-        EXPECT_FALSE(host.IsLoaded("other"));
+        EXPECT_FALSE(IsLoaded(host, "other"));
         host.Send("wake");
     }
     EXPECT_EQ(host.Read(), kNotDetected);
@@ -56,7 +69,7 @@ TEST_F(PluginsInAHost, AreLeftAloneWhileThePhoneManagerIsMissing)
 
 TEST_F(PluginsInAHost, AreLeftAloneWhileThereIsNoFolder)
 {
-    HostProcess host(home.Path());
+    HostProcess host(L"mox_test_host.exe", home.Path());
     EXPECT_EQ(host.Read(), kNotDetected);
     EXPECT_EQ(host.Read(), "sleep 60000");
     host.Send("wake");
@@ -66,52 +79,53 @@ TEST_F(PluginsInAHost, AreLeftAloneWhileThereIsNoFolder)
 TEST_F(PluginsInAHost, AreFoundAMinuteAfterThePhoneManagerWasInstalled)
 {
     InstallPlugin("other");
-    HostProcess host(home.Path());
-    host.Await("sleep 60000");
+    HostProcess host(L"mox_test_host.exe", home.Path());
+    host.ReadUntil("sleep 60000");
     InstallPhoneManager();
-    EXPECT_FALSE(host.IsLoaded("nokiamanager"));
+    EXPECT_FALSE(IsLoaded(host, "nokiamanager"));
     host.Send("wake");
     std::set<std::string> detecting = {host.Read(), host.Read()};
     EXPECT_EQ(detecting, (std::set<std::string>{Detecting("Phones"), Detecting("other")}));
-    EXPECT_TRUE(host.IsLoaded("nokiamanager"));
-    EXPECT_TRUE(host.IsLoaded("other"));
+    EXPECT_TRUE(IsLoaded(host, "nokiamanager"));
+    EXPECT_TRUE(IsLoaded(host, "other"));
 }
 
 TEST_F(PluginsInAHost, AreLeftAloneWhileThePhoneManagerIsNoPlugin)
 {
     InstallPlugin("other");
     home.AddFile("moxplugins/nokiamanager.mox", "a letter, not a library");
-    HostProcess host(home.Path());
+    HostProcess host(L"mox_test_host.exe", home.Path());
     EXPECT_EQ(host.Read(), kNotDetected);
-    host.Await("sleep 60000");
+    host.ReadUntil("sleep 60000");
     std::filesystem::remove(home.Path() / "moxplugins" / "nokiamanager.mox");
     std::filesystem::create_directory(home.Path() / "moxplugins" / "nokiamanager.mox");
     host.Send("wake");
     EXPECT_EQ(host.Read(), kNotDetected);
-    EXPECT_FALSE(host.IsLoaded("other"));
+    EXPECT_FALSE(IsLoaded(host, "other"));
 }
 
 TEST_F(PluginsInAHost, ReportAPhoneOnceItIsReady)
 {
     InstallPhoneManager();
-    HostProcess host(home.Path());
-    host.Await(Detecting("Phones"));
-    EXPECT_EQ(tests::RunProgram(L"phone.exe not-ready \"Phone of Ada\""), 0U);
-    EXPECT_EQ(tests::RunProgram(L"phone.exe ready \"Phone of Ada\""), 0U);
+    HostProcess host(L"mox_test_host.exe", home.Path());
+    host.ReadUntil(Detecting("Phones"));
+    EXPECT_EQ(Phone(L"not-ready \"Phone of Ada\""), 0U);
+    EXPECT_EQ(Phone(L"ready \"Phone of Ada\""), 0U);
     EXPECT_EQ(host.Read(), "device mobile Phone of Ada") << "a phone that was not ready was reported";
-    EXPECT_EQ(tests::RunProgram(L"phone.exe ready \"Phone of Bob\""), 0U);
+    EXPECT_EQ(Phone(L"ready \"Phone of Bob\""), 0U);
     EXPECT_EQ(host.Read(), "device mobile Phone of Bob");
 }
 
 TEST_F(PluginsInAHost, ContinueAfterACallbackThatThrows)
 {
     InstallPhoneManager();
-    HostProcess host(home.Path());
-    host.Await(Detecting("Phones"));
-    host.Ask("throw", "throws");
-    EXPECT_EQ(tests::RunProgram(L"phone.exe ready one"), 0U);
+    HostProcess host(L"mox_test_host.exe", home.Path());
+    host.ReadUntil(Detecting("Phones"));
+    host.Send("throw");
+    host.ReadUntil("throws");
+    EXPECT_EQ(Phone(L"ready one"), 0U);
     EXPECT_EQ(host.Read(), "device mobile one");
-    EXPECT_EQ(tests::RunProgram(L"phone.exe ready two"), 0U);
+    EXPECT_EQ(Phone(L"ready two"), 0U);
     EXPECT_EQ(host.Read(), "device mobile two");
 }
 
@@ -119,13 +133,13 @@ TEST_F(PluginsInAHost, AreBuiltFromTheSample)
 {
     InstallPhoneManager();
     Install("sample_plugin.mox", "sample");
-    HostProcess host(home.Path());
-    host.Await(Detecting("Sample devices"));
+    HostProcess host(L"mox_test_host.exe", home.Path());
+    host.ReadUntil(Detecting("Sample devices"));
     const HANDLE camera = ::OpenEventW(EVENT_MODIFY_STATE, FALSE, L"KestrabootSampleDevice");
     ASSERT_NE(camera, nullptr);
     for (int count = 0; count < 3; ++count) {
         ::SetEvent(camera);
-        host.Await("device camera Sample camera");
+        host.ReadUntil("device camera Sample camera");
     }
     ::CloseHandle(camera);
 }
@@ -141,12 +155,12 @@ TEST_F(PluginsInAHost, AreTrackedEvenIfOthersAreBroken)
     home.AddFile("moxplugins/text.mox", "a letter, not a library");
     home.AddFile("moxplugins/empty.mox");
     home.AddFolder("moxplugins/something.mox");
-    HostProcess host(home.Path());
+    HostProcess host(L"mox_test_host.exe", home.Path());
     std::set<std::string> detecting = {host.Read(), host.Read()};
     EXPECT_EQ(detecting, (std::set<std::string>{Detecting("Phones"), Detecting("good")}));
     for (const char* plugin : {"refuses-to-load", "sourceless-1", "without-entry-point", "program",
                                "text", "empty", "something"}) {
-        EXPECT_FALSE(host.IsLoaded(plugin)) << plugin;
+        EXPECT_FALSE(IsLoaded(host, plugin)) << plugin;
     }
 }
 
@@ -159,16 +173,16 @@ TEST_F(PluginsInAHost, MayBeTwoHundred)
         InstallPlugin(plugin);
         expected.insert(Detecting(plugin));
     }
-    HostProcess host(home.Path());
+    HostProcess host(L"mox_test_host.exe", home.Path());
     std::set<std::string> detecting;
     while (detecting.size() < expected.size()) {
         const std::string line = host.Read();
         EXPECT_TRUE(detecting.insert(line).second) << line << " came twice";
     }
     EXPECT_EQ(detecting, expected);
-    EXPECT_EQ(tests::RunProgram(L"phone.exe ready among many"), 2U) << "one argument too many";
-    EXPECT_EQ(tests::RunProgram(L"phone.exe ready \"among many\""), 0U);
-    host.Await("device mobile among many");
+    EXPECT_EQ(Phone(L"ready among many"), 2U) << "one argument too many";
+    EXPECT_EQ(Phone(L"ready \"among many\""), 0U);
+    host.ReadUntil("device mobile among many");
 }
 
 TEST_F(PluginsInAHost, MayReportFromEightThreadsAtOnce)
@@ -176,7 +190,7 @@ TEST_F(PluginsInAHost, MayReportFromEightThreadsAtOnce)
     InstallPhoneManager();
     InstallPlugin("storm-1");
     InstallPlugin("storm-2");
-    HostProcess host(home.Path());
+    HostProcess host(L"mox_test_host.exe", home.Path());
     std::map<std::string, int> next; // the next number of each thread of each plugin
     for (int devices = 0; devices < 1600;) {
         const std::string line = host.Read();
@@ -197,9 +211,9 @@ TEST_F(PluginsInAHost, MayTakeFiveSecondsWithoutHoldingUpTheOthers)
 {
     InstallPhoneManager();
     InstallPlugin("slow-1");
-    HostProcess host(home.Path());
+    HostProcess host(L"mox_test_host.exe", home.Path());
     EXPECT_EQ(host.Read(), Detecting("Phones"));
-    EXPECT_EQ(tests::RunProgram(L"phone.exe ready meanwhile"), 0U);
+    EXPECT_EQ(Phone(L"ready meanwhile"), 0U);
     EXPECT_EQ(host.Read(), "device mobile meanwhile");
     EXPECT_EQ(host.Read(), Detecting("slow-1"));
 }

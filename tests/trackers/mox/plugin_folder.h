@@ -4,8 +4,8 @@
 
 #include "kestraboot/mox_plugin.h"
 #include "tests/support/import_patch.h"
+#include "tests/support/program_folder.h"
 #include "tests/support/temp_folder.h"
-#include "tests/trackers/mox/program_folder.h"
 #include "tests/trackers/mox/test_plugin/plugin_stage.h"
 
 #include <windows.h>

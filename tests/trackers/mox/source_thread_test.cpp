@@ -1,7 +1,7 @@
 // The guarantees to a plugin about the thread of its source, and about the thread from which it reports.
-#include "tests/support/awaited_trace.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/signal.h"
+#include "tests/support/trace_recorder.h"
 #include "tests/trackers/mox/device_reports.h"
 #include "tests/trackers/mox/plugin_folder.h"
 #include "trackers/mox/source_tracker.h"
@@ -92,7 +92,7 @@ protected:
 
     PluginWindow window;
     tests::DeviceReports reports;
-    tests::AwaitedTrace trace;
+    tests::TraceRecorder trace;
     tests::PluginFolder folder;
 };
 

@@ -1,8 +1,8 @@
 #include "trackers/mox/source_tracker.h"
 
-#include "tests/support/awaited_trace.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/signal.h"
+#include "tests/support/trace_recorder.h"
 #include "tests/trackers/mox/device_reports.h"
 #include "tests/trackers/mox/memory_faults.h"
 #include "tests/trackers/mox/plugin_folder.h"
@@ -65,7 +65,7 @@ protected:
     }
 
     DeviceReports reports;
-    tests::AwaitedTrace trace;
+    tests::TraceRecorder trace;
     PluginFolder folder;
 };
 

@@ -7,7 +7,7 @@ namespace kestraboot::tools
 
 nlohmann::ordered_json JsonLine(const char* type)
 {
-    return {{"type", type}, {"schema", kJsonSchema}};
+    return {{"type", type}, {"schema", kLineSchema}};
 }
 
 std::string OneLine(const nlohmann::ordered_json& line)

@@ -9,7 +9,7 @@ namespace kestraboot::tools
 {
 
 /// Raised if a member is removed or changes its meaning; a new member alone does not raise it.
-inline constexpr unsigned kJsonSchema = 1;
+inline constexpr unsigned kLineSchema = 1;
 
 /// Has the two members with which every line begins.
 [[nodiscard]] nlohmann::ordered_json JsonLine(const char* type);

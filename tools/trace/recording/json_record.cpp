@@ -60,7 +60,7 @@ std::optional<Value> Member(const json& object, const char* name)
 RecordedLine ReadJsonRecord(std::string_view text)
 {
     const json object = json::parse(text, nullptr, false);
-    if (!object.is_object() || Member<unsigned>(object, "schema").value_or(kJsonSchema) != kJsonSchema) {
+    if (!object.is_object() || Member<unsigned>(object, "schema").value_or(kLineSchema) != kLineSchema) {
         return NotRecorded{};
     }
     const std::optional<TimeStamp> time = ReadTime(object);

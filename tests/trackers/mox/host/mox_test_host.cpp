@@ -1,42 +1,30 @@
 // A host process for the system tests. It loads the shipped kestraboot.dll, starts the service, and
 // reports the events to its parent.
 //
-// It writes to standard output, a line each: "trace TEXT", "sleep MILLISECONDS" (the library waits until
-// a command wakes it), "device KIND ID", and the answers. It reads from standard input: "wake" ends one
-// wait; "loaded PATH" answers "loaded yes" or "loaded no"; "throw" makes the next report throw; "quit"
-// makes the process exit.
+// It writes a line each: "trace TEXT", "sleep MILLISECONDS" (the library waits until a command wakes
+// it), "device KIND ID", and the answers. Its commands: "wake" ends one wait; "loaded PATH" answers
+// "loaded yes" or "loaded no"; "throw" makes the next report throw. It exits at the end of the commands.
 #include "kestraboot/device_connect.h"
+#include "tests/support/host_channel.h"
 #include "tests/support/import_patch.h"
 
 #include <windows.h>
 #include <atomic>
-#include <iostream>
-#include <mutex>
-#include <new>
+#include <optional>
 #include <string>
 
 namespace
 {
 
+using kestraboot::tests::HostChannel;
 using kestraboot::tests::SetModuleUnderTest;
 
-std::mutex outputLock;
+std::optional<HostChannel> test;
 std::atomic<bool> throwNext = false;
-
-std::string Narrow(const std::wstring& text)
-{
-    return {text.begin(), text.end()}; // the tests' own texts are ASCII
-}
-
-void Say(const std::string& line)
-{
-    const std::lock_guard lock(outputLock);
-    std::cout << line << '\n' << std::flush;
-}
 
 void OnDevice(std::wstring& kind, std::wstring& deviceId)
 {
-    Say("device " + Narrow(kind) + " " + Narrow(deviceId));
+    test->Say("device", kind + L" " + deviceId);
     if (throwNext.exchange(false)) {
         throw 42;
     }
@@ -48,31 +36,40 @@ void Obey(const std::string& command, HANDLE wake)
         ::ReleaseSemaphore(wake, 1, nullptr);
     } else if (command == "throw") {
         throwNext = true;
-        Say("throws");
+        test->Say("throws");
     } else if (command.starts_with("loaded ")) {
         const std::wstring path(command.begin() + 7, command.end());
-        Say(::GetModuleHandleW(path.c_str()) != nullptr ? "loaded yes" : "loaded no");
+        test->Say(::GetModuleHandleW(path.c_str()) != nullptr ? "loaded yes" : "loaded no");
     } else {
-        Say("no such command: " + command);
+        test->Say("no such command: " + command);
     }
 }
 
 } // namespace
 
-int main()
+extern "C" int wmain(int argc, wchar_t** argv);
+
+int wmain(int argc, wchar_t** argv)
 {
+    if (argc != 2) {
+        return 2;
+    }
+    test.emplace(argv[1]);
+    if (!test->IsOpen()) {
+        return 3;
+    }
     SetModuleUnderTest(::GetModuleHandleW(L"kestraboot.dll"));
     const HANDLE wake = ::CreateSemaphoreW(nullptr, 0, 1000, nullptr);
     const FAKE_IMPORT(OutputDebugStringW) trace([](const wchar_t* line) {
-        Say("trace " + Narrow(line));
+        test->Say("trace", line);
     });
     const FAKE_IMPORT(Sleep) sleep([wake](DWORD milliseconds) {
-        Say("sleep " + std::to_string(milliseconds));
+        test->Say("sleep " + std::to_string(milliseconds));
         ::WaitForSingleObject(wake, INFINITE);
     });
     RegisterDeviceConnectCallback(OnDevice);
     StartDeviceConnectService();
-    for (std::string command; std::getline(std::cin, command) && command != "quit";) {
+    for (std::string command; test->Next(command);) {
         Obey(command, wake);
     }
     ::ExitProcess(0); // so that no destructor runs while the trackers' threads run

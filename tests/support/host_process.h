@@ -1,8 +1,11 @@
 #pragma once
 
+#include "tests/support/program_folder.h"
+
 #include <windows.h>
 
 #include <condition_variable>
+#include <filesystem>
 #include <map>
 #include <mutex>
 #include <string>
@@ -12,38 +15,35 @@
 namespace kestraboot::tests
 {
 
-/// A running imaging_host.exe (or a copy under another name), and its output.
+/// A program that hosts the shipped library in a process of its own. It takes commands and writes lines
+/// through a HostChannel. A host that hangs, ends by itself or ends badly fails the test.
 class HostProcess
 {
 public:
-    /// Starts it and waits until its service has started. `program` is in the folder of this executable.
-    explicit HostProcess(const std::wstring& program);
+    /// `program` is in the folder of this executable; `folder` becomes its current directory.
+    explicit HostProcess(const std::filesystem::path& program,
+                         const std::filesystem::path& folder = ProgramFolder());
     HostProcess(const HostProcess&) = delete;
     HostProcess& operator=(const HostProcess&) = delete;
-    /// Ends it. Fails the test if it does not exit by itself, or exits with an error.
+    /// Ends the host by the end of its commands.
     ~HostProcess();
 
-    /// Waits for exactly this line. Returns false if it does not come.
+    /// Throws if the host takes no commands.
+    void Send(const std::string& command);
+
+    /// Waits for exactly this line, or for that many of it. Returns false if it does not come.
     [[nodiscard]] bool WaitFor(const std::string& line) { return WaitForCount(line, 1); }
     [[nodiscard]] bool WaitForCount(const std::string& line, int count);
+
+    /// The next line that Read and ReadUntil have not read yet. Throws if the host writes none.
+    [[nodiscard]] std::string Read();
+    /// Reads until a line begins so, and returns that line.
+    std::string ReadUntil(const std::string& beginning);
 
     /// All lines so far with that prefix, in their order.
     [[nodiscard]] std::vector<std::string> Lines(const std::string& beginning = {}) const;
 
-    /// Returns when all earlier output of the host is here. Returns false if the host does not answer.
-    [[nodiscard]] bool CatchUp();
-
     void Forget();
-
-    /// Notifies its still-image tracker that the device tree changed. Returns false if the tracker's
-    /// window does not appear.
-    [[nodiscard]] bool NotifyDeviceChange();
-
-    /// The same; returns when the tracker has handled it and the tracker's output about it is here.
-    [[nodiscard]] bool ServeDeviceChange();
-
-    /// Whether it has the still-image tracker's window.
-    [[nodiscard]] bool HasTrackerWindow();
 
     /// The time limit for its exit; 30 seconds unless this is called.
     void GiveToEnd(DWORD milliseconds) noexcept { timeToEnd = milliseconds; }
@@ -52,26 +52,20 @@ public:
     [[nodiscard]] HANDLE Handle() const noexcept { return process.hProcess; }
 
 private:
-    void ReadLines();
-    [[nodiscard]] bool AwaitTrackerWindow();
-    void End();
+    void ReceiveLines();
 
     PROCESS_INFORMATION process = {};
     std::wstring pipe;
-    HWND trackerWindow = nullptr;
     DWORD timeToEnd = 30'000; ///< milliseconds
     HANDLE input = nullptr;   ///< the host exits when this side closes it
     HANDLE output = nullptr;  ///< the host's output
     mutable std::mutex mutex;
     std::condition_variable more;
     std::vector<std::string> lines;
+    std::size_t read = 0;              ///< number of the lines that Read has returned
     std::map<std::string, int> counts; ///< of the same lines
-    int questions = 0;                 ///< asked since the lines were forgotten
     bool ended = false;
-    std::thread reader;
+    std::thread receiver;
 };
-
-/// The folder of this executable, ending in a backslash.
-[[nodiscard]] std::wstring OwnFolder();
 
 } // namespace kestraboot::tests
