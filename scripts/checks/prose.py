@@ -67,7 +67,7 @@ def default_files() -> list[pathlib.Path]:
     found = [*ROOT.glob("*.md"), *(ROOT / "docs").rglob("*.md"), *(ROOT / "samples").rglob("*.md"),
              *(ROOT / "include").rglob("*.h")]
     found += [file for folder in ("tests", "scripts", "bench", "cmake") for file in (ROOT / folder).rglob("*")
-              if file.suffix in CODE and "samples" not in file.parts]
+              if file.suffix in CODE]
     return sorted(file for file in found if file.name != "CHANGELOG.md")
 
 

@@ -73,7 +73,7 @@ TEST_F(Chooser, ReturnOpensAndEscapeCancels)
     list->Select(list->Find(L"Mail Prints"));
     Press(::GetDlgItem(window, IDC_APPLICATIONS), VK_RETURN);
     EXPECT_EQ(viewer->ExitCode(), 0U);
-    EXPECT_TRUE(AwaitStarted(prints, "mode: direct\ndevice:  \n")) << "no device was told";
+    EXPECT_TRUE(AwaitStarted(prints, "mode: direct\ndevice:  \n")) << "no device was named";
 
     Ask();
     Press(::GetDlgItem(window, IDC_APPLICATIONS), VK_ESCAPE);

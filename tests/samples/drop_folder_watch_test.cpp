@@ -109,7 +109,7 @@ TEST_F(DropFolderWatch, ReportsNothingButNewPictures)
     EXPECT_EQ(reports.Records().size(), 1U);
 }
 
-TEST_F(DropFolderWatch, ReportsAPictureThatWasTakenOutAndComesAgain)
+TEST_F(DropFolderWatch, ReportsAPictureThatWasRemovedAndComesAgain)
 {
     Start();
     const fs::path one = above.AddFile(L"Server/Drop/one.jpg", "picture");

@@ -138,7 +138,7 @@ TEST_F(SheetCopy, ClosingTheWindowLeavesNoHalfWrittenFile)
     EXPECT_THAT(Copied(), IsEmpty());
 }
 
-TEST_F(SheetCopy, AProcessThatIsEndedLeavesNoHalfWrittenFile)
+TEST_F(SheetCopy, ATerminatedProcessLeavesNoHalfWrittenFile)
 {
     MakeSparseFile(card.Path() / L"a.jpg", 8192 * kMegabyte);
     Begin(IDC_COPY_ALL, 1, L" Unreadable pictures: 1.");

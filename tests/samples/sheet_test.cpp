@@ -142,7 +142,7 @@ TEST_F(Sheet, ACardThatGoesMakesNoPictureUnreadable)
     EXPECT_EQ(viewer->ExitCode(), 0U);
 }
 
-TEST_F(Sheet, IsToldByWindowsThatItsDriveWasRemoved)
+TEST_F(Sheet, DetectsTheMessageThatItsDriveWasRemoved)
 {
     AddPictures(1);
     Show();
