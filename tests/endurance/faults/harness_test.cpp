@@ -27,9 +27,19 @@ void ReadTheCommandLine(OpenHandler& handler)
 
 HANDLE letGo = nullptr;
 
-DWORD WINAPI Linger(void*)
+DWORD WINAPI Linger(void* running)
 {
+    ::SetEvent(running);
     return ::WaitForSingleObject(letGo, 60'000);
+}
+
+/// Returns when the thread runs: a thread that has not begun yet is not counted.
+void LeakAThread()
+{
+    const HANDLE running = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    ::CloseHandle(::CreateThread(nullptr, 65'536, Linger, running, 0, nullptr));
+    ::WaitForSingleObject(running, INFINITE);
+    ::CloseHandle(running);
 }
 
 class Sweep : public testing::Test
@@ -97,10 +107,7 @@ TEST_F(Sweep, NamesALeakedHandleOfAnyKind)
 TEST_F(Sweep, NamesALeakedThread)
 {
     letGo = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    EXPECT_SAYS(SaysOf([] {
-                    ::CloseHandle(::CreateThread(nullptr, 65'536, Linger, nullptr, 0, nullptr));
-                }),
-                "leaves behind: threads 1");
+    EXPECT_SAYS(SaysOf(LeakAThread), "leaves behind: threads 1");
     ::SetEvent(letGo);
 }
 
