@@ -5,13 +5,13 @@
 set -euo pipefail
 build=$1 source=$2
 preset=$(basename "$build")
-work=$(mktemp -d "$build/again.XXXXXX")
+work=$(mktemp -d) # not below the sources, which the other user may be unable to enter
 trap 'rm -rf "$work"' EXIT
 copy=$work/elsewhere
 quietly() { "$@" >"$work/log" 2>&1 </dev/null || { cat "$work/log"; echo "failed: $*"; exit 1; }; }
 
 # The current sources, with the history from which the commit is read.
-quietly git clone -q --shared --no-checkout "$source" "$copy"
+quietly git clone -q --no-hardlinks --no-checkout "$source" "$copy"
 git -C "$copy" reset -q
 (cd "$source" && git ls-files -z --cached --others --exclude-standard --deduplicate |
     xargs -0 -r sh -c 'for file; do [ ! -e "$file" ] || printf "%s\0" "$file"; done' sh |

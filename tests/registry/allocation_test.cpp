@@ -70,7 +70,7 @@ TEST_F(RegistryOutOfMemory, ReachesTheCallerOfTheFormats)
         found = formats.size();
     };
     handler.LoadInformation();
-    EXPECT_GT(ForEveryAllocation(read, Reaches, Shortage::Once), 20);
+    EXPECT_GT(ForEveryAllocation(read, Reaches, Shortage::Once), 15);
     EXPECT_EQ(found, 2U + 44U);
     // The formats of the default application never become those of all applications.
     PutDword(HKEY_CURRENT_USER, own.Preferences(), L"DefaultFlag", 1);

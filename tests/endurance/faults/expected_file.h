@@ -41,8 +41,10 @@ private:
 void CheckExpectedFile(const std::string& scene, const Outcomes& outcomes,
                        const std::vector<SweptCall>& calls);
 
-/// The number of allocations in the scene's file; -1 if it has none.
-[[nodiscard]] int StatedAllocations(const std::string& scene);
+/// Fails the test if the scene's number of allocations differs from the one in its file, which is that
+/// of GCC 12's library and of the build's folder. GCC 14's library takes up to a fifth less, and the
+/// longer paths of the archive of tests take more.
+void CheckAllocations(const std::string& scene, int actual);
 
 /// The names of all scenes that have a file.
 [[nodiscard]] std::vector<std::string> ScenesWithAFile();

@@ -166,7 +166,7 @@ TEST_F(Sweep, NamesAnUnexpectedCall)
 
 TEST_F(Sweep, NamesFewerAllocationsThanExpected)
 {
-    EXPECT_SAYS(Says([](OpenHandler&) {}, SweepAllocations), "command_line allocates ");
+    EXPECT_SAYS(Says([](OpenHandler&) {}, SweepAllocations), "command_line: the number of allocations");
 }
 
 TEST_F(Sweep, NamesAPairWhoseExceptionEscapes)
