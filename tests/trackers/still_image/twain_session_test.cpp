@@ -23,6 +23,18 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
+/// A session's window in this process; other tests have theirs on the same desktop.
+HWND SessionWindow()
+{
+    HWND window = nullptr;
+    DWORD owner = 0;
+    do {
+        window = ::FindWindowExW(nullptr, window, L"STATIC", L"TWAINTrackerWindow");
+        ::GetWindowThreadProcessId(window, &owner);
+    } while (window != nullptr && owner != ::GetCurrentProcessId());
+    return window;
+}
+
 class TwainSessionTest : public testing::Test
 {
 protected:
@@ -36,7 +48,7 @@ protected:
     ~TwainSessionTest() override
     {
         EXPECT_EQ(::GetModuleHandleW(L"twain_32.dll"), nullptr);
-        EXPECT_EQ(::FindWindowW(L"STATIC", L"TWAINTrackerWindow"), nullptr);
+        EXPECT_EQ(SessionWindow(), nullptr);
     }
 
     std::vector<std::string> Calls() const { return standIns.Log("twain_calls.txt"); }
@@ -109,7 +121,7 @@ TEST_F(TwainSessionTest, HandsOverAPointerToTheHandleOfItsWindow)
 TEST_F(TwainSessionTest, FreesTheSourceManagerLast)
 {
     const FAKE_IMPORT(FreeLibrary) frees([&](HMODULE library) {
-        EXPECT_EQ(::FindWindowW(L"STATIC", L"TWAINTrackerWindow"), nullptr);
+        EXPECT_EQ(SessionWindow(), nullptr);
         return frees.CallOriginal(library);
     });
     EXPECT_TRUE(TwainSourceListed(L"First"));
