@@ -291,20 +291,22 @@ TEST_F(DropFolderWatch, LeavesNoThreadAndNoHandle)
         threads.push_back(kept);
         return thread;
     });
-    int before = 0;
-    constexpr int kRounds = 5;
-    for (int round = 1; round <= kRounds; ++round) {
+    int rounds = 0;
+    const auto opensInOneRound = [&] {
+        const int before = OpenHandlesOf(::GetCurrentProcess());
         Register();
-        AwaitLine(path + L": being watched.", round);
+        AwaitLine(path + L": being watched.", ++rounds);
         EXPECT_EQ(plugin->source->UnregisterCallback(&reports), mox::kSuccess);
-        if (round == 1) {
-            before = OpenHandlesOf(::GetCurrentProcess()); // Windows opens some once in a process
-        }
+        return OpenHandlesOf(::GetCurrentProcess()) - before;
+    };
+    static_cast<void>(opensInOneRound()); // Windows opens some once in a process
+    int opened = 0;
+    // Only a leak of every round counts, because Wine opens a handle of its own now and then.
+    for (int round = 0; round < 4 && opened != 1; ++round) {
+        opened = opensInOneRound();
     }
-    EXPECT_EQ(threads.size(), std::size_t{kRounds});
-    // Wine opens a handle of its own now and then; one leaked handle a round would be four.
-    EXPECT_LE(OpenHandlesOf(::GetCurrentProcess()), before + kRounds - 1 + 1)
-        << "more is open than this test's own handles of the threads";
+    EXPECT_EQ(opened, 1) << "more is open than this test's own handle of the thread";
+    EXPECT_EQ(threads.size(), static_cast<std::size_t>(rounds));
     for (const HANDLE thread : threads) {
         EXPECT_EQ(::WaitForSingleObject(thread, 0), WAIT_OBJECT_0) << "a thread is still running";
         ::CloseHandle(thread);

@@ -97,7 +97,7 @@ TEST_F(SheetSize, ManyPicturesTakeBoundedMemory)
     PROCESS_MEMORY_COUNTERS memory = {};
     ASSERT_TRUE(::GetProcessMemoryInfo(viewer->Handle(), &memory, sizeof memory));
     std::printf("    %d pictures, at most %zu MB of memory\n", count, memory.PeakWorkingSetSize >> 20);
-    EXPECT_LT(memory.PeakWorkingSetSize >> 20, 200U); // 10,000 small pictures alone would take 730 MB
+    EXPECT_LT(memory.PeakWorkingSetSize >> 20, 160U); // 10,000 small pictures alone would take 730 MB
     EXPECT_TRUE(AwaitStarted(app, "pictures: " + std::to_string(count) + "\n"));
 }
 

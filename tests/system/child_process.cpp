@@ -1,5 +1,7 @@
 #include "tests/system/child_process.h"
 
+#include "tests/support/process_window.h"
+
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -105,13 +107,8 @@ HWND AwaitWindow(DWORD processId, const std::wstring& title, DWORD milliseconds)
 {
     for (const ULONGLONG end = ::GetTickCount64() + milliseconds; ::GetTickCount64() <= end;
          ::Sleep(5)) {
-        HWND window = nullptr;
-        while ((window = ::FindWindowExW(nullptr, window, nullptr, title.c_str())) != nullptr) {
-            DWORD owner = 0;
-            ::GetWindowThreadProcessId(window, &owner);
-            if (owner == processId) {
-                return window;
-            }
+        if (const HWND window = FindWindowOf(processId, title.c_str())) {
+            return window;
         }
     }
     return nullptr;

@@ -1,5 +1,7 @@
 #include "tests/system/imaging/imaging_host_process.h"
 
+#include "tests/support/process_window.h"
+
 #include <dbt.h>
 
 #include <stdexcept>
@@ -10,25 +12,6 @@ namespace
 {
 
 constexpr DWORD kLongestWait = 30'000; // milliseconds
-
-struct WindowSearch {
-    DWORD processId;
-    HWND found;
-};
-
-BOOL CALLBACK LookAt(HWND window, LPARAM search)
-{
-    auto& wanted = *reinterpret_cast<WindowSearch*>(search);
-    DWORD owner = 0;
-    ::GetWindowThreadProcessId(window, &owner);
-    wchar_t title[64] = {};
-    ::GetWindowTextW(window, title, 64);
-    if (owner == wanted.processId && std::wstring(title) == L"STITrackerWindow") {
-        wanted.found = window;
-        return FALSE;
-    }
-    return TRUE;
-}
 
 } // namespace
 
@@ -49,9 +32,7 @@ bool ImagingHostProcess::CatchUp()
 bool ImagingHostProcess::HasTrackerWindow()
 {
     if (trackerWindow == nullptr) {
-        WindowSearch search = {Id(), nullptr};
-        ::EnumWindows(LookAt, reinterpret_cast<LPARAM>(&search));
-        trackerWindow = search.found;
+        trackerWindow = FindWindowOf(Id(), L"STITrackerWindow");
     }
     return trackerWindow != nullptr;
 }

@@ -1,5 +1,6 @@
 // The guarantees to a plugin about the thread of its source, and about the thread from which it reports.
 #include "tests/support/import_patch.h"
+#include "tests/support/process_window.h"
 #include "tests/support/signal.h"
 #include "tests/support/trace_recorder.h"
 #include "tests/trackers/mox/device_reports.h"
@@ -120,7 +121,7 @@ TEST_F(SourceThread, AnswersMessagesThatAreSentToAPluginsWindowAndLeavesPostedOn
         EXPECT_NE(::SendMessageTimeoutW(window.Handle(), message, 0, 0, SMTO_BLOCK, 20000, &answer), 0);
     }
     // An earlier posted message would arrive before this one.
-    ::PostMessageW(::FindWindowW(L"STATIC", L"MOXTrackerWindow"), WM_DEVICECHANGE, DBT_DEVNODES_CHANGED,
+    ::PostMessageW(tests::FindOwnWindow(L"MOXTrackerWindow"), WM_DEVICECHANGE, DBT_DEVNODES_CHANGED,
                    0);
     servedOwnWindow.Wait();
     EXPECT_EQ(window.Came(), (std::vector<UINT>{kSent, WM_DEVICECHANGE}));

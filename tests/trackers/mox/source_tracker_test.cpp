@@ -1,6 +1,7 @@
 #include "trackers/mox/source_tracker.h"
 
 #include "tests/support/import_patch.h"
+#include "tests/support/process_window.h"
 #include "tests/support/signal.h"
 #include "tests/support/trace_recorder.h"
 #include "tests/trackers/mox/device_reports.h"
@@ -162,7 +163,7 @@ TEST_F(Tracker, AnswersMessagesThatAreSentToItsWindow)
 {
     StartSourceTracker(Source(L"alpha"));
     ASSERT_TRUE(trace.Await(Detecting(L"alpha")));
-    const HWND window = ::FindWindowW(L"STATIC", L"MOXTrackerWindow");
+    const HWND window = tests::FindOwnWindow(L"MOXTrackerWindow");
     DWORD_PTR answer = 0;
     for (const UINT message : {UINT{WM_NULL}, UINT{WM_DEVICECHANGE}, UINT{WM_APP + 1}}) {
         EXPECT_NE(::SendMessageTimeoutW(window, message, 0, 0, SMTO_BLOCK, 20000, &answer), 0)

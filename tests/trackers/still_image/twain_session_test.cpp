@@ -1,6 +1,7 @@
 // The session as the source manager sees it: the calls that open, query and close it.
 #include "kestraboot/version.h"
 #include "tests/support/import_patch.h"
+#include "tests/support/process_window.h"
 #include "tests/support/stand_in_folder.h"
 #include "trackers/still_image/twain_session.h"
 #include "trackers/still_image/twain_source.h"
@@ -23,18 +24,6 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-/// A session's window in this process; other tests have theirs on the same desktop.
-HWND SessionWindow()
-{
-    HWND window = nullptr;
-    DWORD owner = 0;
-    do {
-        window = ::FindWindowExW(nullptr, window, L"STATIC", L"TWAINTrackerWindow");
-        ::GetWindowThreadProcessId(window, &owner);
-    } while (window != nullptr && owner != ::GetCurrentProcessId());
-    return window;
-}
-
 class TwainSessionTest : public testing::Test
 {
 protected:
@@ -48,7 +37,7 @@ protected:
     ~TwainSessionTest() override
     {
         EXPECT_EQ(::GetModuleHandleW(L"twain_32.dll"), nullptr);
-        EXPECT_EQ(SessionWindow(), nullptr);
+        EXPECT_EQ(FindOwnWindow(L"TWAINTrackerWindow"), nullptr);
     }
 
     std::vector<std::string> Calls() const { return standIns.Log("twain_calls.txt"); }
@@ -121,7 +110,7 @@ TEST_F(TwainSessionTest, HandsOverAPointerToTheHandleOfItsWindow)
 TEST_F(TwainSessionTest, FreesTheSourceManagerLast)
 {
     const FAKE_IMPORT(FreeLibrary) frees([&](HMODULE library) {
-        EXPECT_EQ(SessionWindow(), nullptr);
+        EXPECT_EQ(FindOwnWindow(L"TWAINTrackerWindow"), nullptr);
         return frees.CallOriginal(library);
     });
     EXPECT_TRUE(TwainSourceListed(L"First"));
