@@ -121,8 +121,7 @@ TEST_F(SourceThread, AnswersMessagesThatAreSentToAPluginsWindowAndLeavesPostedOn
         EXPECT_NE(::SendMessageTimeoutW(window.Handle(), message, 0, 0, SMTO_BLOCK, 20000, &answer), 0);
     }
     // An earlier posted message would arrive before this one.
-    ::PostMessageW(tests::FindOwnWindow(L"MOXTrackerWindow"), WM_DEVICECHANGE, DBT_DEVNODES_CHANGED,
-                   0);
+    ::PostMessageW(tests::FindOwnWindow(L"MOXTrackerWindow"), WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0);
     servedOwnWindow.Wait();
     EXPECT_EQ(window.Came(), (std::vector<UINT>{kSent, WM_DEVICECHANGE}));
 }
