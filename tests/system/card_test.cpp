@@ -12,9 +12,6 @@ namespace kestraboot::tests
 namespace
 {
 
-const std::string kNoWia = "<***DeviceConnect***><WiaTracker><WIA devices will not be detected>.";
-const std::string kNoSti = "<***DeviceConnect***><StiTracker><STI Devices will not be detected.>";
-const std::string kNoPhones = "<***DeviceConnect***><NOKIA Devices will not be detected.>";
 const std::string kTracker = "<***DeviceConnect***><VolumeTracker>";
 
 class Card : public SystemTest
@@ -30,14 +27,6 @@ protected:
         window = AwaitWindow(boot->Id(), kVolumeWindow);
         ASSERT_NE(window, nullptr);
         AwaitTrackers({kNoWia, kNoSti, kNoPhones});
-    }
-
-    /// Under Wine a process that exits while one of its threads is busy with COM may never exit.
-    void AwaitTrackers(const std::vector<std::string>& lines) const
-    {
-        for (const std::string& line : lines) {
-            EXPECT_TRUE(trace.Await(line)) << line;
-        }
     }
 
     /// Inserts the card and notifies the tracker's window, as Windows would.

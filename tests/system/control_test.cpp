@@ -1,4 +1,5 @@
 // Which instance of the boot program is in control.
+#include "tests/system/quiet_exit.h"
 #include "tests/system/system_test.h"
 
 #include <gmock/gmock.h>
@@ -32,6 +33,7 @@ TEST_F(Control, IsReleasedWhenAPostedMessageAsks)
     const HWND window = AwaitWindow(boot.Id(), kBootTitle);
     ASSERT_NE(window, nullptr);
     EXPECT_FALSE(::IsWindowVisible(window));
+    SuspendThreadsBeside(window);
     ::PostMessageW(window, WM_QUIT, 0, 0);
     EXPECT_EQ(boot.ExitCode(), kDone);
 }

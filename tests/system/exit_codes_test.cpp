@@ -3,6 +3,7 @@
 #include "tests/support/source_file.h"
 #include "tests/support/unix_path.h"
 #include "tests/system/faults.h"
+#include "tests/system/quiet_exit.h"
 #include "tests/system/system_test.h"
 
 #include <algorithm>
@@ -65,6 +66,7 @@ TEST_F(ExitCodes, AreThoseOfThePage)
         const HWND window = AwaitWindow(boot.Id(), kBootTitle);
         ASSERT_NE(window, nullptr);
         Row("another instance is in control", Run(L"-install"));
+        SuspendThreadsBeside(window);
         ::SendMessageW(window, WM_QUIT, 0, 0);
         Row("it was in control and was asked to quit, or the session ended", boot.ExitCode());
         Row("`-uninstall` did its work", Run(L"-uninstall"));

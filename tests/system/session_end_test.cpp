@@ -2,6 +2,7 @@
 #include "samples/simulators/cards/card_slot.h"
 #include "tests/support/unix_path.h"
 #include "tests/system/faults.h"
+#include "tests/system/quiet_exit.h"
 #include "tests/system/system_test.h"
 
 #include <dbt.h>
@@ -91,6 +92,7 @@ TEST_P(AfterTheEnd, AReportOnItsWayToAStartIsNotWaitedFor)
     Start();
     ChildProcess news(BuiltPrograms() / L"phone.exe", L"ready", WritesOn::Nothing);
     ASSERT_TRUE(trace.Await("<calls _wspawnlp>"));
+    SuspendThreadsBeside(window);
     AskToEnd(GetParam());
     EXPECT_EQ(boot->ExitCode(), kDone);
     EXPECT_EQ(app.Report(), "");
@@ -105,6 +107,8 @@ TEST_P(AfterTheEnd, ASearchThatHangsIsNotWaitedFor)
     ASSERT_TRUE(simulators::InsertCard(L'E', UnixPath(card.Path())));
     ::PostMessageW(tracker, WM_DEVICECHANGE, DBT_DEVNODES_CHANGED, 0);
     ASSERT_TRUE(trace.Await("<calls FindFirstFileW>"));
+    AwaitTrackers({kNoWia, kNoSti, kNoPhones});
+    SuspendThreadsBeside(window);
     AskToEnd(GetParam());
     EXPECT_EQ(boot->ExitCode(), kDone);
 }
@@ -114,6 +118,7 @@ TEST_P(AfterTheEnd, ALibraryThatHangsWhileItIsLoadedIsNotWaitedFor)
     app.Put(L"hanging.mox", L"moxplugins/nokiamanager.mox");
     Start();
     ASSERT_TRUE(trace.Await("<hanging.mox is loaded>"));
+    SuspendThreadsBeside(window);
     AskToEnd(GetParam());
     EXPECT_EQ(boot->ExitCode(), kDone);
 }

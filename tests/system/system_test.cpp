@@ -1,6 +1,7 @@
 #include "tests/system/system_test.h"
 
 #include "tests/support/registry_sandbox.h"
+#include "tests/system/quiet_exit.h"
 
 #include <algorithm>
 #include <fstream>
@@ -22,16 +23,18 @@ void SystemTest::SetWindowsVersion(const std::wstring& program, const std::wstri
     PutText(HKEY_CURRENT_USER, L"Software\\Wine\\AppDefaults\\" + program, L"Version", version);
 }
 
+void SystemTest::AwaitTrackers(const std::vector<std::string>& lines) const
+{
+    for (const std::string& line : lines) {
+        EXPECT_TRUE(trace.Await(line)) << line;
+    }
+}
+
 void SystemTest::Quit(ChildProcess& boot)
 {
     const HWND window = AwaitWindow(boot.Id(), kBootTitle);
     ASSERT_NE(window, nullptr);
-    // Under Wine a process may never exit if one of its threads queries a drive at that time. Once its
-    // tracker has answered, the thread waits for messages.
-    if (const HWND tracker = AwaitWindow(boot.Id(), kVolumeWindow, 0)) {
-        DWORD_PTR answer = 0;
-        EXPECT_NE(::SendMessageTimeoutW(tracker, WM_NULL, 0, 0, SMTO_NORMAL, 30'000, &answer), 0);
-    }
+    SuspendThreadsBeside(window);
     ::SendMessageW(window, WM_QUIT, 0, 0);
     EXPECT_EQ(boot.ExitCode(), kDone);
 }
@@ -46,6 +49,7 @@ void SystemTest::EndServing()
     DWORD processId = 0;
     ::GetWindowThreadProcessId(window, &processId);
     const HANDLE process = ::OpenProcess(SYNCHRONIZE, FALSE, processId);
+    SuspendThreadsBeside(window);
     ::SendMessageW(window, WM_QUIT, 0, 0);
     EXPECT_EQ(::WaitForSingleObject(process, 30'000), WAIT_OBJECT_0);
     ::CloseHandle(process);

@@ -36,6 +36,11 @@ inline const std::string kNotItsFolder =
     "<KestraBoot><!!! The boot program's folder cannot be made the current one. No plugin is loaded.>";
 inline const std::string kVolumes = "<***DeviceConnect***><VolumeTracker><Volumes will be detected.>";
 
+/// The last line of each tracker that finds nothing to track.
+inline const std::string kNoWia = "<***DeviceConnect***><WiaTracker><WIA devices will not be detected>.";
+inline const std::string kNoSti = "<***DeviceConnect***><StiTracker><STI Devices will not be detected.>";
+inline const std::string kNoPhones = "<***DeviceConnect***><NOKIA Devices will not be detected.>";
+
 /// The answers of kestraboot.exe, and of the library to its "-default".
 inline const std::string kUsageText =
     "kestraboot.exe [-install]                      takes control and serves\n"
@@ -65,6 +70,10 @@ protected:
 
     /// Sets the version of Windows that a program sees, by its file name, from its next start on.
     static void SetWindowsVersion(const std::wstring& program, const std::wstring& version);
+
+    /// Waits until trackers have given up. Under Wine a process that exits while one of its threads is
+    /// busy with COM may never exit.
+    void AwaitTrackers(const std::vector<std::string>& lines) const;
 
     /// Asks a boot program to quit, as an uninstaller does, and checks that it exits cleanly.
     static void Quit(ChildProcess& boot);
