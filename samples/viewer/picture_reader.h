@@ -28,7 +28,7 @@ struct Picture {
 
 struct Thumbnail {
     std::size_t index = 0; ///< of the picture
-    Pixels pixels; ///< empty if the picture is unreadable
+    Pixels pixels;         ///< empty if the picture is unreadable
 };
 
 struct ReadingProgress {
@@ -56,7 +56,8 @@ public:
     /// Waits for the picture that is being decoded.
     ~PictureReader();
 
-    /// Asks for a small picture. It comes with TakeThumbnails(), unless newer requests displace this one.
+    /// Asks for a small picture. It comes with TakeThumbnails(), unless newer requests displace this
+    /// one.
     void Want(std::size_t index);
     void SetStyle(const ThumbnailStyle& wanted);
     void DriveIsGone();

@@ -127,7 +127,7 @@ TEST_F(Sheet, ShowsTheCamerasSmallPictureWithoutDecodingTheWhole)
     EXPECT_TRUE(TextOf(Item(IDC_DETAILS)).starts_with(L"400 x 300 pixels, "));
 }
 
-TEST_F(Sheet, ShowsTheSizeThatStandsBehindALongHeader)
+TEST_F(Sheet, ShowsTheSizeThatFollowsALongHeader)
 {
     card.AddFile(L"a.jpg", WithLongHeader(jpeg));
     Show();
