@@ -41,17 +41,25 @@ public:
         return std::nullopt;
     }
 
+    /// The table that follows a table; zero if it is the last one.
+    [[nodiscard]] std::size_t Next(std::size_t table) const
+    {
+        return table == 0 ? 0 : Number(table + 2 + std::size_t{12} * Number(table, 2), 4);
+    }
+
+    /// Empty unless all of it is there.
+    [[nodiscard]] std::span<const std::uint8_t> Part(std::size_t at, std::size_t length) const
+    {
+        const bool isInside = at <= bytes.size() && length <= bytes.size() - at;
+        return isInside ? bytes.subspan(at, length) : std::span<const std::uint8_t>();
+    }
+
     [[nodiscard]] std::string Date(std::size_t table, std::uint32_t tag) const
     {
         constexpr std::size_t kLength = 19; // "2026:11:21 13:26:59"
         const std::optional<std::size_t> value = Find(table, tag);
-        const std::size_t at = value ? Number(*value, 4) : bytes.size();
-        if (at >= bytes.size() || bytes.size() - at < kLength) {
-            return {};
-        }
-        std::string date(kLength, '\0');
-        std::ranges::copy(bytes.subspan(at, kLength), date.begin());
-        return date;
+        const auto date = Part(value ? Number(*value, 4) : bytes.size(), kLength);
+        return {date.begin(), date.end()};
     }
 
 private:
@@ -81,6 +89,8 @@ Exif ReadExif(std::span<const std::uint8_t> file)
 {
     constexpr std::uint32_t kOrientation = 0x0112;
     constexpr std::uint32_t kChanged = 0x0132;
+    constexpr std::uint32_t kThumbnail = 0x0201;
+    constexpr std::uint32_t kThumbnailLength = 0x0202;
     constexpr std::uint32_t kCameraTable = 0x8769;
     constexpr std::uint32_t kTaken = 0x9003;
 
@@ -95,6 +105,12 @@ Exif ReadExif(std::span<const std::uint8_t> file)
     }
     if (exif.taken.empty()) {
         exif.taken = tiff.Date(table, kChanged);
+    }
+    const std::size_t second = tiff.Next(table); // of the thumbnail
+    const auto thumbnail = tiff.Find(second, kThumbnail);
+    const auto length = tiff.Find(second, kThumbnailLength);
+    if (thumbnail && length) {
+        exif.thumbnail = tiff.Part(tiff.Number(*thumbnail, 4), tiff.Number(*length, 4));
     }
     return exif;
 }

@@ -39,6 +39,7 @@ void PictureReader::Search(const std::stop_token& stop)
             pictures.push_back(std::move(picture));
         }
         progress.found = pictures.size();
+        queue.Grow(pictures.size());
         work.notify_all();
         onChange();
         return !stop.stop_requested() && !progress.gone;
@@ -62,8 +63,8 @@ void PictureReader::DecodeAll(const std::stop_token& stop)
         const bool canDecode = SUCCEEDED(::CoCreateInstance(
             CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&factory)));
         while (std::optional<Task> task = NextTask(stop)) {
-            const ThumbnailStyle* const style = task->style ? &*task->style : nullptr;
-            Finish(*task, canDecode ? Decode(*factory.Get(), task->file, style) : DecodedPicture());
+            const ThumbnailStyle* const style = task->task.isWanted ? &task->style : nullptr;
+            Finish(task->task, canDecode ? Decode(*factory.Get(), task->file, style) : DecodedPicture());
         }
     }
     if (hasCom) {
@@ -87,31 +88,24 @@ std::optional<PictureReader::Task> PictureReader::TakeTask()
     if (progress.gone) {
         return std::nullopt;
     }
-    if (!wanted.empty()) {
-        const std::size_t index = wanted.back();
-        wanted.pop_back();
-        return Task{index, pictures[index].file.path, thumbnailStyle};
-    }
-    while (nextUnread < pictures.size() && pictures[nextUnread].state != PictureState::Unread) {
-        ++nextUnread;
-    }
-    if (nextUnread == pictures.size()) {
+    const std::optional<PictureQueue::Task> task = queue.Take();
+    if (!task) {
         return std::nullopt;
     }
-    const std::size_t index = nextUnread++;
-    return Task{index, pictures[index].file.path, std::nullopt};
+    return Task{*task, pictures[task->index].file.path, thumbnailStyle};
 }
 
-void PictureReader::Finish(const Task& task, DecodedPicture&& decoded)
+void PictureReader::Finish(const PictureQueue::Task& task, DecodedPicture&& decoded)
 {
     // A removed drive makes no picture unreadable.
     const bool gone = decoded.result != DecodeResult::Decoded &&
                       ::GetFileAttributesW(root.c_str()) == INVALID_FILE_ATTRIBUTES;
     const std::scoped_lock lock(mutex);
-    asked.erase(task.index);
+    queue.Finish(task);
     progress.gone = progress.gone || gone;
-    if (!gone) {
-        Picture& picture = pictures[task.index];
+    Picture& picture = pictures[task.index];
+    // A header alone does not disprove that a picture cannot be decoded.
+    if (!gone && (task.isWanted || picture.state == PictureState::Unread)) {
         progress.read += picture.state == PictureState::Unread ? 1 : 0;
         progress.unreadable -= picture.state == PictureState::Unreadable ? 1 : 0;
         const bool isRead = decoded.result == DecodeResult::Decoded;
@@ -120,7 +114,7 @@ void PictureReader::Finish(const Task& task, DecodedPicture&& decoded)
         picture.width = decoded.width;
         picture.height = decoded.height;
         picture.taken = std::move(decoded.taken);
-        if (isRead && task.style) {
+        if (task.isWanted) {
             thumbnails.push_back({task.index, std::move(decoded.thumbnail)});
         }
     }

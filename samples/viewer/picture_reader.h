@@ -7,12 +7,12 @@
 
 #include "decode.h"
 #include "picture_files.h"
+#include "picture_queue.h"
 
 #include <condition_variable>
 #include <deque>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <stop_token>
 #include <thread>
 
@@ -28,7 +28,7 @@ struct Picture {
 
 struct Thumbnail {
     std::size_t index = 0; ///< of the picture
-    Pixels pixels;
+    Pixels pixels;         ///< empty if the picture is unreadable
 };
 
 struct ReadingProgress {
@@ -56,8 +56,8 @@ public:
     /// Waits for the picture that is being decoded.
     ~PictureReader();
 
-    /// Asks for a small picture. It comes with TakeThumbnails(), unless it is unreadable or newer
-    /// requests displace this one.
+    /// Asks for a small picture. It comes with TakeThumbnails(), unless newer requests displace this
+    /// one.
     void Want(std::size_t index);
     void SetStyle(const ThumbnailStyle& wanted);
     void DriveIsGone();
@@ -68,16 +68,16 @@ public:
 
 private:
     struct Task {
-        std::size_t index = 0;
+        PictureQueue::Task task;
         std::filesystem::path file;
-        std::optional<ThumbnailStyle> style;
+        ThumbnailStyle style;
     };
 
     void Search(const std::stop_token& stop);
     void DecodeAll(const std::stop_token& stop);
     std::optional<Task> NextTask(const std::stop_token& stop);
     std::optional<Task> TakeTask();
-    void Finish(const Task& task, DecodedPicture&& decoded);
+    void Finish(const PictureQueue::Task& task, DecodedPicture&& decoded);
 
     const std::filesystem::path root;
     const Changed onChange;
@@ -86,9 +86,7 @@ private:
     mutable std::mutex mutex; // of all that follows
     std::condition_variable_any work;
     std::vector<Picture> pictures;
-    std::size_t nextUnread = 0;
-    std::vector<std::size_t> wanted; ///< the next one last
-    std::set<std::size_t> asked;     ///< wanted, or being decoded for that
+    PictureQueue queue;
     std::deque<Thumbnail> thumbnails;
     ThumbnailStyle thumbnailStyle;
     ReadingProgress progress;

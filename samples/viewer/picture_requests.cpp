@@ -3,25 +3,12 @@
 
 #include <utility>
 
-namespace
-{
-
-constexpr std::size_t kMostWanted = 512; ///< more than a screen shows
-
-} // namespace
-
 void PictureReader::Want(std::size_t index)
 {
     const std::scoped_lock lock(mutex);
-    if (pictures[index].state == PictureState::Unreadable || !asked.insert(index).second) {
-        return;
+    if (pictures[index].state != PictureState::Unreadable && queue.Want(index)) {
+        work.notify_one();
     }
-    wanted.push_back(index);
-    if (wanted.size() > kMostWanted) {
-        asked.erase(wanted.front());
-        wanted.erase(wanted.begin());
-    }
-    work.notify_one();
 }
 
 void PictureReader::SetStyle(const ThumbnailStyle& style)

@@ -48,6 +48,9 @@ void Sheet::Changed()
         const bool isFirst = listed == 0;
         listed = progress.found;
         Send(IDC_PICTURES, LVM_SETITEMCOUNT, listed, LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL);
+        // Wine's list view leaves new items in its corner, and draws all of them there, until it is
+        // told.
+        Send(IDC_PICTURES, LVM_ARRANGE, LVA_DEFAULT);
         if (isFirst) { // the arrow keys begin here
             LVITEMW first = {};
             first.state = first.stateMask = LVIS_FOCUSED;

@@ -24,9 +24,10 @@ HBITMAP MakeBitmap(unsigned width, unsigned height, void** pixels)
 } // namespace
 
 Thumbnails::Thumbnails(const ThumbnailStyle& shown, const Theme& theme)
-    : style(shown), list(::ImageList_Create(static_cast<int>(shown.width),
-                                            static_cast<int>(shown.height), ILC_COLOR32, kSigns, 16)),
-      mostPlaces(std::max(kLeastPlaces, kMemory / (std::size_t{4} * shown.width * shown.height)))
+    : style(shown),
+      mostPlaces(std::max(kLeastPlaces, kMemory / (std::size_t{4} * shown.width * shown.height))),
+      list(::ImageList_Create(static_cast<int>(shown.width), static_cast<int>(shown.height), ILC_COLOR32,
+                              static_cast<int>(mostPlaces + kSigns), 0))
 {
     AddSign(theme, false);
     AddSign(theme, true);
@@ -98,7 +99,7 @@ void Thumbnails::Put(const Thumbnail& thumbnail)
 {
     const Pixels& pixels = thumbnail.pixels;
     if (pixels.width != style.width || pixels.height != style.height) {
-        return; // made before the size changed
+        return; // unreadable, or made before the size changed
     }
     void* room = nullptr;
     const HBITMAP bitmap = MakeBitmap(style.width, style.height, &room);

@@ -36,8 +36,8 @@ private:
     std::size_t FreePlace();
 
     ThumbnailStyle style;
-    HIMAGELIST list;
     std::size_t mostPlaces;
+    HIMAGELIST list;
     std::vector<Place> places; ///< the first is behind the two signs
     std::unordered_map<std::size_t, std::size_t> placeOf;
     std::uint64_t looks = 0;

@@ -98,6 +98,15 @@ int RemoteList::Image(int row) const
     return item.iImage;
 }
 
+std::pair<long, long> RemoteList::Position(int row) const
+{
+    POINT position = {-1, -1};
+    ::SendMessageW(list, LVM_GETITEMPOSITION, static_cast<WPARAM>(row),
+                   reinterpret_cast<LPARAM>(memory));
+    ::ReadProcessMemory(process, memory, &position, sizeof position, nullptr);
+    return {position.x, position.y};
+}
+
 std::vector<std::wstring> RemoteList::Column(int column) const
 {
     std::vector<std::wstring> texts;

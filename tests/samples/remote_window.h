@@ -5,6 +5,7 @@
 
 #include <commctrl.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kestraboot::tests
@@ -34,6 +35,8 @@ public:
     [[nodiscard]] int Count() const;
     [[nodiscard]] std::wstring Text(int row, int column = 0) const;
     [[nodiscard]] int Image(int row) const;
+    /// Of an icon view, in pixels: x and y.
+    [[nodiscard]] std::pair<long, long> Position(int row) const;
     [[nodiscard]] std::vector<std::wstring> Column(int column = 0) const;
     /// Selects a row, or adds it to the selection of a list of several; -1: all of them.
     void Select(int row) const;

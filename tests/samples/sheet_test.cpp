@@ -5,6 +5,7 @@
 #include "tests/support/registry_sandbox.h"
 
 #include <dbt.h>
+#include <set>
 
 namespace kestraboot::tests
 {
@@ -32,12 +33,13 @@ private:
 class Sheet : public SheetWindows
 {
 protected:
-    void AddPictures(int count)
+    void AddPictures(int count, const std::string& contents) const
     {
         for (int i = 0; i < count; ++i) {
-            card.AddFile("DCIM/100TEST/IMG_" + std::to_string(1000 + i) + ".JPG", jpeg);
+            card.AddFile("DCIM/100TEST/IMG_" + std::to_string(1000 + i) + ".JPG", contents);
         }
     }
+    void AddPictures(int count) const { AddPictures(count, jpeg); }
 };
 
 TEST_F(Sheet, ShowsSizeAndCaptureDateAndTurnsThePicture)
@@ -87,35 +89,68 @@ TEST_F(Sheet, NamesAFolderThatItCannotReadAndGoesOn)
     EXPECT_TRUE(AwaitStarted(app, "picture: E:\\a\\a.jpg\npicture: E:\\z\\d.jpg\npictures: 2\n"));
 }
 
-TEST_F(Sheet, DecodesThePicturesInViewBeforeThoseAboveThem)
+TEST_F(Sheet, DecodesThePicturesInViewAlone)
 {
-    constexpr int kCount = 300;
-    // Only a decoder can read these, which takes long enough for the list to be scrolled meanwhile.
-    const auto first = card.AddFile(
-        "IMG_1000.JPG", WithExif(WithLongHeader(MakeJpeg(1600, 1200)), "2026:11:21 13:26:59", 1));
-    for (int i = 1; i < kCount; ++i) {
-        std::filesystem::create_hard_link(first,
-                                          card.Path() / ("IMG_" + std::to_string(1000 + i) + ".JPG"));
-    }
+    constexpr int kLast = 299;
+    AddPictures(kLast + 1, HeaderOf(jpeg)); // if one is decoded, it is shown as unreadable
     Show();
-    ASSERT_TRUE(Within(30'000, [this] {
-        return list->Count() == kCount;
-    }));
-    for (int row = 0; row < kCount / 2; ++row) { // as a user does who scrolls through them
-        static_cast<void>(list->Image(row));
-    }
-    ::SendMessageW(Item(IDC_PICTURES), LVM_ENSUREVISIBLE, kCount - 1, FALSE);
-    const auto isRead = [this](int row) { // the date follows the size after two blanks
-        return list->Text(row).find(L"  ") != std::wstring::npos;
+    const auto isDecoded = [this](int row) {
+        return list->Text(row).ends_with(L"\nunreadable");
     };
     EXPECT_TRUE(Within(30'000, [&] {
-        return isRead(kCount - 1);
+        return isDecoded(0);
     }));
-    int above = 0;
-    for (int row = 0; row < kCount / 2; ++row) {
-        above += isRead(row) ? 1 : 0;
+    ASSERT_TRUE(Within(30'000, [this] {
+        return list->Count() == kLast + 1;
+    }));
+    EXPECT_FALSE(isDecoded(kLast));
+    ::SendMessageW(Item(IDC_PICTURES), LVM_ENSUREVISIBLE, kLast, FALSE);
+    EXPECT_TRUE(Within(30'000, [&] {
+        return isDecoded(kLast);
+    }));
+    EXPECT_FALSE(isDecoded(kLast / 2));
+}
+
+TEST_F(Sheet, ShowsTheCamerasSmallPictureWithoutDecodingTheWhole)
+{
+    const std::string whole = MakeJpeg(400, 300);
+    const std::string small = MakeJpeg(160, 120);
+    card.AddFile(L"a.jpg", WithThumbnail(HeaderOf(whole), small));
+    card.AddFile(L"b.jpg", WithThumbnail(HeaderOf(whole), MakeJpeg(160, 160))); // of another shape
+    card.AddFile(L"c.jpg", WithThumbnail(HeaderOf(whole), MakeJpeg(80, 60)));   // too small
+    card.AddFile(L"d.jpg", WithThumbnail(HeaderOf(whole), HeaderOf(small)));
+    card.AddFile(L"e.jpg", WithThumbnail(whole, HeaderOf(small)));
+    Show();
+    EXPECT_TRUE(AwaitText(IDC_STATUS, L"Pictures: 5. Unreadable pictures: 3."));
+    EXPECT_TRUE(AwaitPicture(0));
+    EXPECT_TRUE(AwaitPicture(4)) << "the whole serves if the small one is broken";
+    EXPECT_TRUE(TextOf(Item(IDC_DETAILS)).starts_with(L"400 x 300 pixels, "));
+}
+
+TEST_F(Sheet, ShowsTheSizeThatFollowsALongHeader)
+{
+    card.AddFile(L"a.jpg", WithLongHeader(jpeg));
+    Show();
+    ASSERT_TRUE(AwaitText(IDC_STATUS, L"Pictures: 1."));
+    EXPECT_TRUE(TextOf(Item(IDC_DETAILS)).starts_with(L"64 x 48 pixels, "));
+    EXPECT_TRUE(AwaitPicture(0));
+}
+
+TEST_F(Sheet, GivesEachPictureAPlaceThoughTheyAreFoundOneAfterAnother)
+{
+    constexpr int kFolders = 150; // so many that the list is drawn before the last one is found
+    std::set<std::pair<long, long>> places;
+    const auto first = card.AddFile(L"IMG_1000.JPG", jpeg);
+    for (int i = 0; i < kFolders; ++i) {
+        std::filesystem::create_hard_link(
+            first, card.AddFolder(L"DCIM/" + std::to_wstring(100 + i) + L"TEST") / L"IMG_2000.JPG");
     }
-    EXPECT_LT(above, kCount / 2) << "so many were decoded before the last one";
+    Show();
+    ASSERT_TRUE(AwaitText(IDC_STATUS, L"Pictures: " + std::to_wstring(kFolders + 1) + L"."));
+    for (int row = 0; row <= kFolders; ++row) {
+        places.insert(list->Position(row));
+    }
+    EXPECT_EQ(places.size(), kFolders + 1U);
 }
 
 TEST_F(Sheet, WithoutPicturesOffersNothingToCopy)

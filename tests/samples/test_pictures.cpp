@@ -34,10 +34,20 @@ std::vector<BYTE> Gradient(unsigned width, unsigned height)
     return pixels;
 }
 
-/// An entry of a TIFF table, little-endian.
-std::string Entry(const std::string& tag, char type, char count, char value)
+/// A number of a TIFF structure, little-endian.
+std::string Number(std::size_t value)
 {
-    return tag + type + '\0' + count + std::string(3, '\0') + value + std::string(3, '\0');
+    std::string bytes;
+    for (int i = 0; i < 4; ++i, value >>= 8) {
+        bytes += static_cast<char>(value & 0xFF);
+    }
+    return bytes;
+}
+
+/// An entry of a TIFF table.
+std::string Entry(const std::string& tag, char type, std::size_t count, std::size_t value)
+{
+    return tag + type + '\0' + Number(count) + Number(value);
 }
 
 /// Adds a segment at the beginning.
@@ -84,10 +94,26 @@ std::string MakeJpeg(unsigned width, unsigned height)
 std::string WithExif(const std::string& jpeg, const std::string& taken, char orientation)
 {
     using namespace std::string_literals;
-    std::string tiff = "II*\0\x08\0\0\0\x02\0"s + Entry("\x12\x01"s, 3, 1, orientation) +
+    std::string tiff = "II*\0\x08\0\0\0\x02\0"s +
+                       Entry("\x12\x01"s, 3, 1, static_cast<std::size_t>(orientation)) +
                        Entry("\x69\x87"s, 4, 1, 38) + "\0\0\0\0"s;
     tiff += "\x01\0"s + Entry("\x03\x90"s, 2, 20, 56) + "\0\0\0\0"s + taken + '\0';
     return WithSegment(jpeg, '\xE1', "Exif\0\0"s + tiff);
+}
+
+std::string WithThumbnail(const std::string& jpeg, const std::string& small)
+{
+    using namespace std::string_literals;
+    // An empty table for the whole picture, and a table of two entries for the small one behind it.
+    const std::string tiff = "II*\0\x08\0\0\0"s + "\0\0"s + Number(14) + "\x02\0"s +
+                             Entry("\x01\x02"s, 4, 1, 44) + Entry("\x02\x02"s, 4, 1, small.size()) +
+                             Number(0) + small;
+    return WithSegment(jpeg, '\xE1', "Exif\0\0"s + tiff);
+}
+
+std::string HeaderOf(const std::string& jpeg)
+{
+    return jpeg.substr(0, jpeg.find("\xFF\xDA"));
 }
 
 std::string WithLongHeader(const std::string& jpeg)

@@ -14,6 +14,12 @@ namespace kestraboot::tests
 /// orientation (1 to 8).
 [[nodiscard]] std::string WithExif(const std::string& jpeg, const std::string& taken, char orientation);
 
+/// The same with a small picture, as cameras add it.
+[[nodiscard]] std::string WithThumbnail(const std::string& jpeg, const std::string& small);
+
+/// Its header alone: it states the size, but there is nothing to decode.
+[[nodiscard]] std::string HeaderOf(const std::string& jpeg);
+
 /// The same with its size behind the first 64 KB, after a segment that a program may keep there.
 [[nodiscard]] std::string WithLongHeader(const std::string& jpeg);
 

@@ -86,9 +86,9 @@ protected:
                                                 const std::vector<std::string>& orders);
 
     template <typename Condition>
-    static bool Within(DWORD milliseconds, Condition reached)
+    static bool Within(DWORD milliseconds, Condition reached, DWORD pause = 5)
     {
-        for (const ULONGLONG end = ::GetTickCount64() + milliseconds; !reached(); ::Sleep(5)) {
+        for (const ULONGLONG end = ::GetTickCount64() + milliseconds; !reached(); ::Sleep(pause)) {
             if (::GetTickCount64() > end) {
                 return false;
             }
