@@ -40,6 +40,20 @@ std::wstring FromUtf8(std::string_view text)
     return wide;
 }
 
+/// While it lives, a console has other colours than its own.
+class ColourScope
+{
+public:
+    ColourScope(HANDLE changed, WORD own) noexcept : output(changed), ownColours(own) {}
+    ColourScope(const ColourScope&) = delete;
+    ColourScope& operator=(const ColourScope&) = delete;
+    ~ColourScope() { ::SetConsoleTextAttribute(output, ownColours); }
+
+private:
+    HANDLE output; ///< not owned
+    WORD ownColours;
+};
+
 } // namespace
 
 StandardOutput::StandardOutput(bool colour) : output(::GetStdHandle(STD_OUTPUT_HANDLE))
@@ -60,11 +74,11 @@ bool StandardOutput::Write(const StyledText& text) const
         return WriteToConsole(PlainText(text));
     }
     bool written = true;
+    const ColourScope scope(output, ownColours);
     for (const StyledPart& part : text) {
         ::SetConsoleTextAttribute(output, Colours(part.style, ownColours));
         written = WriteToConsole(part.text) && written;
     }
-    ::SetConsoleTextAttribute(output, ownColours);
     return written;
 }
 
