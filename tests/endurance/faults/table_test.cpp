@@ -36,6 +36,9 @@ TEST(FailureTable, KnowsEveryFunctionThatTheLibraryImports)
 TEST(FailureTable, ListsNoFunctionThatNoSceneSweeps)
 {
     for (const FunctionFailures& entry : FailureTable()) {
+        if (entry.failures.empty()) {
+            continue; // it only gives memory back
+        }
         EXPECT_NE(SomeSceneSweeps(entry.function),
                   std::ranges::find(kInNoScene, entry.function) != std::end(kInNoScene))
             << "no scene calls " << entry.function;
