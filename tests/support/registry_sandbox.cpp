@@ -46,16 +46,18 @@ RegistrySandbox::RegistrySandbox()
 {
     static std::atomic<int> count = 0;
     home = HomeOf(::GetCurrentProcessId()) + std::to_wstring(count++);
-    const Key machine(Create(HKEY_CURRENT_USER, home + L"\\machine"));
-    const Key user(Create(HKEY_CURRENT_USER, home + L"\\user"));
-    Require(::RegOverridePredefKey(HKEY_LOCAL_MACHINE, machine.handle), "RegOverridePredefKey");
-    Require(::RegOverridePredefKey(HKEY_CURRENT_USER, user.handle), "RegOverridePredefKey");
+    machine = Create(HKEY_CURRENT_USER, home + L"\\machine");
+    user = Create(HKEY_CURRENT_USER, home + L"\\user");
+    Require(::RegOverridePredefKey(HKEY_LOCAL_MACHINE, machine), "RegOverridePredefKey");
+    Require(::RegOverridePredefKey(HKEY_CURRENT_USER, user), "RegOverridePredefKey");
 }
 
 RegistrySandbox::~RegistrySandbox()
 {
     ::RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
     ::RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
+    ::RegCloseKey(machine);
+    ::RegCloseKey(user);
     ::RegDeleteTreeW(HKEY_CURRENT_USER, home.c_str());
 }
 

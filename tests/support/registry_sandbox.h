@@ -21,8 +21,16 @@ public:
     RegistrySandbox& operator=(const RegistrySandbox&) = delete;
     ~RegistrySandbox();
 
+    /// The key in the place of HKEY_LOCAL_MACHINE or HKEY_CURRENT_USER.
+    [[nodiscard]] HKEY InPlaceOf(HKEY root) const noexcept
+    {
+        return root == HKEY_LOCAL_MACHINE ? machine : user;
+    }
+
 private:
     std::wstring home; ///< below the real HKEY_CURRENT_USER
+    HKEY machine = nullptr;
+    HKEY user = nullptr;
 };
 
 /// Removes the sandbox keys of a process that was terminated.

@@ -318,7 +318,7 @@ TEST(InspectedAccount, OmitsDataThatWindowsDoesNotReturn)
     const tools::Account account = tools::LookAtAccount();
     EXPECT_EQ(account.user, L"(unknown)");
     EXPECT_FALSE(account.loggedOn);
-    EXPECT_FALSE(tools::IsElevated(::GetCurrentProcess()));
+    EXPECT_EQ(tools::IsElevated(::GetCurrentProcess()), std::nullopt);
 }
 
 TEST_F(HealthyMachine, IsInControlOfAProcessThatCannotBeInspected)

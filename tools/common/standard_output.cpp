@@ -30,14 +30,29 @@ WORD Colours(Style style, WORD own) noexcept
     }
 }
 
+/// Empty if it cannot be converted.
 std::wstring FromUtf8(std::string_view text)
 {
-    const int length =
-        ::MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
-    std::wstring wide(static_cast<std::size_t>(length), L'\0');
-    ::MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide.data(), length);
+    std::wstring wide(text.size(), L'\0'); // never more units than bytes
+    const auto size = static_cast<int>(text.size());
+    wide.resize(static_cast<std::size_t>(
+        ::MultiByteToWideChar(CP_UTF8, 0, text.data(), size, wide.data(), size)));
     return wide;
 }
+
+/// While it lives, a console has other colours than its own.
+class ColourScope
+{
+public:
+    ColourScope(HANDLE changed, WORD own) noexcept : output(changed), ownColours(own) {}
+    ColourScope(const ColourScope&) = delete;
+    ColourScope& operator=(const ColourScope&) = delete;
+    ~ColourScope() { ::SetConsoleTextAttribute(output, ownColours); }
+
+private:
+    HANDLE output; ///< not owned
+    WORD ownColours;
+};
 
 } // namespace
 
@@ -59,11 +74,11 @@ bool StandardOutput::Write(const StyledText& text) const
         return WriteToConsole(PlainText(text));
     }
     bool written = true;
+    const ColourScope scope(output, ownColours);
     for (const StyledPart& part : text) {
         ::SetConsoleTextAttribute(output, Colours(part.style, ownColours));
         written = WriteToConsole(part.text) && written;
     }
-    ::SetConsoleTextAttribute(output, ownColours);
     return written;
 }
 
@@ -71,16 +86,19 @@ bool StandardOutput::WriteToConsole(std::string_view text) const
 {
     const std::wstring wide = FromUtf8(text);
     DWORD written = 0;
-    return ::WriteConsoleW(output, wide.data(), static_cast<DWORD>(wide.size()), &written, nullptr) !=
-           FALSE;
+    return (text.empty() || !wide.empty()) &&
+           ::WriteConsoleW(output, wide.data(), static_cast<DWORD>(wide.size()), &written, nullptr);
 }
 
 bool WriteBytes(HANDLE to, std::string_view bytes)
 {
     while (!bytes.empty()) {
         DWORD written = 0;
-        if (!::WriteFile(to, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) ||
-            written == 0) {
+        if (!::WriteFile(to, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr)) {
+            return false;
+        }
+        if (written == 0) { // which succeeds
+            ::SetLastError(ERROR_WRITE_FAULT);
             return false;
         }
         bytes.remove_prefix(written);

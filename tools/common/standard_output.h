@@ -31,7 +31,7 @@ private:
     WORD ownColours = 0;
 };
 
-/// Writes all of it; false if that fails.
+/// Writes all of it; false if that fails. The system's last error is the reason.
 [[nodiscard]] bool WriteBytes(HANDLE to, std::string_view bytes);
 
 } // namespace kestraboot::tools

@@ -1,10 +1,10 @@
 #include "tools/ctl/application_keys.h"
 
+#include "tools/ctl/files.h"
 #include "tools/ctl/registry_key.h"
 #include "tools/ctl/registry_names.h"
 
 #include <deque>
-#include <shlwapi.h>
 
 namespace kestraboot::tools
 {
@@ -21,14 +21,17 @@ struct Place {
     bool behindLongName;
 };
 
-bool Exists(const std::optional<std::wstring>& path) noexcept
+bool Exists(const std::optional<std::wstring>& path)
 {
-    return path && ::PathFileExistsW(path->c_str());
+    return path && FileExists(*path);
 }
 
-ApplicationKey ReadApplicationKey(const std::wstring& path, REGSAM view)
+std::optional<ApplicationKey> ReadApplicationKey(const std::wstring& path, REGSAM view)
 {
-    const RegistryKey key(HKEY_LOCAL_MACHINE, path, KEY_READ | view);
+    const RegistryKey key = OpenUnlessDenied(HKEY_LOCAL_MACHINE, path, KEY_READ | view);
+    if (!key) {
+        return std::nullopt;
+    }
     const std::wstring preferences = path + L"\\Preferences";
     constexpr const wchar_t* kAutoLaunch = L"AutoLaunchOnDeviceConnect";
     ApplicationKey read;
@@ -59,16 +62,19 @@ std::vector<ApplicationKey> FindIn(REGSAM view)
         pending.pop_front();
         bool behindLongName = parent.behindLongName;
         for (const std::wstring& name :
-             RegistryKey(HKEY_LOCAL_MACHINE, parent.path, KEY_READ | view).Subkeys()) {
+             OpenUnlessDenied(HKEY_LOCAL_MACHINE, parent.path, KEY_READ | view).Subkeys()) {
             behindLongName = behindLongName || name.size() > kLongestSearchedName;
             Place child = {parent.path + L'\\' + name, parent.belowAnother, behindLongName};
             if (::_wcsicmp(name.c_str(), kApplicationKeyName) == 0) {
-                ApplicationKey key = ReadApplicationKey(child.path, view);
-                key.nameInOtherCase = name != kApplicationKeyName;
-                key.belowAnother = child.belowAnother;
-                key.behindLongName = child.behindLongName;
-                child.belowAnother = child.belowAnother || !key.nameInOtherCase;
-                found.push_back(std::move(key));
+                std::optional<ApplicationKey> key = ReadApplicationKey(child.path, view);
+                if (!key) {
+                    continue;
+                }
+                key->nameInOtherCase = name != kApplicationKeyName;
+                key->belowAnother = child.belowAnother;
+                key->behindLongName = child.behindLongName;
+                child.belowAnother = child.belowAnother || !key->nameInOtherCase;
+                found.push_back(std::move(*key));
             }
             pending.push_back(std::move(child));
         }

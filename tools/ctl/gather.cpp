@@ -1,12 +1,12 @@
 #include "tools/ctl/gather.h"
 
 #include "tools/ctl/auto_run.h"
+#include "tools/ctl/files.h"
 #include "tools/ctl/library_view.h"
 #include "tools/ctl/registry_copy.h"
 #include "tools/ctl/registry_names.h"
 
 #include <algorithm>
-#include <shlwapi.h>
 
 namespace kestraboot::tools
 {
@@ -45,7 +45,7 @@ void AddAutoRun(Report& report)
         return;
     }
     const std::wstring program = AutoRunProgram(*report.autoRun);
-    report.autoRunExists = ::PathFileExistsW(program.c_str()) != FALSE;
+    report.autoRunExists = FileExists(program);
     if (const ListedApplication* const owner = OwnerOfProxy(report.applications, program)) {
         report.autoRunApplication = owner->info.Name;
     }
@@ -66,6 +66,7 @@ Report Gather()
     report.next = WhatStarts(view);
     report.nextOfCard = WhatStarts(AskLibrary());
     AskAsEachProxy(copy, report.applications);
+    copy.Close();
     return report;
 }
 

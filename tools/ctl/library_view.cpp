@@ -23,6 +23,10 @@ std::wstring RunningProgram()
 {
     std::wstring path(1024, L'\0');
     path.resize(::GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
+    if (path.empty()) {
+        throw std::runtime_error("cannot get the path of this program: " +
+                                 WindowsErrorText(::GetLastError()));
+    }
     return path;
 }
 

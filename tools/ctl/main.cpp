@@ -9,6 +9,7 @@
 #include "tools/ctl/look/look.h"
 #include "tools/ctl/options.h"
 #include "tools/ctl/report_format.h"
+#include "tools/ctl/unread.h"
 
 #include <cstdio>
 #include <exception>
@@ -46,6 +47,7 @@ bool WantsNoColour(const CtlOptions& options)
 
 ExitCode Show(const CtlOptions& options)
 {
+    static_cast<void>(TakeUnread());
     ::SetConsoleCtrlHandler(nullptr, TRUE); // Ctrl+C must not leave the copy of the keys behind
     const Shown shown = options.check ? MakeCheck(options.json) : MakeReport(options.json);
     const StandardOutput output(!WantsNoColour(options));
@@ -53,7 +55,7 @@ ExitCode Show(const CtlOptions& options)
         std::fputs("kestractl: standard output cannot be written\n", stderr);
         return ExitCode::Failed;
     }
-    return shown.code;
+    return TakeUnread() ? ExitCode::Failed : shown.code;
 }
 
 ExitCode Main(int count, wchar_t** words)

@@ -4,6 +4,7 @@
 #include "tools/common/windows_error.h"
 #include "tools/ctl/registry_names.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -41,25 +42,19 @@ void Put(const RegistryKey& to, const RegistryKey::Value& value)
             "copy a value of the registry");
 }
 
-/// Keys that may not be read are left out, as the library skips them.
-void CopyTree(const RegistryKey& from, const RegistryKey& to)
+/// `name` is the last part of `path`, or all of it.
+void CopyTree(HKEY root, const std::wstring& path, const std::wstring& name, const RegistryKey& above)
 {
+    const RegistryKey from = OpenUnlessDenied(root, path);
+    if (!from) {
+        return;
+    }
+    const RegistryKey to = Create(above.Get(), name);
     for (const RegistryKey::Value& value : from.Values()) {
         Put(to, value);
     }
     for (const std::wstring& subkey : from.Subkeys()) {
-        const RegistryKey child(from.Get(), subkey);
-        if (child) {
-            CopyTree(child, Create(to.Get(), subkey));
-        }
-    }
-}
-
-void CopyTree(HKEY root, const wchar_t* path, const RegistryKey& to)
-{
-    const RegistryKey from(root, path);
-    if (from) {
-        CopyTree(from, Create(to.Get(), path));
+        CopyTree(root, path + L'\\' + subkey, subkey, to);
     }
 }
 
@@ -80,12 +75,13 @@ bool IsOfAnother(DWORD processId) noexcept
     }
     const Handle process(::OpenProcess(SYNCHRONIZE, FALSE, processId));
     if (!process) {
-        return ::GetLastError() == ERROR_ACCESS_DENIED; // another user's
+        return ::GetLastError() != ERROR_INVALID_PARAMETER; // such as another user's
     }
-    return ::WaitForSingleObject(process.Get(), 0) == WAIT_TIMEOUT;
+    return ::WaitForSingleObject(process.Get(), 0) != WAIT_OBJECT_0;
 }
 
-/// Removes the copies of processes that were terminated before they could.
+/// Removes the copies of processes that were terminated before they could. If that fails, the next run
+/// tries again.
 void RemoveLeftCopies(const RegistryKey& parent)
 {
     const std::wstring prefix = kNamePrefix;
@@ -110,14 +106,22 @@ RegistryCopy::RegistryCopy()
     try {
         Fill();
     } catch (...) {
-        Remove();
+        RemoveOrSay();
         throw;
     }
 }
 
 RegistryCopy::~RegistryCopy()
 {
-    Remove();
+    if (!closed) {
+        RemoveOrSay();
+    }
+}
+
+void RegistryCopy::Close()
+{
+    Require(Remove(), "remove the copy of the registry's keys");
+    closed = true;
 }
 
 void RegistryCopy::Fill()
@@ -125,9 +129,9 @@ void RegistryCopy::Fill()
     home = Create(parent.Get(), name);
     machine = Create(home.Get(), L"machine");
     user = Create(home.Get(), L"user");
-    CopyTree(HKEY_LOCAL_MACHINE, kCorvaneRoot, machine);
-    CopyTree(HKEY_LOCAL_MACHINE, kAutoPlayKey, machine);
-    CopyTree(HKEY_CURRENT_USER, kCorvaneRoot, user);
+    CopyTree(HKEY_LOCAL_MACHINE, kCorvaneRoot, kCorvaneRoot, machine);
+    CopyTree(HKEY_LOCAL_MACHINE, kAutoPlayKey, kAutoPlayKey, machine);
+    CopyTree(HKEY_CURRENT_USER, kCorvaneRoot, kCorvaneRoot, user);
     CopyRunValue(machine);
     Require(::RegOverridePredefKey(HKEY_LOCAL_MACHINE, machine.Get()), "put the copy in place");
     Require(::RegOverridePredefKey(HKEY_CURRENT_USER, user.Get()), "put the copy in place");
@@ -139,7 +143,10 @@ void RegistryCopy::ShowOnly(const std::wstring& applicationKey)
         only = Create(home.Get(), L"only");
         Require(::RegOverridePredefKey(HKEY_LOCAL_MACHINE, only.Get()), "put the copy in place");
     }
-    ::RegDeleteTreeW(only.Get(), kSoftware); // of the application before
+    const LONG emptied = ::RegDeleteTreeW(only.Get(), kSoftware); // of the application before
+    if (emptied != ERROR_FILE_NOT_FOUND) {
+        Require(emptied, "change the copy of the registry's keys");
+    }
     static_cast<void>(Create(only.Get(), applicationKey));
     const std::wstring product = applicationKey.substr(0, applicationKey.find(kApplicationTail));
     const RegistryKey to = Create(only.Get(), product);
@@ -148,15 +155,33 @@ void RegistryCopy::ShowOnly(const std::wstring& applicationKey)
     }
 }
 
-void RegistryCopy::Remove() noexcept
+/// Takes every step, whichever fails; returns the first failure.
+LONG RegistryCopy::Remove() noexcept
 {
-    ::RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
-    ::RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
+    LONG first = ERROR_SUCCESS;
+    const auto note = [&](LONG status) {
+        first = first != ERROR_SUCCESS ? first : status;
+    };
+    note(::RegOverridePredefKey(HKEY_CURRENT_USER, nullptr));
+    note(::RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr));
     home = RegistryKey();
     machine = RegistryKey();
     user = RegistryKey();
     only = RegistryKey();
-    static_cast<void>(::RegDeleteTreeW(parent.Get(), name.c_str()));
+    note(::RegDeleteTreeW(parent.Get(), name.c_str()));
+    return first;
+}
+
+void RegistryCopy::RemoveOrSay() noexcept
+{
+    const LONG status = Remove();
+    if (status != ERROR_SUCCESS && status != ERROR_FILE_NOT_FOUND) { // there is none if making it failed
+        std::fprintf(
+            stderr,
+            "kestractl: cannot remove the copy of the registry's keys (error %ld): the next run "
+            "removes it\n",
+            status);
+    }
 }
 
 } // namespace kestraboot::tools

@@ -21,7 +21,13 @@ public:
     RegistryCopy();
     RegistryCopy(const RegistryCopy&) = delete;
     RegistryCopy& operator=(const RegistryCopy&) = delete;
+
+    /// Removes the copy if Close has not. Standard error says so if it stays.
     ~RegistryCopy();
+
+    /// Removes the copy; the machine's own keys are in their places again. Throws std::runtime_error if
+    /// that fails: the program then does not see the machine's keys.
+    void Close();
 
     /// From here on the machine's part of the copy has one application's key, without values, and
     /// the values of the product's key above it. A search then finds that application alone.
@@ -29,13 +35,15 @@ public:
 
 private:
     void Fill();
-    void Remove() noexcept;
+    [[nodiscard]] LONG Remove() noexcept;
+    void RemoveOrSay() noexcept;
 
     RegistryKey parent; ///< the real one, opened before it is replaced
     std::wstring name;
     RegistryKey home; ///< holds the copies
     RegistryKey machine;
     RegistryKey user;
+    bool closed = false;
     RegistryKey only; ///< replaces the machine's part when one application alone is shown
 };
 

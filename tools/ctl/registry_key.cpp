@@ -1,15 +1,49 @@
 #include "tools/ctl/registry_key.h"
 
+#include "tools/common/utf8.h"
+#include "tools/common/windows_error.h"
+#include "tools/ctl/unread.h"
+
 #include <cstring>
 
 namespace kestraboot::tools
 {
-
-RegistryKey::RegistryKey(HKEY root, const std::wstring& path, REGSAM access) noexcept
+namespace
 {
-    HKEY opened = nullptr;
-    if (::RegOpenKeyExW(root, path.c_str(), 0, access, &opened) == ERROR_SUCCESS) {
-        key = opened;
+
+std::string NameOf(HKEY root, const std::wstring& path)
+{
+    const char* const above = root == HKEY_LOCAL_MACHINE  ? "HKEY_LOCAL_MACHINE\\"
+                              : root == HKEY_CURRENT_USER ? "HKEY_CURRENT_USER\\"
+                                                          : "";
+    return above + ToUtf8(path);
+}
+
+/// Whether there is one more; throws if that is not known.
+bool IsMore(LONG status, const char* what)
+{
+    if (status != ERROR_SUCCESS && status != ERROR_NO_MORE_ITEMS) {
+        throw RegistryError(status, what);
+    }
+    return status == ERROR_SUCCESS;
+}
+
+} // namespace
+
+RegistryError::RegistryError(LONG status, const std::string& what)
+    : std::runtime_error("cannot " + what + ": " + WindowsErrorText(static_cast<unsigned long>(status))),
+      denied(status == ERROR_ACCESS_DENIED)
+{
+}
+
+RegistryKey::RegistryKey(HKEY root, const std::wstring& path, REGSAM access)
+{
+    const LONG status = ::RegOpenKeyExW(root, path.c_str(), 0, access, &key);
+    if (status != ERROR_SUCCESS) {
+        key = nullptr;
+        if (status != ERROR_FILE_NOT_FOUND && status != ERROR_PATH_NOT_FOUND) {
+            throw RegistryError(status, "open " + NameOf(root, path));
+        }
     }
 }
 
@@ -24,20 +58,25 @@ std::vector<RegistryKey::Value> RegistryKey::Values() const
 {
     std::vector<Value> values;
     std::wstring name(16'384, L'\0'); // longer than any
-    for (DWORD index = 0;; ++index) {
+    for (DWORD index = 0; key != nullptr; ++index) {
         auto length = static_cast<DWORD>(name.size());
-        if (::RegEnumValueW(key, index, name.data(), &length, nullptr, nullptr, nullptr, nullptr) !=
-            ERROR_SUCCESS) {
-            return values;
+        if (!IsMore(
+                ::RegEnumValueW(key, index, name.data(), &length, nullptr, nullptr, nullptr, nullptr),
+                "list the values of a key of the registry")) {
+            break;
         }
         if (std::optional<Value> value = Find(name.substr(0, length).c_str())) {
             values.push_back(std::move(*value));
         }
     }
+    return values;
 }
 
 std::optional<RegistryKey::Value> RegistryKey::Find(const wchar_t* name) const
 {
+    if (key == nullptr) {
+        return std::nullopt;
+    }
     Value value;
     value.name = name != nullptr ? name : L"";
     DWORD size = 0;
@@ -50,6 +89,9 @@ std::optional<RegistryKey::Value> RegistryKey::Find(const wchar_t* name) const
             return value;
         }
     }
+    if (status != ERROR_FILE_NOT_FOUND) {
+        throw RegistryError(status, "read the value \"" + ToUtf8(value.name) + "\" of the registry");
+    }
     return std::nullopt;
 }
 
@@ -57,14 +99,15 @@ std::vector<std::wstring> RegistryKey::Subkeys() const
 {
     std::vector<std::wstring> names;
     wchar_t name[256] = {}; // no key's name is longer
-    for (DWORD index = 0;; ++index) {
+    for (DWORD index = 0; key != nullptr; ++index) {
         DWORD length = 256;
-        if (::RegEnumKeyExW(key, index, name, &length, nullptr, nullptr, nullptr, nullptr) !=
-            ERROR_SUCCESS) {
-            return names;
+        if (!IsMore(::RegEnumKeyExW(key, index, name, &length, nullptr, nullptr, nullptr, nullptr),
+                    "list the keys of the registry")) {
+            break;
         }
         names.emplace_back(name, length);
     }
+    return names;
 }
 
 std::optional<std::wstring> RegistryKey::Text(const wchar_t* name) const
@@ -89,6 +132,19 @@ std::optional<std::uint32_t> RegistryKey::Number(const wchar_t* name) const
         std::memcpy(&number, value->bytes.data(), sizeof number);
     }
     return number != kMissing ? std::optional(number) : std::nullopt;
+}
+
+RegistryKey OpenUnlessDenied(HKEY root, const std::wstring& path, REGSAM access)
+{
+    try {
+        return RegistryKey(root, path, access);
+    } catch (const RegistryError& error) {
+        if (!error.IsDenied()) {
+            throw;
+        }
+        TellUnread(std::string(error.what()) + "; it is left out");
+        return RegistryKey();
+    }
 }
 
 } // namespace kestraboot::tools

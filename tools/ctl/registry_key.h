@@ -3,6 +3,7 @@
 #include <windows.h>
 #include <cstdint>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,13 +11,27 @@
 namespace kestraboot::tools
 {
 
-/// An open key. Reading from a key that did not open finds nothing.
+/// The registry did not answer: something exists, and cannot be read.
+class RegistryError : public std::runtime_error
+{
+public:
+    RegistryError(LONG status, const std::string& what);
+
+    [[nodiscard]] bool IsDenied() const noexcept { return denied; }
+
+private:
+    bool denied;
+};
+
+/// An open key, or none. Reading from a key that does not exist finds nothing.
 class RegistryKey
 {
 public:
     RegistryKey() noexcept = default;
     explicit RegistryKey(HKEY owned) noexcept : key(owned) {}
-    RegistryKey(HKEY root, const std::wstring& path, REGSAM access = KEY_READ) noexcept;
+
+    /// No key if there is none; throws RegistryError if it cannot be opened.
+    RegistryKey(HKEY root, const std::wstring& path, REGSAM access = KEY_READ);
     RegistryKey(RegistryKey&& other) noexcept : key(std::exchange(other.key, nullptr)) {}
     RegistryKey& operator=(RegistryKey&& other) noexcept
     {
@@ -33,6 +48,7 @@ public:
         DWORD type = 0;
         std::vector<std::uint8_t> bytes;
     };
+    // Each of these throws RegistryError if something that exists cannot be read.
     [[nodiscard]] std::vector<Value> Values() const;
     [[nodiscard]] std::optional<Value> Find(const wchar_t* name) const;
 
@@ -48,5 +64,9 @@ public:
 private:
     HKEY key = nullptr;
 };
+
+/// No key if it may not be read, either: the library skips such a key, and standard error names it.
+[[nodiscard]] RegistryKey OpenUnlessDenied(HKEY root, const std::wstring& path,
+                                           REGSAM access = KEY_READ);
 
 } // namespace kestraboot::tools

@@ -7,6 +7,7 @@
 #include <windows.h>
 #include <algorithm>
 #include <memory>
+#include <stdexcept>
 
 namespace kestraboot::tools
 {
@@ -60,6 +61,9 @@ std::wstring ToPath(const std::string& utf8)
     std::wstring path(utf8.size(), L'\0'); // never more units than bytes
     const int length = ::MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()),
                                              path.data(), static_cast<int>(path.size()));
+    if (length == 0 && !utf8.empty()) {
+        throw std::runtime_error("cannot convert the name " + utf8);
+    }
     path.resize(static_cast<std::size_t>(length));
     return path;
 }

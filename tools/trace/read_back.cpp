@@ -32,7 +32,12 @@ public:
             TellSystemError("open " + name);
             return false;
         }
-        RecordedLines recorded(file.LastDay(), OffsetMinutesAt);
+        const std::optional<std::int64_t> lastDay = file.LastDay();
+        if (!lastDay) {
+            TellSystemError("read the time of " + name);
+            return false;
+        }
+        RecordedLines recorded(*lastDay, OffsetMinutesAt);
         TextLines lines(
             [&](std::string_view line) {
                 Take(recorded, line);

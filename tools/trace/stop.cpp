@@ -25,8 +25,8 @@ BOOL WINAPI OnControl(DWORD event) noexcept
 Stop::Stop()
 {
     stopAsked = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    stopEnded = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    ready = stopAsked != nullptr && stopEnded != nullptr && ::SetConsoleCtrlHandler(OnControl, TRUE);
+    stopEnded = stopAsked != nullptr ? ::CreateEventW(nullptr, TRUE, FALSE, nullptr) : nullptr;
+    ready = stopEnded != nullptr && ::SetConsoleCtrlHandler(OnControl, TRUE);
 }
 
 Stop::~Stop()

@@ -167,6 +167,7 @@ bool LetCallGoOn(GatedCall& call) noexcept
 {
     const FunctionFailures* const function = call.failures;
     if (function != nullptr && function->failures.empty()) {
+        ::InterlockedExchangeAdd(&memoryBalance, function->balance);
         return true;
     }
     const DWORD error = ::GetLastError();

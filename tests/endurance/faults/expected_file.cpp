@@ -162,6 +162,27 @@ std::string Difference(const std::vector<std::string>& before, const std::vector
     return difference;
 }
 
+/// One line in the place of a program's whole output, which a difference removes.
+std::string Shortened(const std::string& difference, const std::vector<std::string>& usual)
+{
+    const auto isOutput = [](const std::string& line) {
+        return line == "out" || line.starts_with("out ");
+    };
+    const auto isRemoved = [&](const std::string& line) {
+        return line.starts_with("- ") && isOutput(line.substr(2));
+    };
+    const std::vector<std::string> lines = Lines(difference);
+    const auto all = std::ranges::count_if(usual, isOutput);
+    if (all == 0 || std::ranges::count_if(lines, isRemoved) != all) {
+        return difference;
+    }
+    std::string shorter = "- all that it prints\n";
+    for (const std::string& line : lines) {
+        shorter += isRemoved(line) ? std::string() : line + '\n';
+    }
+    return shorter;
+}
+
 } // namespace
 
 void Outcomes::Begin(const std::string& outcome, int allocations)
@@ -199,8 +220,9 @@ std::string Outcomes::Text() const
                 text += std::string(kFailureMark) + function + ' ' + ranges + ": " + failures + '\n';
             }
         }
-        const std::vector<std::string> shown =
-            Lines(&outcome == &outcomes.front() ? outcome.text : Difference(usual, Lines(outcome.text)));
+        const std::vector<std::string> shown = Lines(
+            &outcome == &outcomes.front() ? outcome.text
+                                          : Shortened(Difference(usual, Lines(outcome.text)), usual));
         for (const std::string& line : shown) {
             text += std::string(kLineMark) + line + '\n';
         }

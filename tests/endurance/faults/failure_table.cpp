@@ -29,6 +29,11 @@ void WantMoreBytes(const GatedCall& call)
     *Pointer<DWORD>(call, 5) += 64;
 }
 
+void WriteNothing(const GatedCall& call)
+{
+    *Pointer<DWORD>(call, 3) = 0;
+}
+
 bool HasValueBuffer(const GatedCall& call)
 {
     return call.Argument(4) != 0 && call.Argument(5) != 0;
@@ -55,17 +60,21 @@ void ClearObject(const GatedCall& call)
 constexpr const char* kCannotFail[] = {
     // kernel32
     "AcquireSRWLockExclusive", "DeleteCriticalSection", "EnterCriticalSection", "ExitProcess", "GetCommandLineW",
-    "GetCurrentProcessId", "GetLastError", "GetProcessHeap", "GetTickCount64", "InitializeCriticalSection",
-    "IsDBCSLeadByteEx", "LeaveCriticalSection", "OutputDebugStringW", "ReleaseSRWLockExclusive", "SetErrorMode", "Sleep",
+    "GetCurrentProcess", "GetCurrentProcessId", "GetLastError", "GetProcessHeap", "GetSystemTimeAsFileTime", "GetTickCount64", "InitializeCriticalSection",
+    "IsDBCSLeadByteEx", "LeaveCriticalSection", "OutputDebugStringW", "ReleaseSRWLockExclusive", "SetErrorMode", "SetLastError", "Sleep",
     // ole32, user32: messages that do not exist, and functions whose result no caller reads
-    "CoUninitialize", "DefWindowProcW", "DispatchMessageW", "PeekMessageW", "TranslateMessage",
+    "CoUninitialize", "wsprintfW", "DefWindowProcW", "DispatchMessageW", "PeekMessageW", "TranslateMessage",
     // msvcrt: text and memory
-    "_wcsicmp", "_wcslwr", "_wcsnicmp", "_wtoi", "memcmp", "memcpy", "memmove", "memset", "strlen", "strncmp", "wcscmp", "wcslen",
-    "wcsncpy", "wcsrchr", "wcsstr",
+    "_wcsicmp", "_wcslwr", "_wcsnicmp", "_wtoi", "memchr", "memcmp", "memcpy", "memmove", "memset", "strlen", "islower", "isspace", "isupper", "strncmp", "tolower",
+    "wcscmp", "wcslen", "wcsncpy", "wcsrchr", "wcsstr", "wcstoul",
+    // msvcrt: standard error, whose failure nobody can be told, and the tools' help
+    "fputc", "fputs", "puts",
+    // msvcrt: kinds of options that the tools do not have
+    "_stat64", "getenv",
     // msvcrt: the runtime's own start, end, locale and streams
     "___lc_codepage_func", "___mb_cur_max_func", "__iob_func", "_amsg_exit", "_errno", "_initterm", "_lock", "_unlock",
     "abort", "fwrite", "localeconv", "strerror", "vfprintf",
-    "TlsGetValue", "VirtualProtect", "VirtualQuery",
+    "TlsGetValue", "VirtualProtect", "VirtualQuery", "WideCharToMultiByte",
     // advapi32, msvcrt: the hardened build's own checks of the stack, at the start and on a failure
     "CryptAcquireContextA", "CryptGenRandom", "CryptReleaseContext", "_close", "_exit", "_open", "_write",
     // the same of the UCRT
@@ -86,28 +95,52 @@ const std::vector<FunctionFailures>& FailureTable()
 {
     static const std::vector<FunctionFailures> table = {
         // advapi32
+        {"ConvertStringSecurityDescriptorToSecurityDescriptorW", {{"no memory", FALSE, ERROR_NOT_ENOUGH_MEMORY}}, 1},
+        {"GetTokenInformation", {{"denied", FALSE, ERROR_ACCESS_DENIED}}},
+        {"LookupAccountSidW", {{"no name", FALSE, ERROR_NONE_MAPPED}}},
+        {"OpenProcessToken", {{"denied", FALSE, ERROR_ACCESS_DENIED}}},
+        {"OpenSCManagerW", {{"denied", kNull, ERROR_ACCESS_DENIED}}, 1},
+        {"OpenServiceW", {{"denied", kNull, ERROR_ACCESS_DENIED}, {"not found", kNull, ERROR_SERVICE_DOES_NOT_EXIST}}, 1},
+        {"QueryServiceConfigW", {{"denied", FALSE, ERROR_ACCESS_DENIED}, {"too long", FALSE, ERROR_INSUFFICIENT_BUFFER}}},
+        {"QueryServiceStatus", {{"denied", FALSE, ERROR_ACCESS_DENIED}}},
+        {"CloseServiceHandle", {{"bad handle", FALSE, ERROR_INVALID_HANDLE, Work::Done}}, -1},
         {"RegOpenKeyExW", {{"not found", ERROR_FILE_NOT_FOUND}, {"denied", ERROR_ACCESS_DENIED}, {"no memory", ERROR_NO_SYSTEM_RESOURCES}}},
         {"RegCreateKeyExW", {{"denied", ERROR_ACCESS_DENIED}, {"no memory", ERROR_NO_SYSTEM_RESOURCES}}},
         {"RegQueryValueExW", {{"not found", ERROR_FILE_NOT_FOUND}, {"denied", ERROR_ACCESS_DENIED}, {"key gone", ERROR_KEY_DELETED},
                               {"grown", ERROR_MORE_DATA, 0, Work::None, WantMoreBytes, HasValueBuffer}}},
         {"RegSetValueExW", {{"denied", ERROR_ACCESS_DENIED}, {"key gone", ERROR_KEY_DELETED}, {"no memory", ERROR_NO_SYSTEM_RESOURCES}}},
         {"RegEnumKeyExW", {{"no more", ERROR_NO_MORE_ITEMS}, {"too long", ERROR_MORE_DATA}, {"key gone", ERROR_KEY_DELETED}}},
+        {"RegDeleteTreeW", {{"denied", ERROR_ACCESS_DENIED}, {"key gone", ERROR_KEY_DELETED}}},
+        {"RegEnumValueW", {{"no more", ERROR_NO_MORE_ITEMS}, {"too long", ERROR_MORE_DATA}, {"key gone", ERROR_KEY_DELETED}}},
+        {"RegOverridePredefKey", {{"denied", ERROR_ACCESS_DENIED}, {"no memory", ERROR_NO_SYSTEM_RESOURCES}}},
         {"RegDeleteValueW", {{"not found", ERROR_FILE_NOT_FOUND}, {"denied", ERROR_ACCESS_DENIED}}},
         {"RegCloseKey", {{"bad handle", ERROR_INVALID_HANDLE, 0, Work::Done}}},
         // kernel32
         {"AttachConsole", {{"no console", FALSE, ERROR_INVALID_HANDLE}, {"has one", FALSE, ERROR_ACCESS_DENIED}}},
         {"CloseHandle", {{"bad handle", FALSE, ERROR_INVALID_HANDLE, Work::Done}}},
+        {"CreateEventW", {{"exists", 0, ERROR_ALREADY_EXISTS, Work::DoneWithItsResult}, {"denied", kNull, ERROR_ACCESS_DENIED}, {"no memory", kNull, ERROR_NOT_ENOUGH_MEMORY}}},
+        {"CreateFileMappingW", {{"exists", 0, ERROR_ALREADY_EXISTS, Work::DoneWithItsResult}, {"denied", kNull, ERROR_ACCESS_DENIED}, {"no memory", kNull, ERROR_NOT_ENOUGH_MEMORY}}},
+        {"CreateMutexExW", {{"exists", 0, ERROR_ALREADY_EXISTS, Work::DoneWithItsResult}, {"denied", kNull, ERROR_ACCESS_DENIED}, {"no memory", kNull, ERROR_NOT_ENOUGH_MEMORY}}},
+        {"CreateFileW", {{"not found", kMinusOne, ERROR_FILE_NOT_FOUND}, {"denied", kMinusOne, ERROR_ACCESS_DENIED}, {"in use", kMinusOne, ERROR_SHARING_VIOLATION}}},
         {"CreateMutexW", {{"exists", 0, ERROR_ALREADY_EXISTS, Work::DoneWithItsResult}, {"denied", kNull, ERROR_ACCESS_DENIED},
                           {"other kind", kNull, ERROR_INVALID_HANDLE}, {"no memory", kNull, ERROR_NOT_ENOUGH_MEMORY}}},
         {"CreateThread", {{"no memory", kNull, ERROR_NOT_ENOUGH_MEMORY}, {"denied", kNull, ERROR_ACCESS_DENIED}}},
         {"CreateToolhelp32Snapshot", {{"no memory", kMinusOne, ERROR_NOT_ENOUGH_MEMORY}, {"partial", kMinusOne, ERROR_PARTIAL_COPY}}},
+        {"FileTimeToSystemTime", {{"bad time", FALSE, ERROR_INVALID_PARAMETER}}},
         {"FindClose", {{"bad handle", FALSE, ERROR_INVALID_HANDLE, Work::Done}}},
         {"FindFirstFileW", {{"not found", kMinusOne, ERROR_FILE_NOT_FOUND}, {"denied", kMinusOne, ERROR_ACCESS_DENIED}, {"not ready", kMinusOne, ERROR_NOT_READY}}},
         {"FindNextFileW", {{"no more", FALSE, ERROR_NO_MORE_FILES}, {"not ready", FALSE, ERROR_NOT_READY}}},
+        {"FormatMessageW", {{"no text", 0, ERROR_MR_MID_NOT_FOUND}}},
         {"FreeConsole", {{"no console", FALSE, ERROR_INVALID_PARAMETER}}},
         {"FreeLibrary", {{"not found", FALSE, ERROR_MOD_NOT_FOUND, Work::Done}}},
         {"GetFileType", {{"unknown", FILE_TYPE_UNKNOWN, ERROR_INVALID_HANDLE}, {"console", FILE_TYPE_CHAR}, {"file", FILE_TYPE_DISK}}},
+        {"GetConsoleScreenBufferInfo", {{"bad handle", FALSE, ERROR_INVALID_HANDLE}}},
+        {"GetConsoleMode", {{"no console", FALSE, ERROR_INVALID_HANDLE}}},
+        {"GetEnvironmentVariableW", {{"not found", 0, ERROR_ENVVAR_NOT_FOUND}}},
         {"GetDriveTypeW", {{"unknown", DRIVE_UNKNOWN}, {"no root", DRIVE_NO_ROOT_DIR}}},
+        {"GetFileInformationByHandle", {{"not ready", FALSE, ERROR_NOT_READY}}},
+        {"GetFileSizeEx", {{"not ready", FALSE, ERROR_NOT_READY}}},
+        {"GetFileTime", {{"not ready", FALSE, ERROR_NOT_READY}}},
         {"GetLogicalDrives", {{"none", 0, ERROR_NOT_ENOUGH_MEMORY}}},
         {"GetModuleFileNameW", {{"bad handle", 0, ERROR_INVALID_HANDLE}}},
         {"GetModuleHandleW", {{"not found", kNull, ERROR_MOD_NOT_FOUND, Work::None, nullptr, NamesAModule}}},
@@ -117,6 +150,7 @@ const std::vector<FunctionFailures>& FailureTable()
         {"GetStdHandle", {{"bad handle", kMinusOne, ERROR_INVALID_HANDLE}, {"none", kNull}}},
         {"GetSystemDirectoryW", {{"no path", 0, ERROR_PATH_NOT_FOUND}, {"too long", 300}}},
         {"GetVersionExW", {{"bad size", FALSE, ERROR_INSUFFICIENT_BUFFER}}},
+        {"GetWindowsDirectoryW", {{"no path", 0, ERROR_PATH_NOT_FOUND}, {"too long", 300}}},
         {"GetVolumeInformationW", {{"not ready", FALSE, ERROR_NOT_READY}, {"denied", FALSE, ERROR_ACCESS_DENIED}, {"no file system", FALSE, ERROR_UNRECOGNIZED_VOLUME}}},
         {"GlobalFree", {{"bad handle", 1, ERROR_INVALID_HANDLE, Work::Done}}, -1},
         {"HeapAlloc", {{"no memory", kNull}}, 1},
@@ -127,16 +161,34 @@ const std::vector<FunctionFailures>& FailureTable()
         {"LoadLibraryW", {{"not found", kNull, ERROR_MOD_NOT_FOUND}, {"no library", kNull, ERROR_BAD_EXE_FORMAT}, {"refuses", kNull, ERROR_DLL_INIT_FAILED}, {"no memory", kNull, ERROR_NOT_ENOUGH_MEMORY}}},
         {"LocalFree", {{"bad handle", 1, ERROR_INVALID_HANDLE, Work::Done}}, -1},
         {"LocalSize", {{"bad handle", 0, ERROR_INVALID_HANDLE}}},
+        {"MapViewOfFile", {{"no memory", kNull, ERROR_NOT_ENOUGH_MEMORY}}, 1},
+        {"MoveFileExW", {{"not found", FALSE, ERROR_FILE_NOT_FOUND}, {"in use", FALSE, ERROR_SHARING_VIOLATION}}},
         {"MultiByteToWideChar", {{"too long", 0, ERROR_INSUFFICIENT_BUFFER}, {"no such text", 0, ERROR_NO_UNICODE_TRANSLATION}}},
+        {"OpenEventW", {{"denied", kNull, ERROR_ACCESS_DENIED}, {"no memory", kNull, ERROR_NOT_ENOUGH_MEMORY}}},
+        {"OpenMutexW", {{"not found", kNull, ERROR_FILE_NOT_FOUND}, {"denied", kNull, ERROR_ACCESS_DENIED}, {"no memory", kNull, ERROR_NOT_ENOUGH_MEMORY}}},
         {"OpenProcess", {{"denied", kNull, ERROR_ACCESS_DENIED}, {"gone", kNull, ERROR_INVALID_PARAMETER}}},
         {"Process32FirstW", {{"no more", FALSE, ERROR_NO_MORE_FILES}, {"bad size", FALSE, ERROR_BAD_LENGTH}}},
         {"Process32NextW", {{"no more", FALSE, ERROR_NO_MORE_FILES}}},
         {"ProcessIdToSessionId", {{"gone", FALSE, ERROR_INVALID_PARAMETER}, {"denied", FALSE, ERROR_ACCESS_DENIED}}},
+        {"QueryFullProcessImageNameW", {{"gone", FALSE, ERROR_GEN_FAILURE}}},
+        {"ReadFile", {{"not ready", FALSE, ERROR_NOT_READY}}},
+        {"ReleaseMutex", {{"not owned", FALSE, ERROR_NOT_OWNER, Work::Done}}},
+        {"ResetEvent", {{"bad handle", FALSE, ERROR_INVALID_HANDLE}}},
+        {"SetEvent", {{"bad handle", FALSE, ERROR_INVALID_HANDLE}}},
+        {"SystemTimeToFileTime", {{"bad time", FALSE, ERROR_INVALID_PARAMETER}}},
+        {"SystemTimeToTzSpecificLocalTime", {{"no time zone", FALSE, ERROR_INVALID_PARAMETER}}},
+        {"UnmapViewOfFile", {{"bad address", FALSE, ERROR_INVALID_ADDRESS, Work::Done}}, -1},
+        {"WaitForMultipleObjects", {{"bad handle", kMinusOne, ERROR_INVALID_HANDLE}}},
+        {"SetConsoleTextAttribute", {{"bad handle", FALSE, ERROR_INVALID_HANDLE}}},
+        {"SetConsoleCtrlHandler", {{"no memory", FALSE, ERROR_NOT_ENOUGH_MEMORY}}},
         {"SetDllDirectoryW", {{"no memory", FALSE, ERROR_NOT_ENOUGH_MEMORY}}},
         {"SetProcessShutdownParameters", {{"denied", FALSE, ERROR_ACCESS_DENIED}}},
         {"SetStdHandle", {{"bad handle", FALSE, ERROR_INVALID_HANDLE}}},
         {"SetCurrentDirectoryW", {{"not found", FALSE, ERROR_PATH_NOT_FOUND}, {"denied", FALSE, ERROR_ACCESS_DENIED}}},
         {"TerminateProcess", {{"denied", FALSE, ERROR_ACCESS_DENIED}}},
+        {"WaitForSingleObject", {{"bad handle", kMinusOne, ERROR_INVALID_HANDLE}, {"timeout", WAIT_TIMEOUT}}},
+        {"WriteConsoleW", {{"bad handle", FALSE, ERROR_INVALID_HANDLE}}},
+        {"WriteFile", {{"disk full", FALSE, ERROR_DISK_FULL}, {"pipe gone", FALSE, ERROR_BROKEN_PIPE}, {"nothing", TRUE, 0, Work::None, WriteNothing}}},
         // msvcrt
         {"_vsnwprintf", {{"no format", kMinusOne}}},
         {"_vscwprintf", {{"no format", kMinusOne}}},
@@ -146,6 +198,12 @@ const std::vector<FunctionFailures>& FailureTable()
         {"freopen", {{"not found", kNull}}},
         {"fputwc", {{"closed", 0xFFFF}}},
         {"fwprintf", {{"closed", kMinusOne}}},
+        // version, wtsapi32
+        {"GetFileVersionInfoSizeW", {{"no resource", 0, ERROR_RESOURCE_TYPE_NOT_FOUND}, {"denied", 0, ERROR_ACCESS_DENIED}}},
+        {"GetFileVersionInfoW", {{"denied", FALSE, ERROR_ACCESS_DENIED}}},
+        {"VerQueryValueW", {{"not found", FALSE, ERROR_RESOURCE_TYPE_NOT_FOUND}}},
+        {"WTSFreeMemory", {}, -1},
+        {"WTSQuerySessionInformationW", {{"denied", FALSE, ERROR_ACCESS_DENIED}}, 1},
         // ole32, shell32, shlwapi
         {"CoCreateInstance", {{"no class", 0x80040154, 0, Work::None, ClearObject}, {"denied", 0x80070005, 0, Work::None, ClearObject},
                               {"no server", 0x80080005, 0, Work::None, ClearObject}, {"no memory", 0x8007000E, 0, Work::None, ClearObject}}},
@@ -160,10 +218,13 @@ const std::vector<FunctionFailures>& FailureTable()
         {"DestroyWindow", {{"bad window", FALSE, ERROR_INVALID_WINDOW_HANDLE, Work::Done}}},
         {"EnumWindows", {{"denied", FALSE, ERROR_ACCESS_DENIED}}},
         {"GetMessageW", {{"bad window", kMinusOne, ERROR_INVALID_WINDOW_HANDLE}}},
+        {"GetWindowThreadProcessId", {{"bad window", 0, ERROR_INVALID_WINDOW_HANDLE}}},
         {"GetWindowTextW", {{"bad window", 0, ERROR_INVALID_WINDOW_HANDLE}}},
         {"MsgWaitForMultipleObjectsEx", {{"bad handle", kMinusOne, ERROR_INVALID_HANDLE}}},
         {"RegisterClassExW", {{"exists", 0, ERROR_CLASS_ALREADY_EXISTS}, {"no memory", 0, ERROR_NOT_ENOUGH_MEMORY}}},
         {"SendMessageW", {{"denied", 0, ERROR_ACCESS_DENIED}}},
+        // the C++ runtime: no thread
+        {"std::thread", {{"no memory", 0}}},
         // WIA: a service that has gone, and its own error answers
         {"IWiaDevMgr::EnumDeviceInfo", {{"no server", kServerGone}, {"no memory", kOutOfMemory}}},
         {"IWiaDevMgr::RegisterEventCallbackInterface", {{"no server", kServerGone}, {"denied", 0x80070005}}},

@@ -88,7 +88,7 @@ void SweepAllocations(const Scene& scene)
     WarmUp(scene);
     static_cast<void>(OutcomeOf(scene, {}));
     const std::string usual = Journal::Text(scene.folder);
-    const int stride = SweepsAll() ? 1 : 7;
+    const int stride = SweepsAll() ? 1 : scene.days;
     const int first = static_cast<int>(FaultSeed() % static_cast<std::size_t>(stride));
     const int all = AllocationsIn(scene);
     CheckAllocations(scene.name, all);

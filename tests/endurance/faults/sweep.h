@@ -47,6 +47,9 @@ struct Scene {
 
     /// Any other leftover is a failure.
     std::vector<Kept> kept = {};
+
+    /// The number of days in which all allocations fail; more than a week for a scene whose run is long.
+    int days = 7;
 };
 
 /// Fails every call that the operation makes, one in a run, in one of the call's ways of failure; each
@@ -55,9 +58,9 @@ struct Scene {
 /// behind. If KESTRABOOT_REWRITE_EXPECTED is set, the file is written instead.
 void SweepFaults(const Scene& scene);
 
-/// Lets memory run out at each seventh allocation, or at each one if KESTRABOOT_ALL_FAULTS is set: once,
-/// and from then on. Nothing may escape or stay behind, and with memory the same object then works as
-/// usual. The number of allocations is in the scene's file.
+/// Lets memory run out at each seventh allocation (Scene::days), or at each one if KESTRABOOT_ALL_FAULTS
+/// is set: once, and from then on. Nothing may escape or stay behind, and with memory the same object
+/// then works as usual. The number of allocations is in the scene's file.
 void SweepAllocations(const Scene& scene);
 
 /// Lets two calls of one run fail, in the given number of runs, chosen at random: the second failure

@@ -18,8 +18,9 @@ namespace
 {
 
 /// No scene calls them while nothing fails: the runtime's, for single characters and padding in a
-/// console text; and the boot program's, for a standard handle of a console.
-constexpr std::string_view kInNoScene[] = {"fputwc", "SetStdHandle"};
+/// console text; the boot program's, for a standard handle of a console; and the tools', for the reason
+/// of a failure, and for a second turn in the debug output.
+constexpr std::string_view kInNoScene[] = {"fputwc", "SetStdHandle", "FormatMessageW", "ResetEvent"};
 
 TEST(FailureTable, KnowsEveryFunctionThatTheLibraryImports)
 {
@@ -35,6 +36,9 @@ TEST(FailureTable, KnowsEveryFunctionThatTheLibraryImports)
 TEST(FailureTable, ListsNoFunctionThatNoSceneSweeps)
 {
     for (const FunctionFailures& entry : FailureTable()) {
+        if (entry.failures.empty()) {
+            continue; // it only gives memory back
+        }
         EXPECT_NE(SomeSceneSweeps(entry.function),
                   std::ranges::find(kInNoScene, entry.function) != std::end(kInNoScene))
             << "no scene calls " << entry.function;

@@ -30,7 +30,7 @@ struct WatchedDevices {
 [[nodiscard]] Row OemRow(const BootFolder& boot, bool inControl);
 [[nodiscard]] Rows PluginRows(const PluginFolder& folder);
 [[nodiscard]] Rows ImagingRows(const ImagingParts& imaging, const WatchedDevices& watched);
-[[nodiscard]] Row DebugOutputRow(bool isRead);
+[[nodiscard]] Row DebugOutputRow(std::optional<bool> isRead);
 [[nodiscard]] Rows VersionRows(const Facts& facts);
 
 /// Whether the library cannot create preferences for a user: it removes all letters that occur in

@@ -27,7 +27,7 @@ Row ProcessRow(const Facts& facts, const BootProcess& process)
                           L"have it started by the auto-run entry");
     }
     std::vector<std::wstring> odd;
-    if (!SameIgnoringCase(*process.account, facts.account.user)) {
+    if (facts.account.user != kUnknownUser && !SameIgnoringCase(*process.account, facts.account.user)) {
         odd.push_back(L"runs as " + *process.account + L", with that account's settings, not those of " +
                       facts.account.user);
     }
@@ -51,7 +51,7 @@ Row ProcessRow(const Facts& facts, const BootProcess& process)
 
 Row NobodyRow(const Facts& facts)
 {
-    if (facts.account.session == 0) {
+    if (facts.account.session == 0U) {
         return Suspicious(kControl, {},
                           L"no boot program has control in session 0: none is expected there",
                           L"run this program in the session of the user who has the trouble");
@@ -82,6 +82,10 @@ std::wstring BootProgramToLookBeside(const Control& control, const Report& repor
 Rows ControlRows(const Facts& facts)
 {
     const Control& control = facts.control;
+    if (!control.known && (!control.claimed || control.processes.empty())) {
+        return {Suspicious(kControl, {}, L"Windows does not report which boot program has control",
+                           L"run this program again")};
+    }
     if (!control.claimed && control.processes.empty()) {
         return {NobodyRow(facts)};
     }

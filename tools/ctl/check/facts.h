@@ -26,11 +26,13 @@ struct WindowsVersion {
     bool workstation = false;
 };
 
+inline constexpr const wchar_t* kUnknownUser = L"(unknown)";
+
 /// The account whose settings this program sees.
 struct Account {
-    std::wstring user;                    ///< DOMAIN\name of this process
-    std::optional<std::wstring> loggedOn; ///< DOMAIN\name that is logged on in this session
-    std::uint32_t session = 0;
+    std::wstring user;                        ///< DOMAIN\name of this process, or kUnknownUser
+    std::optional<std::wstring> loggedOn;     ///< DOMAIN\name that is logged on in this session
+    std::optional<std::uint32_t> session = 0; ///< nothing if Windows did not report it
 };
 
 /// A process with the window of a boot program, or one that runs a registered boot program.
@@ -44,6 +46,7 @@ struct BootProcess {
 struct Control {
     bool claimed = false; ///< a process of this session has taken control
     std::vector<BootProcess> processes;
+    bool known = true; ///< Windows answered every query
 };
 
 /// OEM\album.ini beside a boot program.
@@ -65,6 +68,7 @@ struct PluginFile {
 struct PluginFolder {
     bool exists = false;
     std::vector<PluginFile> files; ///< "*.mox", in the order in which the host loads them
+    bool listed = true;            ///< to its end
 };
 
 /// The boot program in control, or else the one that the next log-on starts, and the files beside
@@ -119,7 +123,7 @@ struct Facts {
     Control control;
     std::optional<BootFolder> boot;
     ImagingParts imaging;
-    bool debugOutputIsRead = false;
+    std::optional<bool> debugOutputIsRead; ///< nothing if Windows did not report it
     FileVersion toolVersion;
     FileVersion libraryVersion; ///< of the library that this program calls
 };

@@ -56,7 +56,12 @@ Row WindowsRow(const WindowsVersion& windows)
 
 Row AccountRow(const Account& account)
 {
-    if (account.session == 0) {
+    if (account.user == kUnknownUser || !account.session) {
+        return Suspicious(kAccount, {},
+                          L"Windows does not report whose settings are shown, or in which session",
+                          L"run this program again");
+    }
+    if (account.session == 0U) {
         return Suspicious(kAccount, account.user,
                           L"the settings shown are those of " + account.user +
                               L", and the boot programs those of session 0, where nobody works",
@@ -101,9 +106,15 @@ Row OrganiserRow(const Facts& facts)
                 L"installed, both programs are there; it counts as one more application");
 }
 
-Row DebugOutputRow(bool isRead)
+Row DebugOutputRow(std::optional<bool> isRead)
 {
-    if (isRead) {
+    if (!isRead) {
+        return Suspicious(kDebugOutput, {},
+                          L"Windows does not report whether a program reads the debug output of this "
+                          L"session",
+                          L"run this program again");
+    }
+    if (*isRead) {
         return Suspicious(kDebugOutput, {},
                           L"a program reads the debug output of this session: kestratrace cannot, and "
                           L"every line that the library writes waits for that program",

@@ -96,7 +96,7 @@ Row PluginRow(const PluginFolder& folder, const PluginFile& plugin)
 
 Rows PluginRows(const PluginFolder& folder)
 {
-    if (folder.files.empty()) {
+    if (folder.files.empty() && folder.listed) {
         return {Fine(kPlugins, {},
                      folder.exists ? L"there is no plugin in moxplugins"
                                    : L"there is no folder moxplugins, and so no plugin")};
@@ -107,10 +107,15 @@ Rows PluginRows(const PluginFolder& folder)
     });
     if (hasPhoneManager) {
         rows.push_back(Fine(kPlugins, {}, L"nokiamanager.mox exists: the host searches for the others"));
-    } else {
+    } else if (folder.listed) {
         rows.push_back(Broken(kPlugins, {},
                               L"there is no nokiamanager.mox: the host loads no other plugin before it",
                               L"install the phone manager's plugin"));
+    }
+    if (!folder.listed) {
+        rows.push_back(Suspicious(
+            kPlugins, {}, L"Windows does not list all files of moxplugins: some may be missing here",
+            L"run this program again, or as administrator"));
     }
     for (const PluginFile& plugin : folder.files) {
         rows.push_back(PluginRow(folder, plugin));

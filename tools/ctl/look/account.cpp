@@ -2,6 +2,7 @@
 #include "tools/ctl/look/look.h"
 
 #include <windows.h>
+#include <memory>
 #include <wtsapi32.h>
 
 namespace kestraboot::tools
@@ -26,9 +27,8 @@ std::optional<std::wstring> SessionText(WTS_INFO_CLASS what)
         text == nullptr) {
         return std::nullopt;
     }
-    std::wstring copy = text;
-    ::WTSFreeMemory(text);
-    return copy;
+    const std::unique_ptr<wchar_t, decltype(&::WTSFreeMemory)> owner(text, ::WTSFreeMemory);
+    return std::wstring(text);
 }
 
 std::optional<std::wstring> LoggedOn()
@@ -61,25 +61,26 @@ std::optional<std::wstring> AccountOf(void* process)
     return std::wstring(domain) + L"\\" + name;
 }
 
-bool IsElevated(void* process)
+std::optional<bool> IsElevated(void* process)
 {
     // Only an account that has a second, smaller set of privileges can be elevated.
     const Handle token = TokenOf(process);
     TOKEN_ELEVATION_TYPE type = TokenElevationTypeDefault;
     DWORD size = 0;
-    return token && ::GetTokenInformation(token.Get(), TokenElevationType, &type, sizeof type, &size) &&
-           type == TokenElevationTypeFull;
+    if (!token || !::GetTokenInformation(token.Get(), TokenElevationType, &type, sizeof type, &size)) {
+        return std::nullopt;
+    }
+    return type == TokenElevationTypeFull;
 }
 
 Account LookAtAccount()
 {
     Account account;
-    account.user = AccountOf(::GetCurrentProcess()).value_or(L"(unknown)");
+    account.user = AccountOf(::GetCurrentProcess()).value_or(kUnknownUser);
     account.loggedOn = LoggedOn();
     DWORD session = 0;
-    if (::ProcessIdToSessionId(::GetCurrentProcessId(), &session)) {
-        account.session = session;
-    }
+    account.session = ::ProcessIdToSessionId(::GetCurrentProcessId(), &session) ? std::optional(session)
+                                                                                : std::nullopt;
     return account;
 }
 

@@ -1,12 +1,13 @@
 // The files beside a boot program.
+#include "tools/ctl/files.h"
 #include "tools/ctl/look/file_contents.h"
+#include "tools/ctl/look/folder.h"
 #include "tools/ctl/look/look.h"
 #include "tools/ctl/look/module_search.h"
 
 #include <windows.h>
 #include <cwchar>
 #include <map>
-#include <shlwapi.h>
 
 namespace kestraboot::tools
 {
@@ -19,15 +20,18 @@ OemFile LookAtOemFile(const std::wstring& folder)
 {
     OemFile oem;
     const std::wstring file = folder + L"\\OEM\\album.ini";
-    oem.exists = ::PathFileExistsW(file.c_str()) != FALSE;
+    oem.exists = FileExists(file);
     if (!oem.exists) {
         return oem;
     }
     wchar_t section[kSectionCapacity + 1] = {};
+    ::SetLastError(ERROR_SUCCESS);
     if (::GetPrivateProfileSectionW(L"KestraProxyStopInstall", section, kSectionCapacity, file.c_str()) >
         0) {
         oem.firstLine = section; // up to the first zero
         oem.number = ::_wtoi(section);
+    } else if (::GetLastError() == ERROR_ACCESS_DENIED) { // for the library it is empty
+        TellUnread("read", file);
     }
     return oem;
 }
@@ -42,31 +46,18 @@ std::uint64_t HashOf(const std::vector<std::uint8_t>& bytes)
     return hash;
 }
 
-std::vector<std::wstring> PluginNames(const std::wstring& folder)
-{
-    std::vector<std::wstring> names;
-    WIN32_FIND_DATAW entry = {};
-    const HANDLE search = ::FindFirstFileW((folder + L"\\*.mox").c_str(), &entry);
-    if (search == INVALID_HANDLE_VALUE) {
-        return names;
-    }
-    do {
-        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-            names.emplace_back(entry.cFileName);
-        }
-    } while (::FindNextFileW(search, &entry));
-    ::FindClose(search);
-    return names;
-}
-
 PluginFolder LookAtPlugins(const std::wstring& bootFolder)
 {
     PluginFolder plugins;
     const std::wstring folder = bootFolder + L"\\moxplugins";
-    plugins.exists = ::PathIsDirectoryW(folder.c_str()) != FALSE;
+    plugins.exists = FolderExists(folder);
     ModuleSearch search(bootFolder);
     std::map<std::pair<std::size_t, std::uint64_t>, std::wstring> seen; // size and hash
-    for (const std::wstring& name : PluginNames(folder)) {
+    DWORD error = ERROR_SUCCESS;
+    for (const auto& [name, isFolder] : EntriesOf(folder + L"\\*.mox", error)) {
+        if (isFolder) {
+            continue;
+        }
         PluginFile& plugin = plugins.files.emplace_back();
         std::wstring path = folder + L"\\";
         path += name;
@@ -90,6 +81,7 @@ PluginFolder LookAtPlugins(const std::wstring& bootFolder)
             plugin.originalName = OriginalNameOf(path);
         }
     }
+    plugins.listed = error == ERROR_SUCCESS;
     return plugins;
 }
 
@@ -102,7 +94,7 @@ BootFolder LookBeside(const std::wstring& program)
     BootFolder boot;
     boot.program = program;
     boot.programVersion = VersionOf(program);
-    boot.libraryExists = ::PathFileExistsW(library.c_str()) != FALSE;
+    boot.libraryExists = FileExists(library);
     boot.libraryVersion = VersionOf(library);
     boot.oem = LookAtOemFile(folder);
     boot.plugins = LookAtPlugins(folder);

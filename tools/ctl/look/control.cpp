@@ -15,10 +15,12 @@ namespace
 
 constexpr const wchar_t* kTitleAndClaim = L"Corvane Kestrafetch Boot";
 
-bool IsClaimed()
+void LookAtClaim(Control& control)
 {
     const Handle claim(::OpenMutexW(SYNCHRONIZE, FALSE, kTitleAndClaim));
-    return claim || ::GetLastError() == ERROR_ACCESS_DENIED; // of a process with more privileges
+    const DWORD error = claim ? ERROR_SUCCESS : ::GetLastError();
+    control.claimed = claim || error == ERROR_ACCESS_DENIED; // of a process with more privileges
+    control.known = control.claimed || error == ERROR_FILE_NOT_FOUND;
 }
 
 BOOL CALLBACK AddOwnerOfBootWindow(HWND window, LPARAM found) noexcept
@@ -27,7 +29,9 @@ BOOL CALLBACK AddOwnerOfBootWindow(HWND window, LPARAM found) noexcept
     ::GetWindowTextW(window, title, 64);
     if (::_wcsicmp(title, kTitleAndClaim) == 0) {
         DWORD processId = 0;
-        ::GetWindowThreadProcessId(window, &processId);
+        if (::GetWindowThreadProcessId(window, &processId) == 0) {
+            return TRUE; // the window is gone
+        }
         try {
             reinterpret_cast<std::vector<DWORD>*>(found)->push_back(processId);
         } catch (const std::bad_alloc&) {
@@ -37,10 +41,10 @@ BOOL CALLBACK AddOwnerOfBootWindow(HWND window, LPARAM found) noexcept
     return TRUE;
 }
 
-std::vector<DWORD> OwnersOfBootWindows()
+std::vector<DWORD> OwnersOfBootWindows(bool& known)
 {
     std::vector<DWORD> found;
-    ::EnumWindows(AddOwnerOfBootWindow, reinterpret_cast<LPARAM>(&found));
+    known = ::EnumWindows(AddOwnerOfBootWindow, reinterpret_cast<LPARAM>(&found)) && known;
     std::ranges::sort(found);
     found.erase(std::unique(found.begin(), found.end()), found.end());
     return found;
@@ -64,17 +68,21 @@ BootProcess LookAtProcess(DWORD processId)
     const Handle opened(::OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, processId));
     if (opened) {
         process.path = PathOf(opened.Get());
-        process.account = AccountOf(opened.Get());
-        process.elevated = IsElevated(opened.Get());
+        const std::optional<bool> elevated = IsElevated(opened.Get());
+        if (elevated) { // without this answer, the process cannot be inspected
+            process.account = AccountOf(opened.Get());
+            process.elevated = *elevated;
+        }
     }
     return process;
 }
 
-std::vector<BootProcess> RunningProxies(const std::vector<std::wstring>& proxies)
+std::vector<BootProcess> RunningProxies(const std::vector<std::wstring>& proxies, bool& known)
 {
     std::vector<BootProcess> found;
     const HANDLE snapshot = ::CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
     if (snapshot == INVALID_HANDLE_VALUE) {
+        known = false;
         return found;
     }
     const Handle owner(snapshot);
@@ -89,6 +97,7 @@ std::vector<BootProcess> RunningProxies(const std::vector<std::wstring>& proxies
             found.push_back(std::move(process));
         }
     }
+    known = ::GetLastError() == ERROR_NO_MORE_FILES && known;
     return found;
 }
 
@@ -97,12 +106,12 @@ std::vector<BootProcess> RunningProxies(const std::vector<std::wstring>& proxies
 Control LookAtControl(const std::vector<std::wstring>& proxies)
 {
     Control control;
-    control.claimed = IsClaimed();
-    for (const DWORD processId : OwnersOfBootWindows()) {
+    LookAtClaim(control);
+    for (const DWORD processId : OwnersOfBootWindows(control.known)) {
         control.processes.push_back(LookAtProcess(processId));
     }
     if (control.claimed && control.processes.empty()) {
-        control.processes = RunningProxies(proxies);
+        control.processes = RunningProxies(proxies, control.known);
     }
     return control;
 }

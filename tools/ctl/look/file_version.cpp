@@ -1,3 +1,4 @@
+#include "tools/ctl/files.h"
 #include "tools/ctl/look/look.h"
 
 #include <windows.h>
@@ -14,8 +15,15 @@ std::vector<std::uint8_t> VersionResource(const std::wstring& file)
 {
     DWORD unused = 0;
     const DWORD size = ::GetFileVersionInfoSizeW(file.c_str(), &unused);
+    if (size == 0) {
+        if (::GetLastError() == ERROR_ACCESS_DENIED) {
+            TellUnread("read the version of", file);
+        }
+        return {};
+    }
     std::vector<std::uint8_t> resource(size);
-    if (size == 0 || !::GetFileVersionInfoW(file.c_str(), 0, size, resource.data())) {
+    if (!::GetFileVersionInfoW(file.c_str(), 0, size, resource.data())) {
+        TellUnread("read the version of", file);
         return {};
     }
     return resource;

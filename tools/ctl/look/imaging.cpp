@@ -1,9 +1,12 @@
+#include "tools/ctl/files.h"
 #include "tools/ctl/look/file_contents.h"
+#include "tools/ctl/look/folder.h"
 #include "tools/ctl/look/look.h"
 #include "tools/ctl/look/module_search.h"
 
 #include <windows.h>
-#include <filesystem>
+#include <utility>
+#include <vector>
 
 namespace kestraboot::tools
 {
@@ -11,13 +14,6 @@ namespace
 {
 
 constexpr const wchar_t* kImagingService = L"stisvc";
-
-std::wstring WindowsFolder()
-{
-    wchar_t path[MAX_PATH] = {};
-    const UINT length = ::GetWindowsDirectoryW(path, MAX_PATH);
-    return std::wstring(path, length < MAX_PATH ? length : 0);
-}
 
 class ServiceHandle
 {
@@ -77,19 +73,36 @@ bool Is64BitSource(const std::wstring& path)
     if (path.size() < 3 || ::_wcsicmp(path.c_str() + path.size() - 3, L".ds") != 0) {
         return false;
     }
-    const PeReading source = ReadPeFile(path);
+    const FileContents contents = ReadContents(path);
+    if (!contents.bytes) {
+        TellUnread("read", path);
+        return false;
+    }
+    const PeReading source = ReadPe(*contents.bytes);
     return source.image && source.image->machine == kMachine64Bit;
 }
 
 /// Drivers are in folders of their own below twain_64, or in twain_64 itself.
 std::size_t CountSources()
 {
-    std::error_code none; // a folder that cannot be listed has no source that could be loaded
     std::size_t count = 0;
-    const std::filesystem::path folder = WindowsFolder() + L"\\twain_64";
-    for (std::filesystem::recursive_directory_iterator entry(folder, none), end; !none && entry != end;
-         entry.increment(none)) {
-        count += Is64BitSource(entry->path().wstring()) ? 1U : 0U;
+    std::vector<std::wstring> folders = {WindowsFolder() + L"\\twain_64"};
+    while (!folders.empty()) {
+        const std::wstring folder = std::move(folders.back());
+        folders.pop_back();
+        DWORD error = ERROR_SUCCESS;
+        for (const auto& [name, isFolder] : EntriesOf(folder + L"\\*", error)) {
+            const std::wstring path = folder + L'\\' + name;
+            if (isFolder) {
+                folders.push_back(path);
+            } else {
+                count += Is64BitSource(path) ? 1U : 0U;
+            }
+        }
+        if (error != ERROR_SUCCESS) {
+            ::SetLastError(error);
+            TellUnread("list", folder);
+        }
     }
     return count;
 }

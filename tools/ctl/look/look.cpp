@@ -1,15 +1,17 @@
 #include "tools/ctl/look/look.h"
 
 #include "tools/common/handle.h"
+#include "tools/common/windows_error.h"
 #include "tools/ctl/application_keys.h"
 #include "tools/ctl/check/check.h"
+#include "tools/ctl/files.h"
 #include "tools/ctl/gather.h"
 #include "tools/ctl/registry_key.h"
 #include "tools/ctl/registry_names.h"
 
 #include <windows.h>
 #include <map>
-#include <shlwapi.h>
+#include <stdexcept>
 
 namespace kestraboot::tools
 {
@@ -19,17 +21,27 @@ namespace
 constexpr const wchar_t* kSwitchedOff =
     L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\StartupApproved\\Run";
 
-std::wstring PathOfModule(HMODULE module)
+std::wstring PathOfModule(const wchar_t* name)
 {
+    const HMODULE module = ::GetModuleHandleW(name);
     std::wstring path(32'768, L'\0'); // longer than any
-    path.resize(::GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size())));
+    path.resize(module == nullptr
+                    ? 0
+                    : ::GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size())));
+    if (path.empty()) {
+        throw std::runtime_error("cannot get the path of this program or its library: " +
+                                 WindowsErrorText(::GetLastError()));
+    }
     return path;
 }
 
-bool IsDebugOutputRead()
+std::optional<bool> IsDebugOutputRead()
 {
     const Handle turn(::OpenEventW(SYNCHRONIZE, FALSE, L"DBWIN_BUFFER_READY"));
-    return turn || ::GetLastError() == ERROR_ACCESS_DENIED; // by a process with more privileges
+    if (turn || ::GetLastError() == ERROR_ACCESS_DENIED) { // by a process with more privileges
+        return true;
+    }
+    return ::GetLastError() == ERROR_FILE_NOT_FOUND ? std::optional(false) : std::nullopt;
 }
 
 /// Windows' list of start-up programs: an odd first byte switches an entry off.
@@ -37,11 +49,6 @@ bool IsSwitchedOff()
 {
     const auto state = RegistryKey(HKEY_LOCAL_MACHINE, kSwitchedOff).Find(kRunValue);
     return state && !state->bytes.empty() && state->bytes[0] % 2 == 1;
-}
-
-bool Exists(const std::wstring& path)
-{
-    return ::PathFileExistsW(path.c_str()) != FALSE;
 }
 
 } // namespace
@@ -86,8 +93,8 @@ Facts Look()
             {versionOf(application.info.CmdLine), versionOf(application.info.ProxyPath)});
     }
     if (facts.report.organiser) {
-        facts.organiserPrograms = {Exists(facts.report.organiser->ProxyPath),
-                                   Exists(facts.report.organiser->CmdLine)};
+        facts.organiserPrograms = {FileExists(facts.report.organiser->ProxyPath),
+                                   FileExists(facts.report.organiser->CmdLine)};
     }
     facts.control = LookAtControl(proxies);
     const std::wstring program = BootProgramToLookBeside(facts.control, facts.report);
@@ -98,7 +105,7 @@ Facts Look()
     facts.imaging = LookAtImaging(program.empty() ? own : program);
     facts.debugOutputIsRead = IsDebugOutputRead();
     facts.toolVersion = VersionOf(own);
-    facts.libraryVersion = VersionOf(PathOfModule(::GetModuleHandleW(L"kestraboot.dll")));
+    facts.libraryVersion = VersionOf(PathOfModule(L"kestraboot.dll"));
     return facts;
 }
 

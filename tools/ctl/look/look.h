@@ -25,7 +25,8 @@ namespace kestraboot::tools
 /// DOMAIN\name of the account that a process runs as; nothing if this program may not ask.
 [[nodiscard]] std::optional<std::wstring> AccountOf(void* process);
 
-/// Whether the process has more privileges than its account has without asking for them.
-[[nodiscard]] bool IsElevated(void* process);
+/// Whether the process has more privileges than its account has without asking for them; nothing if this
+/// program may not ask.
+[[nodiscard]] std::optional<bool> IsElevated(void* process);
 
 } // namespace kestraboot::tools

@@ -1,22 +1,26 @@
 #include "tools/ctl/look/module_search.h"
 
 #include "tools/ctl/check/words.h"
+#include "tools/ctl/files.h"
 #include "tools/ctl/look/file_contents.h"
 
 #include <windows.h>
 #include <algorithm>
-#include <shlwapi.h>
+#include <stdexcept>
 
 namespace kestraboot::tools
 {
 namespace
 {
 
-std::wstring Text(UINT(WINAPI* ask)(wchar_t*, UINT))
+std::wstring PathFrom(UINT(WINAPI* ask)(wchar_t*, UINT))
 {
     wchar_t path[MAX_PATH] = {};
     const UINT length = ask(path, MAX_PATH);
-    return std::wstring(path, length < MAX_PATH ? length : 0);
+    if (length == 0 || length >= MAX_PATH) {
+        throw std::runtime_error("cannot get the path of Windows' folders");
+    }
+    return {path, length};
 }
 
 std::vector<std::wstring> FoldersOfPath()
@@ -36,11 +40,16 @@ std::vector<std::wstring> FoldersOfPath()
 
 } // namespace
 
+std::wstring WindowsFolder()
+{
+    return PathFrom(::GetWindowsDirectoryW);
+}
+
 ModuleSearch::ModuleSearch(const std::wstring& programFolder)
 {
-    const std::wstring windows = Text(::GetWindowsDirectoryW);
+    const std::wstring windows = WindowsFolder();
     folders = {{programFolder, false},
-               {Text(::GetSystemDirectoryW), true},
+               {PathFrom(::GetSystemDirectoryW), true},
                {windows + L"\\system", true},
                {windows, true}};
     for (const std::wstring& folder : FoldersOfPath()) {
@@ -52,7 +61,7 @@ std::optional<std::wstring> ModuleSearch::PathOf(const std::wstring& name) const
 {
     for (const Folder& folder : folders) {
         std::wstring path = folder.path + L"\\" + name;
-        if (::PathFileExistsW(path.c_str()) && !::PathIsDirectoryW(path.c_str())) {
+        if (FileExists(path) && !FolderExists(path)) {
             return path;
         }
     }

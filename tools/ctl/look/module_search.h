@@ -11,11 +11,14 @@
 namespace kestraboot::tools
 {
 
+/// Throws std::runtime_error if Windows does not report it.
+[[nodiscard]] std::wstring WindowsFolder();
+
 class ModuleSearch
 {
 public:
     /// Searches as a program in `programFolder` does, which is its current folder too. Its PATH is
-    /// assumed to be this program's.
+    /// assumed to be this program's. Throws as WindowsFolder does.
     explicit ModuleSearch(const std::wstring& programFolder);
 
     [[nodiscard]] std::optional<std::wstring> PathOf(const std::wstring& name) const;

@@ -48,7 +48,9 @@ SharedObjectSecurity::SharedObjectSecurity(Right ofEveryone) noexcept
 
 SharedObjectSecurity::~SharedObjectSecurity()
 {
-    ::LocalFree(attributes.lpSecurityDescriptor);
+    if (attributes.lpSecurityDescriptor != nullptr) {
+        ::LocalFree(attributes.lpSecurityDescriptor);
+    }
 }
 
 } // namespace kestraboot::tools

@@ -70,16 +70,21 @@ void LogFile::Write(std::string_view lines)
             }
             part = std::max(FittingPart(lines), lines.find('\n') + 1); // one line fits everywhere
         }
-        const bool written = WriteBytes(file.Get(), lines.substr(0, part));
-        if (!written && !failing) {
-            std::fprintf(stderr, "kestratrace: cannot write to the file: %s; going on\n",
-                         WindowsErrorText(::GetLastError()).c_str());
-        }
-        length += part;
-        failing = !written;
-        failedEver = failedEver || !written;
+        Append(lines.substr(0, part));
         lines.remove_prefix(part);
     }
+}
+
+void LogFile::Append(std::string_view bytes)
+{
+    const bool written = WriteBytes(file.Get(), bytes);
+    if (!written && !failing) {
+        std::fprintf(stderr, "kestratrace: cannot write to the file: %s; going on\n",
+                     WindowsErrorText(::GetLastError()).c_str());
+    }
+    length += bytes.size();
+    failing = !written;
+    failedEver = failedEver || !written;
 }
 
 /// The number of bytes of whole lines that fit.
@@ -105,11 +110,17 @@ void LogFile::FollowName()
 /// Continues in the old file if there can be no new one.
 void LogFile::BeginAnew()
 {
-    if (OpenAtEnd()) {
-        longestNow = limits.longest;
-        if (length == 0 && WriteBytes(file.Get(), heading)) {
-            length = heading.size();
+    if (!OpenAtEnd()) {
+        if (!std::exchange(inOldFile, true)) {
+            std::fprintf(stderr, "kestratrace: cannot open %s: %s; going on in the file before it\n",
+                         ToUtf8(name).c_str(), WindowsErrorText(::GetLastError()).c_str());
         }
+        return;
+    }
+    inOldFile = false;
+    longestNow = limits.longest;
+    if (length == 0) {
+        Append(heading);
     }
 }
 

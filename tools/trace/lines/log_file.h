@@ -42,6 +42,7 @@ public:
 
 private:
     [[nodiscard]] bool OpenAtEnd();
+    void Append(std::string_view bytes);
     void FollowName();
     void Rotate();
     void BeginAnew();
@@ -53,6 +54,7 @@ private:
     Handle file;
     std::uint64_t length = 0;
     std::uint64_t longestNow = 0; ///< grows if the file could not be rotated
+    bool inOldFile = false;       ///< because there could be no new one, as standard error said
     bool failing = false;
     bool failedEver = false;
 };

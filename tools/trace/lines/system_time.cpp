@@ -1,6 +1,7 @@
 #include "tools/trace/lines/system_time.h"
 
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 
 namespace kestraboot::tools
@@ -30,7 +31,8 @@ FILETIME FileTimeOf(std::int64_t milliseconds) noexcept
     return {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
 }
 
-/// Of local time from that time, by the rules of the time zone for that day.
+/// Of local time from that time, by the rules of the time zone for that day; 0 if Windows does not know
+/// them, as standard error then says.
 int OffsetMinutes(FILETIME utc) noexcept
 {
     FILETIME local = {};
@@ -40,7 +42,13 @@ int OffsetMinutes(FILETIME utc) noexcept
                        ::SystemTimeToTzSpecificLocalTime(nullptr, &utcParts, &localParts) &&
                        ::SystemTimeToFileTime(&localParts, &local) &&
                        ::SystemTimeToFileTime(&utcParts, &utc); // without the part that they cannot hold
-    return known ? static_cast<int>((Ticks(local) - Ticks(utc)) / kTicksPerMinute) : 0;
+    if (!known) {
+        std::fputs("kestratrace: Windows does not report the offset of local time from UTC: it is taken "
+                   "as 0\n",
+                   stderr);
+        return 0;
+    }
+    return static_cast<int>((Ticks(local) - Ticks(utc)) / kTicksPerMinute);
 }
 
 } // namespace

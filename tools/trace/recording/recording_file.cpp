@@ -39,10 +39,11 @@ std::uint64_t RecordingFile::Size() const noexcept
     return ::GetFileSizeEx(file.Get(), &size) ? static_cast<std::uint64_t>(size.QuadPart) : 0;
 }
 
-std::int64_t RecordingFile::LastDay() const noexcept
+std::optional<std::int64_t> RecordingFile::LastDay() const noexcept
 {
     FILETIME written = {};
-    return ::GetFileTime(file.Get(), nullptr, nullptr, &written) ? LocalDay(written) : 0;
+    return ::GetFileTime(file.Get(), nullptr, nullptr, &written) ? std::optional(LocalDay(written))
+                                                                 : std::nullopt;
 }
 
 } // namespace kestraboot::tools

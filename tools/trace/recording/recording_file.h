@@ -26,8 +26,8 @@ public:
     [[nodiscard]] std::uint64_t Size() const noexcept;
     [[nodiscard]] std::uint64_t Position() const noexcept { return position; }
 
-    /// The local day, since 1970, of its last change.
-    [[nodiscard]] std::int64_t LastDay() const noexcept;
+    /// The local day, since 1970, of its last change; nothing if it cannot be read.
+    [[nodiscard]] std::optional<std::int64_t> LastDay() const noexcept;
 
 private:
     Handle file;
