@@ -57,7 +57,7 @@ StartedWith::StartedWith(TOKEN_ELEVATION_TYPE privileges, const std::filesystem:
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
     std::wstring line = L"\"" + program.wstring() + L"\"";
-    // Wine 8 starts programs with the full privileges, Wine 10 with the limited ones, like Windows.
+    // Wine 8 starts programs with the full privileges, Wine 10 with the limited ones, as a log-on does.
     const bool started =
         ::OpenProcessToken(::GetCurrentProcess(), TOKEN_ALL_ACCESS, &own) &&
         ::GetTokenInformation(own, TokenLinkedToken, &linked, sizeof linked, &size) &&

@@ -82,7 +82,7 @@ TEST_F(AtAPrompt, AShortRunWithoutAConsoleAttachesToThatOfItsParent)
 TEST_F(AtAPrompt, AShortRunOpensTheWindowOnlyIfItAttachedToOne)
 {
     // At a prompt, Wine 8 gives a program of the Windows subsystem the console and its handles. Wine 10
-    // gives it nothing, like Windows: the program attaches to the console.
+    // gives it nothing, as Microsoft documents it: the program attaches to the console.
     const std::string given = InheritedWith(WritesOn::Console);
     const bool isWine8 = given.starts_with("attached\n");
     const std::string handles = isWine8 ? "device device \n" : "none none \n";
