@@ -32,7 +32,7 @@ void JoinParentConsole() noexcept
     if (IsRedirected(output)) {
         return;
     }
-    // Wine also gives a program of the Windows subsystem its parent's console, and refuses a second
+    // Wine 8 also gives a program of the Windows subsystem its parent's console, and refuses a second
     // one.
     const bool joined =
         ::AttachConsole(ATTACH_PARENT_PROCESS) || ::GetLastError() == ERROR_ACCESS_DENIED;

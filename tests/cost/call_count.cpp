@@ -2,7 +2,6 @@
 
 #include "tests/endurance/faults/call_gate.h"
 
-#include <intrin.h>
 #include <string_view>
 
 namespace kestraboot::tests

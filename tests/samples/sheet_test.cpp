@@ -30,6 +30,40 @@ private:
     HANDLE handle;
 };
 
+/// During its lifetime a new program draws with that many dots to an inch on every monitor. In Wine 8,
+/// LogPixels is the number of all monitors. In Wine 10 each display adapter has its own, in a key that
+/// the first program of the session writes; a program that follows its monitor reads only that one.
+class DotsToAnInch
+{
+public:
+    explicit DotsToAnInch(DWORD dots)
+    {
+        DISPLAY_DEVICEW adapter = {};
+        adapter.cb = sizeof adapter;
+        const std::wstring machine = L"\\Registry\\Machine\\";
+        EXPECT_TRUE(::EnumDisplayDevicesW(nullptr, 0, &adapter, 0));
+        EXPECT_TRUE(std::wstring(adapter.DeviceKey).starts_with(machine)) << "the only adapter";
+        adapterKey = adapter.DeviceKey + machine.size();
+        adapterHasDots = StoredDword(HKEY_CURRENT_CONFIG, adapterKey, L"Dpi").has_value();
+        Put(dots);
+    }
+    DotsToAnInch(const DotsToAnInch&) = delete;
+    DotsToAnInch& operator=(const DotsToAnInch&) = delete;
+    ~DotsToAnInch() { Put(USER_DEFAULT_SCREEN_DPI); }
+
+private:
+    void Put(DWORD dots) const
+    {
+        PutDword(HKEY_CURRENT_USER, L"Control Panel\\Desktop", L"LogPixels", dots);
+        if (adapterHasDots) {
+            PutDword(HKEY_CURRENT_CONFIG, adapterKey, L"Dpi", dots);
+        }
+    }
+
+    std::wstring adapterKey;
+    bool adapterHasDots = false;
+};
+
 class Sheet : public SheetWindows
 {
 protected:
@@ -230,10 +264,9 @@ TEST_F(Sheet, FollowsTheUsersChoiceOfLightOrDark)
 
 TEST_F(Sheet, IsTwiceAsLargeAtTwiceTheDotsToAnInch)
 {
-    PutDword(HKEY_CURRENT_USER, L"Control Panel\\Desktop", L"LogPixels", 192);
+    const DotsToAnInch dots(2 * USER_DEFAULT_SCREEN_DPI);
     AddPictures(1);
     Show();
-    PutDword(HKEY_CURRENT_USER, L"Control Panel\\Desktop", L"LogPixels", 96);
     EXPECT_EQ(static_cast<DWORD>(::SendMessageW(Item(IDC_PICTURES), LVM_GETITEMSPACING, FALSE, 0)),
               static_cast<DWORD>(MAKELONG(352, 320)));
     EXPECT_TRUE(AwaitPicture(0));

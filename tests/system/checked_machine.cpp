@@ -38,9 +38,17 @@ std::vector<std::string> FileDump(const std::vector<std::filesystem::path>& fold
     return lines;
 }
 
+TOKEN_ELEVATION_TYPE ElevationOf(HANDLE token)
+{
+    TOKEN_ELEVATION_TYPE type = TokenElevationTypeDefault;
+    DWORD size = 0;
+    ::GetTokenInformation(token, TokenElevationType, &type, sizeof type, &size);
+    return type;
+}
+
 } // namespace
 
-LimitedProcess::LimitedProcess(const std::filesystem::path& program)
+StartedWith::StartedWith(TOKEN_ELEVATION_TYPE privileges, const std::filesystem::path& program)
 {
     HANDLE own = nullptr;
     TOKEN_LINKED_TOKEN linked = {};
@@ -49,11 +57,13 @@ LimitedProcess::LimitedProcess(const std::filesystem::path& program)
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
     std::wstring line = L"\"" + program.wstring() + L"\"";
+    // Wine 8 starts programs with the full privileges, Wine 10 with the limited ones, as a log-on does.
     const bool started =
         ::OpenProcessToken(::GetCurrentProcess(), TOKEN_ALL_ACCESS, &own) &&
         ::GetTokenInformation(own, TokenLinkedToken, &linked, sizeof linked, &size) &&
-        ::DuplicateTokenEx(linked.LinkedToken, MAXIMUM_ALLOWED, nullptr, SecurityImpersonation,
-                           TokenPrimary, &primary) &&
+        ::DuplicateTokenEx(ElevationOf(own) == privileges ? own : linked.LinkedToken, MAXIMUM_ALLOWED,
+                           nullptr, SecurityImpersonation, TokenPrimary, &primary) &&
+        ElevationOf(primary) == privileges &&
         ::CreateProcessAsUserW(primary, program.c_str(), line.data(), nullptr, nullptr, FALSE, 0,
                                nullptr, program.parent_path().c_str(), &startup, &information);
     const DWORD error = ::GetLastError();
@@ -61,13 +71,13 @@ LimitedProcess::LimitedProcess(const std::filesystem::path& program)
         ::CloseHandle(handle);
     }
     if (!started) {
-        throw std::runtime_error("cannot start " + program.string() + " with fewer privileges: error " +
-                                 std::to_string(error));
+        throw std::runtime_error("cannot start " + program.string() + " with privileges of type " +
+                                 std::to_string(privileges) + ": error " + std::to_string(error));
     }
     ::CloseHandle(information.hThread);
 }
 
-LimitedProcess::~LimitedProcess()
+StartedWith::~StartedWith()
 {
     ::TerminateProcess(information.hProcess, 0xDEAD);
     ::WaitForSingleObject(information.hProcess, 30'000);

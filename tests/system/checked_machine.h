@@ -13,15 +13,15 @@
 namespace kestraboot::tests
 {
 
-/// A boot program with only the privileges of the account, as log-on starts it. This object terminates
-/// it at the latest.
-class LimitedProcess
+/// A boot program with the account's limited privileges, as log-on starts it, or with its full ones, as
+/// "Run as administrator" starts it. This object terminates it at the latest.
+class StartedWith
 {
 public:
-    explicit LimitedProcess(const std::filesystem::path& program);
-    LimitedProcess(const LimitedProcess&) = delete;
-    LimitedProcess& operator=(const LimitedProcess&) = delete;
-    ~LimitedProcess();
+    StartedWith(TOKEN_ELEVATION_TYPE privileges, const std::filesystem::path& program);
+    StartedWith(const StartedWith&) = delete;
+    StartedWith& operator=(const StartedWith&) = delete;
+    ~StartedWith();
 
     [[nodiscard]] DWORD Id() const noexcept { return information.dwProcessId; }
 

@@ -25,8 +25,7 @@ public:
         for (BOOL found = ::Thread32First(snapshot, &entry); found;
              found = ::Thread32Next(snapshot, &entry)) {
             if (entry.th32OwnerProcessID == processId) {
-                threads.push_back(::OpenThread(THREAD_SUSPEND_RESUME, FALSE, entry.th32ThreadID));
-                EXPECT_NE(::SuspendThread(threads.back()), MAXDWORD);
+                Suspend(entry.th32ThreadID);
             }
         }
         ::CloseHandle(snapshot);
@@ -42,6 +41,20 @@ public:
     }
 
 private:
+    /// The thread may have ended since the snapshot.
+    void Suspend(DWORD threadId)
+    {
+        const HANDLE thread = ::OpenThread(THREAD_SUSPEND_RESUME | SYNCHRONIZE, FALSE, threadId);
+        if (thread == nullptr) {
+            EXPECT_EQ(::GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
+            return;
+        }
+        threads.push_back(thread);
+        EXPECT_TRUE(::SuspendThread(thread) != MAXDWORD ||
+                    ::WaitForSingleObject(thread, 0) == WAIT_OBJECT_0)
+            << "a thread runs on";
+    }
+
     std::vector<HANDLE> threads;
 };
 

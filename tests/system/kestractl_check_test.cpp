@@ -55,7 +55,7 @@ protected:
 
 TEST_F(HealthyMachine, IsAllFine)
 {
-    const LimitedProcess boot(viewer.Proxy());
+    const StartedWith boot(TokenElevationTypeLimited, viewer.Proxy());
     AwaitControl(boot.Id());
     const std::string text = CheckWithoutChange(kFine);
     std::cout << text;
@@ -78,7 +78,7 @@ TEST_F(HealthyMachine, IsAllFine)
 
 TEST_F(HealthyMachine, ReportsThatTheBootProgramWasStartedElevated)
 {
-    ChildProcess boot(viewer.Proxy());
+    const StartedWith boot(TokenElevationTypeFull, viewer.Proxy());
     AwaitControl(boot.Id());
     EXPECT_THAT(RowsOf(CheckJson(kFine), "control"),
                 ElementsAre(AllOf(StartsWith("suspicious " + viewer.Proxy().string() + ": has control"),
@@ -323,7 +323,7 @@ TEST(InspectedAccount, OmitsDataThatWindowsDoesNotReturn)
 
 TEST_F(HealthyMachine, IsInControlOfAProcessThatCannotBeInspected)
 {
-    const LimitedProcess boot(viewer.Proxy());
+    const StartedWith boot(TokenElevationTypeLimited, viewer.Proxy());
     AwaitControl(boot.Id());
     const FAKE_IMPORT(OpenProcess) open([](DWORD, BOOL, DWORD) {
         ::SetLastError(ERROR_ACCESS_DENIED);

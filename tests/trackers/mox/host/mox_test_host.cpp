@@ -67,6 +67,11 @@ int wmain(int argc, wchar_t** argv)
         test->Say("sleep " + std::to_string(milliseconds));
         ::WaitForSingleObject(wake, INFINITE);
     });
+    // The boot program has a window before it starts the library. In a process without one, Wine 10 may
+    // hang: the first thread that uses a window class waits for one that loads a library, and that one
+    // for the first.
+    WNDCLASSW known = {};
+    ::GetClassInfoW(nullptr, L"STATIC", &known);
     RegisterDeviceConnectCallback(OnDevice);
     StartDeviceConnectService();
     for (std::string command; test->Next(command);) {
