@@ -30,7 +30,8 @@ ROOMS = {
     "boot": ["system_exit_codes_tests", "system_start_tests", "system_default_switch_tests", "system_session_end_tests",
              "system_console_tests", "system_folders_tests", "system_boot_window_tests", "system_card_tests"],
 }
-LONGEST = {"run": 120, "own": 300}  # seconds
+LONGEST = {"run": 120, "own": 300}  # seconds for a program
+LONGEST_TEST = {"run": 15, "own": 40}  # and for a test; a mutant that hangs costs this twice
 # The first failure, or else the start of the test in which the program ended.
 FAILED = re.compile(r"^\[  FAILED  \] ([\w./]+)", re.MULTILINE)
 STARTED = re.compile(r"^\[ RUN      \] (\S+)", re.MULTILINE)
@@ -58,7 +59,8 @@ class Builds:
         action = "own" if "system" in program else "run"
         done = subprocess.run([ROOT / "scripts/test-prefix.sh", action, self.folder / "wine", str(LONGEST[action]),
                                self.folder / "bin" / f"{program}.exe", "--gtest_fail_fast", f"--gtest_filter={only}"],
-                              capture_output=True, stdin=subprocess.DEVNULL, text=True, errors="replace")
+                              capture_output=True, stdin=subprocess.DEVNULL, text=True, errors="replace",
+                              env=os.environ | {"KESTRABOOT_LONGEST_TEST": str(LONGEST_TEST[action])})
         if action == "run" and done.returncode not in (0, 1):
             self.begin()  # a program that did not end by itself can leave processes
         return done.returncode == 0, (FAILED.findall(done.stdout)[:1] or STARTED.findall(done.stdout)[-1:] or ["*"])[0]
@@ -136,7 +138,6 @@ def main() -> int:
     if not set(names) <= set(ROOMS):
         print(f"no such room: {names[0]}", file=sys.stderr)
         return 2
-    os.environ.setdefault("KESTRABOOT_LONGEST_TEST", "30")  # seconds; a mutant that hangs costs this twice
     print(f"KESTRABOOT_SEED={seed}: {number} mutants of each of {len(names)} rooms")
     rooms = [Room(name, tree, builds) for name in names]
     for room in rooms:
