@@ -95,9 +95,9 @@ class Room:
     def fate(self, mutation, text: str) -> str | None:
         """The test that detected it; "" if none did; None if it does not compile."""
         (self.tree / mutation.file).write_text(mutation.apply(text), encoding="utf-8")
+        before = self.builds.programs()
         try:
             for program in ROOMS[self.name]:
-                before = self.builds.programs()
                 if not self.builds.build(program):
                     return None
                 if self.builds.programs() != before:
