@@ -31,9 +31,9 @@ ROOMS = {
              "system_console_tests", "system_folders_tests", "system_boot_window_tests", "system_card_tests"],
 }
 LONGEST = {"run": 300, "own": 600}  # seconds for a program
+PASSED = re.compile(r"^\[       OK \] \S+ \((\d+) ms\)", re.MULTILINE)
 # The first failure, or else the start of the test in which the program ended.
 FAILED = re.compile(r"^\[  FAILED  \] ([\w./]+)", re.MULTILINE)
-PASSED = re.compile(r"^\[       OK \] \S+ \((\d+) ms\)", re.MULTILINE)
 STARTED = re.compile(r"^\[ RUN      \] (\S+)", re.MULTILINE)
 
 
@@ -114,8 +114,11 @@ class Room:
             (self.tree / mutation.file).write_text(text, encoding="utf-8")
 
     def run(self, number: int, seed: int):
-        known = equivalents()
-        for mutation in choose(self.tree, self.name, seed):
+        known, every = equivalents(), choose(self.tree, self.name, seed)
+        for name in sorted(known - {mutation.name for mutation in every}):
+            if name.startswith(f"{self.name}/"):
+                print(f"   equivalent.txt: no such mutant any more: {name}")
+        for mutation in every:
             if self.caught + self.same + len(self.gaps) == number:
                 break
             if mutation.name in known:
