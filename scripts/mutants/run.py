@@ -58,7 +58,7 @@ class Builds:
     def run(self, program: str, only: str = "*") -> tuple[bool, str]:
         """Whether its tests pass, and otherwise the one that failed, hung or crashed."""
         system = "system" in program
-        limit = 10 + 5 * self.longest.get(program, 10)  # seconds for a test; a mutant that hangs costs this twice
+        limit = 10 + 5 * self.longest.get(program, 60)  # seconds for a test; a mutant that hangs costs this twice
         # On one processor the programs of the system layer wait less for Wine's server.
         done = subprocess.run([*(["taskset", "-c", "0"] if "kestractl" in program else []),
                                ROOT / "scripts/test-prefix.sh", "run", self.folder / "wine", str(LONGEST),
