@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Breaks the product in one place at a time and runs the tests of that place. If they pass, there is a gap. Works on a
-# copy of the committed sources in build/mutants. Takes about 15 s for each mutant; scripts/test.sh does not run it.
+# copy of the committed sources in build/mutants. A mutant takes 5 s to 5 minutes; scripts/test.sh does not run it.
 #   mutants.sh [ROOM] [NUMBER]     NUMBER mutants of ROOM, or of each room (default 30); rooms: mutants.sh --rooms
 #   KESTRABOOT_SEED=N              repeats the choice of another run, which prints N in its first line
 # scripts/mutants/equivalent.txt lists the mutants that change no behaviour, with the reason. Exits with 1 if a room's
