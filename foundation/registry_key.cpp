@@ -43,8 +43,6 @@ void RegistryKey::Close() noexcept
     if (key) {
         status = ::RegCloseKey(key.release());
     }
-    valueBufferBytes = 0;
-    valueBufferRoom = 0;
     valueBuffer.reset();
     nameBuffer.reset();
 }

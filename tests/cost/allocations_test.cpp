@@ -60,6 +60,15 @@ TEST(Allocations, AreTwoForAScannedFolder)
     EXPECT_EQ(withOne - withNone, 2) << "the path of the folder, and the pattern that lists it";
 }
 
+TEST(Allocations, AreOneForAllSupportedExtensions)
+{
+    const std::vector<formatInfo_tag> formats(100, {L"jpg", L"Image"});
+    EXPECT_EQ(AllocationsOf([&] {
+                  const ExtensionSet extensions(formats);
+              }),
+              1);
+}
+
 TEST(Allocations, AreNoneForATraceLine)
 {
     EXPECT_EQ(AllocationsOf([] {

@@ -39,13 +39,17 @@ TEST(OutOfMemory, InAReadLeavesTheKeyUsable)
     const RegistrySandbox sandbox;
     PutText(HKEY_LOCAL_MACHINE, L"A", L"Short", L"short");
     PutText(HKEY_LOCAL_MACHINE, L"A", L"Text", kText);
+    PutBytes(HKEY_LOCAL_MACHINE, L"A", L"Empty", REG_SZ, "", 0);
+    PutBytes(HKEY_LOCAL_MACHINE, L"A", L"Byte", REG_SZ, "b", 1);
     RegistryKey key = RegistryKey::OpenLocalMachine(L"A", KEY_READ);
     ASSERT_STREQ(key.QueryString(L"Short"), L"short");
     {
         const AllocationFailure failure(0);
         EXPECT_THROW(static_cast<void>(key.QueryString(L"Text")), std::bad_alloc);
     }
-    EXPECT_STREQ(key.QueryString(L"Short"), L"short"); // although its buffer is gone
+    EXPECT_EQ(key.QueryString(L"Empty"), nullptr) << "the buffer is gone";
+    EXPECT_STREQ(key.QueryString(L"Byte"), L"b");
+    EXPECT_STREQ(key.QueryString(L"Short"), L"short");
     EXPECT_STREQ(key.QueryString(L"Text"), kText.c_str());
 }
 

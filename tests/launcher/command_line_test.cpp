@@ -50,9 +50,13 @@ struct CommandLine : testing::Test {
         return text.data();
     }};
     FAKE_IMPORT(CommandLineToArgvW)
-    toWords{[this](const wchar_t* line, int* count) {
+    toWords{[this](const wchar_t* line, int* count) -> wchar_t** {
         EXPECT_EQ(line, text.data());
-        return splitFails ? nullptr : split = toWords.CallOriginal(line, count);
+        if (splitFails) {
+            *count = 1; // Windows promises no number with a failure
+            return nullptr;
+        }
+        return split = toWords.CallOriginal(line, count);
     }};
     FAKE_IMPORT(GlobalFree)
     release{[this](HGLOBAL memory) -> HGLOBAL {

@@ -103,6 +103,22 @@ TEST_F(Queries, ForDefaultsIntoTheHandlersOwnListAppendCopies)
               (Names{L"key 0", L"key 1", L"key 2", L"key 3", L"key 1", L"key 3"}));
 }
 
+TEST_F(Queries, ForDefaultsAppendAllOrNoneIfMemoryRunsOut)
+{
+    bool happened = true;
+    for (int successes = 0; happened; ++successes) {
+        std::vector<appInfo_tag> list(1); // has no room for more
+        bool answer = true;
+        {
+            const tests::AllocationFailure failure(successes);
+            answer = handler.GetDefaultApplicationInfo(list);
+        }
+        happened = tests::AllocationFailure::Happened();
+        EXPECT_EQ(answer, !happened) << successes;
+        EXPECT_EQ(list.size(), happened ? 1U : 3U) << successes;
+    }
+}
+
 TEST_F(Queries, OutOfMemoryAreFalseAndLeaveTheCallersRecordsUnchanged)
 {
     for (appInfo_tag& record : handler.applications) {

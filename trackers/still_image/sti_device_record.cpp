@@ -18,13 +18,12 @@ static_assert(offsetof(STI_DEVICE_INFORMATIONW, szDeviceInternalName) == 8);
 static_assert(offsetof(STI_DEVICE_INFORMATIONW, DeviceCapabilities) == 264);
 
 /// Copies the name's 128 characters and the four bytes after them, because a name that fills its
-/// field without a terminator continues into the capabilities.
+/// field without a terminator continues into the capabilities. `name` holds zeros.
 void CopyInternalName(TextField& name, const STI_DEVICE_INFORMATIONW& listed) noexcept
 {
     constexpr std::size_t kBytes = sizeof listed.szDeviceInternalName + sizeof listed.DeviceCapabilities;
     static_assert(kBytes == 260 && kBytes < sizeof name);
     const auto* const bytes = reinterpret_cast<const std::byte*>(&listed);
-    std::memset(name, 0, sizeof name);
     std::memcpy(name, bytes + offsetof(STI_DEVICE_INFORMATIONW, szDeviceInternalName), kBytes);
 }
 

@@ -45,6 +45,20 @@ protected:
     mox::ICallbackInterface* callback = new CMOXCallbackInterface;
 };
 
+TEST(CallbackEnd, DeletesTheLockOnce)
+{
+    const FAKE_IMPORT(DeleteCriticalSection) deleted([&](CRITICAL_SECTION* section) {
+        deleted.CallOriginal(section);
+    });
+    mox::ICallbackInterface* const callback = new CMOXCallbackInterface;
+    callback->AddReference();
+    callback->AddReference();
+    EXPECT_EQ(callback->Release(), 1U);
+    EXPECT_EQ(deleted.Calls(), 0);
+    EXPECT_EQ(callback->Release(), 0U);
+    EXPECT_EQ(deleted.Calls(), 1);
+}
+
 TEST_F(Callback, ReportsTheWordOfEachKind)
 {
     const std::pair<std::uint32_t, const wchar_t*> kinds[] = {

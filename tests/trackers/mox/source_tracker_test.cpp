@@ -187,7 +187,7 @@ TEST_F(Tracker, TriesAgainWhenNoMessageCanBeRead)
         return ++calls < 4 ? -1 : 0;
     });
     const FAKE_IMPORT(Sleep) sleep([&](DWORD milliseconds) {
-        EXPECT_LE(milliseconds, 100U);
+        EXPECT_EQ(milliseconds, 50U);
         ++pauses;
     });
     RunToItsEnd(Source(L"alpha"));

@@ -67,8 +67,9 @@ TEST(StiDeviceList, KeepsItsRecordsWhereTheyAreWhenSwapped)
 
 TEST(StiDeviceList, RaisesAnExceptionInsteadOfGrowingPastItsMaximum)
 {
+    constexpr std::size_t kMost = 65'535;
     StiDeviceList list;
-    for (std::size_t i = 0; i < StiDeviceList::kMostRecords; ++i) {
+    for (std::size_t i = 0; i < kMost; ++i) {
         list.Append(Device(L"same"));
     }
     try {
@@ -77,7 +78,7 @@ TEST(StiDeviceList, RaisesAnExceptionInsteadOfGrowingPastItsMaximum)
     } catch (const std::length_error& error) {
         EXPECT_STREQ(error.what(), "list<T> too long");
     }
-    EXPECT_EQ(list.Count(), StiDeviceList::kMostRecords);
+    EXPECT_EQ(list.Count(), kMost);
     EXPECT_EQ(list.Find(L"one too many"), nullptr);
 }
 

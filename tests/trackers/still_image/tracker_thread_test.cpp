@@ -154,7 +154,7 @@ TEST_F(StiTrackerThreadTest, ContinuesAfterAMessageThatCouldNotBeRead)
     });
     Change({"camera A"});
     const FAKE_IMPORT(Sleep) pauses([](DWORD milliseconds) {
-        EXPECT_GT(milliseconds, 0U);
+        EXPECT_EQ(milliseconds, 50U);
     });
     EXPECT_EQ(StiTrackerThread(nullptr), 0U);
     EXPECT_THAT(events.All(), ElementsAre(Pair(L"camera", L"\"Fine\"")));

@@ -84,7 +84,7 @@ TEST_F(WiaTrackerThreadTest, DispatchesEveryMessageAndContinuesAfterAFailedOne)
         return 0;
     });
     const FAKE_IMPORT(Sleep) pauses([&](DWORD milliseconds) {
-        EXPECT_GT(milliseconds, 0U);
+        EXPECT_EQ(milliseconds, 50U);
     });
     EXPECT_EQ(WiaTrackerThread(nullptr), 0U);
     EXPECT_THAT(dispatched, ElementsAre(WM_APP, WM_APP + 2));
