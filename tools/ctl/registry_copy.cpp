@@ -53,8 +53,9 @@ void CopyTree(HKEY root, const std::wstring& path, const std::wstring& name, con
     for (const RegistryKey::Value& value : from.Values()) {
         Put(to, value);
     }
+    const std::wstring below = path + L'\\';
     for (const std::wstring& subkey : from.Subkeys()) {
-        CopyTree(root, path + L'\\' + subkey, subkey, to);
+        CopyTree(root, below + subkey, subkey, to);
     }
 }
 

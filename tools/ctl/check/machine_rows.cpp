@@ -56,12 +56,12 @@ Row WindowsRow(const WindowsVersion& windows)
 
 Row AccountRow(const Account& account)
 {
-    if (account.user == kUnknownUser || !account.session) {
+    if (account.user == kUnknownUser || !account.session.has_value()) {
         return Suspicious(kAccount, {},
                           L"Windows does not report whose settings are shown, or in which session",
                           L"run this program again");
     }
-    if (account.session == 0U) {
+    if (*account.session == 0U) {
         return Suspicious(kAccount, account.user,
                           L"the settings shown are those of " + account.user +
                               L", and the boot programs those of session 0, where nobody works",

@@ -89,10 +89,11 @@ std::size_t CountSources()
     std::vector<std::wstring> folders = {WindowsFolder() + L"\\twain_64"};
     while (!folders.empty()) {
         const std::wstring folder = std::move(folders.back());
+        const std::wstring below = folder + L'\\';
         folders.pop_back();
         DWORD error = ERROR_SUCCESS;
-        for (const auto& [name, isFolder] : EntriesOf(folder + L"\\*", error)) {
-            const std::wstring path = folder + L'\\' + name;
+        for (const auto& [name, isFolder] : EntriesOf(below + L'*', error)) {
+            const std::wstring path = below + name;
             if (isFolder) {
                 folders.push_back(path);
             } else {
