@@ -26,7 +26,8 @@ ROOMS = {
     "trackers/wia": ["wia_tests", "imaging/wia_system_tests"],
     "trackers/still_image": ["imaging/still_image_tests", "imaging/still_image_system_tests"],
     "trackers/mox": ["mox_tests", "mox_system_tests"],
-    "tools": ["tools_tests", "system_kestractl_tests", "system_kestractl_check_tests", "system_trace_viewer_tests"],
+    "tools": ["tools_tests", "faults.tools_tests", "system_kestractl_tests", "system_kestractl_check_tests",
+              "system_trace_viewer_tests"],
     "boot": ["system_exit_codes_tests", "system_start_tests", "system_default_switch_tests", "system_session_end_tests",
              "system_console_tests", "system_folders_tests", "system_boot_window_tests", "system_card_tests"],
 }
