@@ -12,7 +12,7 @@ cd "$(dirname "$0")/.."
 if [ "${1-}" = --rooms ]; then exec scripts/mutants/run.py --rooms; fi
 room=
 case ${1-} in *[!0-9]*)
-    scripts/mutants/run.py --rooms | grep -qxF -- "$1" || wrong_usage "no such room: $1"
+    grep -qxF -- "$1" <<<"$(scripts/mutants/run.py --rooms)" || wrong_usage "no such room: $1"
     room=$1 && shift
     ;;
 esac
