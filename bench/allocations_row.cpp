@@ -2,6 +2,7 @@
 
 #include "bench/card.h"
 #include "bench/scene.h"
+#include "bench/silenced.h"
 #include "foundation/trace.h"
 #include "kestraboot/command_handler.h"
 #include "kestraboot/device_connect.h"
@@ -35,11 +36,6 @@ long AllocationsOfLoading(int applications)
     return AllocationsOf([&] {
         handler.LoadInformation();
     });
-}
-
-std::intptr_t StartNothing(int, const wchar_t*, const wchar_t*, ...) noexcept
-{
-    return -1;
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "bench/instant_windows.h"
 
+#include "bench/silenced.h"
+
 #include <algorithm>
 #include <cstring>
 #include <string_view>
@@ -49,8 +51,6 @@ BOOL WINAPI FindEnd(HANDLE) noexcept
 {
     return TRUE;
 }
-
-void WINAPI DropLine(const wchar_t*) noexcept {}
 
 // ---- The drives
 

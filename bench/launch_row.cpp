@@ -1,22 +1,14 @@
 #include "bench/launch_row.h"
 
 #include "bench/contest.h"
+#include "bench/silenced.h"
 #include "kestraboot/command_handler.h"
 #include "tests/support/import_patch.h"
-
-#include <cstdint>
 
 namespace kestraboot::bench
 {
 namespace
 {
-
-std::intptr_t StartNothing(int, const wchar_t*, const wchar_t*, ...) noexcept
-{
-    return -1;
-}
-
-void CALLBACK DropLine(const wchar_t*) noexcept {}
 
 BOOL CALLBACK TellNoVersion(OSVERSIONINFOW* version) noexcept
 {

@@ -37,7 +37,7 @@ void AwaitEndOfApplication()
     }
 }
 
-std::intptr_t StartNothing(int, const wchar_t*, const wchar_t*, ...) noexcept
+std::intptr_t StartAtOnce(int, const wchar_t*, const wchar_t*, ...) noexcept
 {
     return reinterpret_cast<std::intptr_t>(
         ::CreateEventW(nullptr, FALSE, FALSE, nullptr)); // to be closed
@@ -93,7 +93,7 @@ void CompeteOnRoad(const Request& request)
 
 void CompeteOnRoadWithoutStart(const Request& request)
 {
-    const tests::ImportPatch start("_wspawnlp", StartNothing);
+    const tests::ImportPatch start("_wspawnlp", StartAtOnce);
     CompeteOnRoadUntil(request, [] {});
 }
 

@@ -3,6 +3,7 @@
 #include "bench/card.h"
 #include "bench/contest.h"
 #include "bench/floors/walk.h"
+#include "bench/silenced.h"
 #include "service/media_walk.h"
 #include "tests/support/import_patch.h"
 
@@ -33,8 +34,6 @@ std::size_t StandardWalk(const std::wstring& root)
     }
     return entries;
 }
-
-void CALLBACK DropLine(const wchar_t*) noexcept {}
 
 } // namespace
 
