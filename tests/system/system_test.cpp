@@ -34,6 +34,11 @@ void SystemTest::Quit(ChildProcess& boot)
 {
     const HWND window = AwaitWindow(boot.Id(), kBootTitle);
     ASSERT_NE(window, nullptr);
+    // Once its tracker has answered, the thread waits for messages, not for a drive.
+    if (const HWND tracker = AwaitWindow(boot.Id(), kVolumeWindow, 0)) {
+        DWORD_PTR answer = 0;
+        EXPECT_NE(::SendMessageTimeoutW(tracker, WM_NULL, 0, 0, SMTO_NORMAL, 30'000, &answer), 0);
+    }
     SuspendThreadsBeside(window);
     ::SendMessageW(window, WM_QUIT, 0, 0);
     EXPECT_EQ(boot.ExitCode(), kDone);
