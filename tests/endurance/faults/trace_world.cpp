@@ -129,13 +129,20 @@ std::int64_t SteadyNow() noexcept
     return 1'000'000'000;
 }
 
-/// Runs the thread to its end at its start, so that the order of all calls is always the same.
-void StartThread(std::thread* thread, std::thread::_State_ptr state, void (*)())
+/// libstdc++'s std::thread::_State, which is private in GCC 14: what the thread runs.
+struct ThreadState {
+    virtual ~ThreadState() = default;
+    virtual void Run() = 0;
+};
+
+/// Runs the thread to its end at its start, so that the order of all calls is always the same. The state
+/// is a std::unique_ptr by value: such an argument is passed by its address, and the caller destroys it.
+void StartThread(std::thread* thread, ThreadState* const* state, void (*)())
 {
     if (FailureNow("std::thread")) {
         throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
     }
-    state->_M_run();
+    (*state)->Run();
     constexpr std::uintptr_t kJoinable = 1;
     std::memcpy(static_cast<void*>(thread), &kJoinable, sizeof kJoinable);
 }
