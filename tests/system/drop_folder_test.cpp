@@ -134,8 +134,8 @@ TEST_F(DropFolderSystem, APictureIsReportedOnceItIsClosed)
                             "\\slow.jpg: still being written. The report waits for it.>"));
     EXPECT_EQ(trace.Count(Started()), 0);
     slow.close();
-    ASSERT_TRUE(trace.Await(Started()));
-    EXPECT_EQ(trace.Count(drop.Reported(1)), 1);
+    ASSERT_TRUE(trace.Await(drop.Reported(1)));
+    EXPECT_EQ(trace.Count(Started()), 1);
     Quit(*boot);
 }
 

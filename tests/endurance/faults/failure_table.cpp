@@ -66,7 +66,7 @@ constexpr const char* kCannotFail[] = {
     "CoUninitialize", "wsprintfW", "DefWindowProcW", "DispatchMessageW", "PeekMessageW", "TranslateMessage",
     // msvcrt: text and memory
     "_wcsicmp", "_wcslwr", "_wcsnicmp", "_wtoi", "memchr", "memcmp", "memcpy", "memmove", "memset", "strlen", "islower", "isspace", "isupper", "strncmp", "tolower",
-    "wcscmp", "wcslen", "wcsncpy", "wcsrchr", "wcsstr", "wcstoul",
+    "_strtoi64", "_strtoui64", "wcscmp", "wcslen", "wcsncpy", "wcsrchr", "wcsstr", "wcstoul",
     // msvcrt: standard error, whose failure nobody can be told, and the tools' help
     "fputc", "fputs", "puts",
     // msvcrt: kinds of options that the tools do not have
