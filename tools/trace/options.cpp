@@ -104,8 +104,14 @@ void Describe(CLI::App& app, TraceOptions& options, Texts& texts)
     app.formatter(help);
     app.footer(kFooter);
     app.allow_windows_style_options(false);
-    app.set_help_flag("-h,--help", "this");
 
+    // The first option, because CLI11 2.4 compares a positional name with all earlier ones in a
+    // function that may not throw, and allocates there.
+    app.set_help_flag();
+    CLI::Option* const seconds = app.add_option("seconds", options.seconds, "how long to go on")
+                                     ->type_name("")
+                                     ->check(CLI::Range(std::uint64_t{1}, kMostSeconds));
+    app.set_help_flag("-h,--help", "this");
     app.add_flag("--arrivals", options.arrivals,
                  "one verdict for each device that arrives, in place of the lines");
     app.add_flag("--json", options.json, "one JSON object a line");
@@ -151,10 +157,7 @@ void Describe(CLI::App& app, TraceOptions& options, Texts& texts)
                                   ->check(CheckValue);
     app.add_flag("!--no-color", options.colour, "one colour on a console");
     app.add_flag("--version", options.version, "the version, and which build it is");
-    app.add_option("seconds", options.seconds, "how long to go on")
-        ->type_name("")
-        ->excludes(from)
-        ->check(CLI::Range(std::uint64_t{1}, kMostSeconds));
+    seconds->excludes(from);
 }
 
 } // namespace

@@ -269,7 +269,10 @@ void CheckAllocations(const std::string& scene, int actual)
         EXPECT_GE(4 * actual, 3 * stated) << scene << ": the number of allocations";
     }
     if (!FromTheArchive()) {
-        EXPECT_LE(actual, stated) << scene << ": the number of allocations";
+        // With another libstdc++ the tools' libraries are of another release too, and allocate more.
+        const bool ofTools = scene.starts_with("ctl_") || scene.starts_with("trace_");
+        EXPECT_LE(actual, kLibraryOfTheFiles || !ofTools ? stated : stated * 5 / 4)
+            << scene << ": the number of allocations";
     }
 }
 
