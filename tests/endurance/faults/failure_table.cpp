@@ -65,7 +65,7 @@ constexpr const char* kCannotFail[] = {
     // ole32, user32: messages that do not exist, and functions whose result no caller reads
     "CoUninitialize", "wsprintfW", "DefWindowProcW", "DispatchMessageW", "PeekMessageW", "TranslateMessage",
     // msvcrt: text and memory
-    "_wcsicmp", "_wcslwr", "_wcsnicmp", "_wtoi", "memchr", "memcmp", "memcpy", "memmove", "memset", "strlen", "islower", "isspace", "isupper", "strncmp", "tolower",
+    "_wcsicmp", "_wcslwr", "_wcsnicmp", "_wtoi", "memchr", "memcmp", "memcpy", "memmove", "memset", "strlen", "islower", "isprint", "isspace", "isupper", "strncmp", "tolower",
     "_strtoi64", "_strtoui64", "wcscmp", "wcslen", "wcsncpy", "wcsrchr", "wcsstr", "wcstoul",
     // msvcrt: standard error, whose failure nobody can be told, and the tools' help
     "fputc", "fputs", "puts",
