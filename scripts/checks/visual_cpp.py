@@ -130,7 +130,8 @@ def compare_layouts(gxx: str, work: pathlib.Path) -> list[str]:
 def read_in_dialect(gxx: str, work: pathlib.Path) -> list[str]:
     compiler = Compiler(MICROSOFT, gxx, work)
     (work / "kestraboot").mkdir()
-    (work / "kestraboot" / "c_runtime.h").write_text("#define KESTRABOOT_FOR_UCRT 0\n")
+    (work / "kestraboot" / "c_runtime.h").write_text(
+        "#ifdef _UCRT\n#define KESTRABOOT_FOR_UCRT 1\n#else\n#define KESTRABOOT_FOR_UCRT 0\n#endif\n")
     (work / "kestraboot" / "build.h").write_text("".join(
         f'#define KESTRABOOT_BUILD_{name} ""\n' for name in ("COMMIT", "COMPILER", "RUNTIME", "TEXT")))
     sources = sorted(file for room in ROOMS for file in (ROOT / room).rglob("*.cpp"))

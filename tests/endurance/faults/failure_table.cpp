@@ -82,7 +82,7 @@ constexpr const char* kCannotFail[] = {
     "__stdio_common_vfprintf", "__timezone", "__tzname", "_configure_narrow_argv", "_configure_wide_argv",
     "_crt_at_quick_exit", "_crt_atexit", "_execute_onexit_table", "_initialize_narrow_environment",
     "_initialize_onexit_table", "_initialize_wide_environment", "_lock_file", "_register_onexit_function",
-    "_set_new_mode", "_tzset", "_unlock_file", "mbrtowc",
+    "_set_new_mode", "_tzset", "_unlock_file", "mbrtowc", "strtoll", "strtoull", "wcrtomb",
     // msvcrt: memory runs out in the sweep of allocations
     "calloc", "free", "malloc", "realloc",
 };
