@@ -1,6 +1,7 @@
 #include "tests/system/system_test.h"
 
 #include "tests/support/registry_sandbox.h"
+#include "tests/support/source_file.h"
 #include "tests/system/quiet_exit.h"
 
 #include <algorithm>
@@ -12,7 +13,8 @@ namespace kestraboot::tests
 
 std::string VersionText(const std::string& program)
 {
-    std::ifstream page(KESTRABOOT_VERSION_PAGE, std::ios::binary);
+    std::ifstream page(FromTheArchive() ? SourceFile("VERSION.txt") : KESTRABOOT_VERSION_PAGE,
+                       std::ios::binary);
     std::string name;
     page >> name;
     return program + std::string(std::istreambuf_iterator<char>(page), {});
