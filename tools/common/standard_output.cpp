@@ -34,9 +34,9 @@ WORD Colours(Style style, WORD own) noexcept
 std::wstring FromUtf8(std::string_view text)
 {
     std::wstring wide(text.size(), L'\0'); // never more units than bytes
-    const auto size = static_cast<int>(text.size());
     wide.resize(static_cast<std::size_t>(
-        ::MultiByteToWideChar(CP_UTF8, 0, text.data(), size, wide.data(), size)));
+        ::MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide.data(),
+                              static_cast<int>(wide.size()))));
     return wide;
 }
 
