@@ -34,6 +34,7 @@ def main() -> int:
         wanted, present = sizes(dll), sizes(sys.argv[3])
         for section, directive in PADDED.items():
             lines += [f"    .section {directive}", f"    .space {max(0, wanted[section] - present[section])}, 1"]
+    lines += ["    .text"]  # in which the compiler continues, with files that it compiles together with this one
     pathlib.Path(output).write_text("\n".join(['asm(R"(', *lines, ')");']) + "\n")
     return 0
 
