@@ -73,7 +73,7 @@ constexpr const char* kCannotFail[] = {
     "_stat64", "getenv",
     // msvcrt: the runtime's own start, end, locale and streams
     "___lc_codepage_func", "___mb_cur_max_func", "__iob_func", "_amsg_exit", "_errno", "_initterm", "_lock", "_unlock",
-    "abort", "fwrite", "localeconv", "strerror", "vfprintf",
+    "_wassert", "abort", "fwrite", "localeconv", "strerror", "vfprintf",
     "TlsGetValue", "VirtualProtect", "VirtualQuery", "WideCharToMultiByte",
     // advapi32, msvcrt: the hardened build's own checks of the stack, at the start and on a failure
     "CryptAcquireContextA", "CryptGenRandom", "CryptReleaseContext", "_close", "_exit", "_open", "_write",
