@@ -3,6 +3,7 @@
 #include "tests/support/import_patch.h"
 #include "tests/support/pe_builder.h"
 #include "tests/support/registry_sandbox.h"
+#include "tests/support/temp_folder.h"
 #include "tests/system/checked_machine.h"
 #include "tests/system/child_process.h"
 #include "tests/system/debug_reader.h"
@@ -236,6 +237,24 @@ TEST_F(HealthyMachine, ShowsEveryKindOfBadPlugin)
                     "broken g.mox: is no program file", StartsWith("fine nokiamanager.mox"),
                     StartsWith("fine sample_plugin.mox"),
                     StartsWith("suspicious z.mox: is byte for byte sample_plugin.mox")));
+}
+
+TEST_F(HealthyMachine, FindsTheLibrariesOfAPluginInEveryFolderOfThePath)
+{
+    const TempFolder first;
+    const TempFolder second;
+    first.AddFile(L"of_first.dll", PeFile().Bytes());
+    second.AddFile(L"of_second.dll", PeFile().Bytes());
+    PeFile plugin;
+    plugin.needs = {"of_first.dll", "of_second.dll"};
+    viewer.folder.AddFile(L"moxplugins/needs.mox", plugin.Bytes());
+    wchar_t usual[4096] = {};
+    ::GetEnvironmentVariableW(L"PATH", usual, static_cast<DWORD>(std::size(usual)));
+    ::SetEnvironmentVariableW(L"PATH",
+                              (first.Path().wstring() + L";" + second.Path().wstring()).c_str());
+    const json told = CheckJson(kBroken); // no instance is in control
+    ::SetEnvironmentVariableW(L"PATH", usual);
+    EXPECT_THAT(RowsOf(told, "plugin"), Contains(StartsWith("fine needs.mox: is a 64-bit plugin")));
 }
 
 TEST_F(HealthyMachine, ShowsTwoHundredPlugins)
