@@ -45,7 +45,8 @@ protected:
         startup.hStdError = startup.hStdOutput;
         std::wstring line = L"\"" + (BuiltPrograms() / "kestratrace.exe").wstring() + L"\" " + arguments;
         EXPECT_TRUE(::CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
-                                     &startup, &viewer));
+                                     &startup, &viewer))
+            << "error " << ::GetLastError();
         ::CloseHandle(startup.hStdOutput);
         EXPECT_TRUE(AwaitReader());
     }
