@@ -26,6 +26,7 @@ void ReadTheCommandLine(OpenHandler& handler)
 }
 
 HANDLE letGo = nullptr;
+std::vector<DWORD> lingering; // identifiers of threads
 
 DWORD WINAPI Linger(void* running)
 {
@@ -37,7 +38,9 @@ DWORD WINAPI Linger(void* running)
 void LeakAThread()
 {
     const HANDLE running = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    ::CloseHandle(::CreateThread(nullptr, 65'536, Linger, running, 0, nullptr));
+    DWORD id = 0;
+    ::CloseHandle(::CreateThread(nullptr, 65'536, Linger, running, 0, &id));
+    lingering.push_back(id);
     ::WaitForSingleObject(running, INFINITE);
     ::CloseHandle(running);
 }
@@ -126,8 +129,18 @@ TEST_F(Sweep, DoesNotAddAHandleOfTheSystemsToALeak)
 TEST_F(Sweep, NamesALeakedThread)
 {
     letGo = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    lingering.clear();
+    lingering.reserve(1'000); // before memory counts
     EXPECT_SAYS(SaysOf(LeakAThread), "leaves behind: threads 1");
     ::SetEvent(letGo);
+    for (const DWORD id :
+         lingering) { // in the next test their ends would count as threads that are missing
+        if (const HANDLE thread = ::OpenThread(SYNCHRONIZE, FALSE, id)) {
+            ::WaitForSingleObject(thread, INFINITE);
+            ::CloseHandle(thread);
+        }
+    }
+    ::CloseHandle(letGo);
 }
 
 TEST_F(Sweep, NamesALeakedWindow)
