@@ -61,19 +61,14 @@ protected:
         for (const wchar_t letter : {L'E', L'F', L'K'}) {
             scene.UnplugReader(letter);
         }
-        Settle();
+        // Answered only after a scan that has reported a card, and not yet entered the polling mode.
+        Send(WM_NULL);
+        if (scene.trace.Count(kEnteringPolling) > scene.trace.Count(kExitingPolling)) {
+            Tick();
+        }
         Send(kEndTracker);
         thread.join();
         ::UnregisterClassW(L"DeviceDetectWin", ::GetModuleHandleW(nullptr));
-    }
-
-    void Settle()
-    {
-        if (scene.trace.Count(kEnteringPolling) > scene.trace.Count(kExitingPolling)) {
-            Tick();
-        } else {
-            Send(WM_NULL);
-        }
     }
 
     LRESULT Send(UINT message, WPARAM wParam = 0)
